@@ -1,0 +1,106 @@
+// The library's one source of heap memory, with an account per source name.
+//
+// Every block is booked on the account of the name it was asked under ("pll", "pll_info",
+// "pll_manager", ...) and leaves the account it was booked on, whoever releases it. Hosts read the
+// accounts to see that nothing is left behind. Single-threaded, like the whole library.
+#pragma once
+
+#include "pll_export.h"
+
+#include <cstddef>
+#include <limits>
+#include <new>
+#include <string>
+#include <type_traits>
+#include <vector>
+
+// Where an allocation was asked for. The file name is borrowed and may be null.
+class PLL_API MEM_TRACKER
+{
+public:
+    explicit MEM_TRACKER(const char* file = nullptr, int line = 0) : m_file(file), m_line(line) {}
+
+    const char* m_file;
+    int m_line;
+};
+
+class PLL_API MEM_MANAGER
+{
+public:
+    // A heap in the place of malloc and free; `allocate` returns null when it has no memory.
+    typedef void* (*ALLOCATE)(std::size_t size);
+    typedef void (*RELEASE)(void* pointer);
+
+    // A block of `size` bytes (0 is legal), aligned for every scalar type and filled with zeros,
+    // booked on the account `source`; a null source is booked on "mem_alloc_sys". Null when memory
+    // is exhausted. The caller owns the block and gives it back with `delete_wrapper`.
+    static void* new_wrapper(std::size_t size, const MEM_TRACKER& tracker, const char* source);
+
+    // Releases a block of `new_wrapper`; a null pointer is ignored. The account that loses the block
+    // is the one it was booked on, whatever `source` says.
+    static void delete_wrapper(void* pointer, const char* source);
+
+    // Live blocks and bytes attributed to a source name; a null name gives the totals, a name that
+    // never allocated gives 0.
+    static std::size_t get_live_blocks(const char* source);
+    static std::size_t get_live_bytes(const char* source);
+
+    // Takes memory from the host's heap from now on; two null pointers restore malloc and free.
+    // Legal only while no block is live. Returns false, with nothing changed, otherwise or when just
+    // one of the two is null.
+    static bool set_heap(ALLOCATE allocate, RELEASE release);
+};
+
+// Sets the accounts of a library up; one object per library, before its first allocation.
+class PLL_API MEM_INITIALIZER
+{
+public:
+    MEM_INITIALIZER();
+};
+
+// The standard containers' way to the tracked heap. `source` is borrowed and must outlive the
+// container; texts with static storage are meant. Throws std::bad_alloc when memory is exhausted.
+template <class T> class MEM_ALLOCATOR
+{
+public:
+    using value_type = T;
+    using is_always_equal = std::true_type;
+    using propagate_on_container_move_assignment = std::true_type;
+    using propagate_on_container_swap = std::true_type;
+
+    MEM_ALLOCATOR() noexcept : m_source("mem_alloc_sys") {}
+    explicit MEM_ALLOCATOR(const char* source) noexcept : m_source(source) {}
+    template <class U>
+    MEM_ALLOCATOR(const MEM_ALLOCATOR<U>& other) noexcept // NOLINT(google-explicit-constructor)
+        : m_source(other.get_source())
+    {
+    }
+
+    T* allocate(std::size_t count)
+    {
+        if (count > std::numeric_limits<std::size_t>::max() / sizeof(T)) {
+            throw std::bad_alloc();
+        }
+        void* block = MEM_MANAGER::new_wrapper(count * sizeof(T), MEM_TRACKER(), m_source);
+        if (block == nullptr) {
+            throw std::bad_alloc();
+        }
+        return static_cast<T*>(block);
+    }
+
+    void deallocate(T* block, std::size_t) noexcept { MEM_MANAGER::delete_wrapper(block, m_source); }
+
+    const char* get_source() const noexcept { return m_source; }
+
+private:
+    const char* m_source;
+};
+
+template <class T, class U>
+bool operator==(const MEM_ALLOCATOR<T>&, const MEM_ALLOCATOR<U>&) noexcept
+{
+    return true;
+}
+
+template <class T> using MEM_VECTOR = std::vector<T, MEM_ALLOCATOR<T>>;
+using MEM_STRING = std::basic_string<char, std::char_traits<char>, MEM_ALLOCATOR<char>>;

@@ -1,0 +1,62 @@
+// Arithmetic on numbers that hosts and files can make as large as they like: every operation has a
+// defined result. Int operations wrap modulo 2^32, conversions from double saturate, a division by
+// zero gives zero.
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <limits>
+
+// Keeps the low 32 bits.
+inline int wrap_to_int(std::int64_t value)
+{
+    return static_cast<int>(static_cast<std::uint32_t>(static_cast<std::uint64_t>(value)));
+}
+
+inline int wrap_add(int a, int b)
+{
+    return wrap_to_int(std::int64_t{a} + b);
+}
+
+inline int wrap_sub(int a, int b)
+{
+    return wrap_to_int(std::int64_t{a} - b);
+}
+
+inline int wrap_mul(int a, int b)
+{
+    return wrap_to_int(std::int64_t{a} * b);
+}
+
+// Towards zero; 0 when the divisor is 0. The smallest int over -1 wraps to itself.
+inline int safe_div(int a, int b)
+{
+    return b == 0 ? 0 : wrap_to_int(std::int64_t{a} / b);
+}
+
+// 0 when the divisor is 0.
+inline int safe_mod(int a, int b)
+{
+    return b == 0 ? 0 : wrap_to_int(std::int64_t{a} % b);
+}
+
+// Towards zero, saturating; NaN gives 0.
+inline int truncate_to_int(double value)
+{
+    if (value != value) {
+        return 0;
+    }
+    if (value >= static_cast<double>(std::numeric_limits<int>::max())) {
+        return std::numeric_limits<int>::max();
+    }
+    if (value <= static_cast<double>(std::numeric_limits<int>::min())) {
+        return std::numeric_limits<int>::min();
+    }
+    return static_cast<int>(value);
+}
+
+// The legal index nearest to `index` in an array of `count` entries.
+inline int nearest_index(int index, int count)
+{
+    return std::clamp(index, 0, count - 1);
+}
