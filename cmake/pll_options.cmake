@@ -11,6 +11,9 @@ option(PLL_WARNINGS_AS_ERRORS "Treat the warnings of our own sources as errors" 
 # Counts the incompatible changes of the exported classes; it is the number in libpll.so.N.
 set(PLL_ABI_NUMBER 1)
 
+# Standard C++ only, in all folders of this tree.
+set(CMAKE_CXX_EXTENSIONS OFF)
+
 # A build without a type would be one without optimisation.
 if(PROJECT_IS_TOP_LEVEL AND NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
     set(CMAKE_BUILD_TYPE Release CACHE STRING "Type of the build" FORCE)
