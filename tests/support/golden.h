@@ -1,0 +1,12 @@
+// Comparison of a text with a file in tests/golden/.
+#pragma once
+
+#include <string>
+
+// Fails the running test unless `actual` equals the golden file `file_name`, byte for byte. With
+// the environment variable PLL_UPDATE_GOLDEN set, writes the file instead; look at the difference
+// in git before you believe it.
+void expect_golden(const std::string& actual, const std::string& file_name);
+
+// The path of a file in tests/golden/.
+std::string golden_path(const std::string& file_name);
