@@ -12,5 +12,9 @@ if [[ ${#sources[@]} -eq 0 ]]; then
     echo "check_format.sh: no sources found" >&2
     exit 1
 fi
-clang-format --dry-run -Werror "${sources[@]}"
+if ! findings=$(clang-format --dry-run -Werror "${sources[@]}" 2>&1); then
+    echo "These lines are not in the form of .clang-format; ./dev format rewrites them:" >&2
+    sed -nE 's/^([^ :]+:[0-9]+):[0-9]+: error: .*/\1/p' <<<"$findings" | uniq >&2
+    exit 1
+fi
 echo "${#sources[@]} files are well formed"

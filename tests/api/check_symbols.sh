@@ -66,8 +66,8 @@ while read -r name; do
     name=${name#vtable for }
     name=${name#typeinfo for }
     name=${name#typeinfo name for }
-    if [[ $name =~ ^[A-Za-z_0-9]+ ]] && ! is_of_the_runtime "$name"; then
-        grep -qw -- "${BASH_REMATCH[0]}" "$source"/include/*.h "$source"/h/*.h ||
+    if ! is_of_the_runtime "$name"; then
+        grep -qw -- "${name%%[!A-Za-z_0-9]*}" "$source"/include/*.h "$source"/h/*.h ||
             complain "$name is exported but in no public header"
     fi
 done < <(nm -D -C --defined-only "$shared" | sed -nE 's/^[0-9a-f]+ [A-Za-z] (.*)$/\1/p')
