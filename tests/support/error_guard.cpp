@@ -35,12 +35,12 @@ void handle_report(const char* condition, const char* component, const char* sou
 {
     const ERROR_REPORT report = {text_or_null(condition), text_or_null(component),
                                  text_or_null(source), line};
-    record_report(report);
+    EXPECTED_REPORTS::record(report);
 }
 
 }  // namespace
 
-void record_report(const ERROR_REPORT& report)
+void EXPECTED_REPORTS::record(const ERROR_REPORT& report)
 {
     if (innermost == nullptr) {
         ADD_FAILURE() << "unexpected internal error " << to_text(report);

@@ -52,9 +52,10 @@ public:
     // Any number of reports is right: for tests that sweep hostile values.
     void accept_all();
 
-private:
-    friend void record_report(const ERROR_REPORT& report);
+    // What the handler calls: records the report, or fails the test when none is expected.
+    static void record(const ERROR_REPORT& report);
 
+private:
     std::vector<ERROR_REPORT> m_reports;
     std::size_t m_seen;
     bool m_accept_all;
