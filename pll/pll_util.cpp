@@ -1,0 +1,230 @@
+// Counter and phase arithmetic. All int steps wrap, so that any input has one defined result.
+#include "pll_util.h"
+
+#include "pll.h"
+#include "pll_arith.h"
+#include "pll_report_error.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+
+namespace {
+
+constexpr const char* SOURCE = "pll_util";
+
+constexpr int DEGREES_PER_PERIOD = 360;
+constexpr int DEGREES_PER_TAP = DEGREES_PER_PERIOD / PLL_VCO_TAPS_NUMBER;
+constexpr int HALF_PERIOD = DEGREES_PER_PERIOD / 2;
+constexpr double HALF_TAP = 22.5;
+constexpr double HALF = 0.5;
+constexpr double LARGEST_PHASE = 2147483647.0;
+constexpr double HZ_PER_MHZ = 1000000;
+constexpr double COST_PER_MHZ = 131072;
+
+void check_vco_tap(int vco_tap)
+{
+    check(0 <= vco_tap && vco_tap <= PLL_VCO_TAPS_NUMBER - 1,
+          "0 <= vco_tap && vco_tap <= PLL_VCO_TAPS_NUMBER - 1", SOURCE);
+}
+
+// The phase of the path that the PLL compares its input with.
+int reference_phase(const PLL& pll)
+{
+    if (pll.m_feedback_tap < 0) {
+        return PLL_UTIL::phase_from_vco_tap_and_counter_start(pll.m_m.m_vco_tap, pll.m_m.m_initial);
+    }
+    const PLL_OUTPUT_TAP& tap = pll.m_taps[nearest_index(pll.m_feedback_tap, PLL_MAX_TAPS)];
+    const int start = wrap_sub(wrap_add(tap.m_initial, pll.m_m.m_initial), 1);
+    return PLL_UTIL::phase_from_vco_tap_and_counter_start(tap.m_vco_tap, start);
+}
+
+// Walks the divisors of a count in ascending order without trying every number up to it: first the
+// small ones, then the partners of the small ones from the largest down.
+class DIVISORS
+{
+public:
+    explicit DIVISORS(std::int64_t count) : m_count(count), m_low(1), m_ascending(true) {}
+
+    // The next divisor above 1, or 0 when there is none left.
+    std::int64_t next()
+    {
+        if (m_ascending) {
+            while ((m_low + 1) * (m_low + 1) <= m_count) {
+                ++m_low;
+                if (m_count % m_low == 0) {
+                    return m_low;
+                }
+            }
+            m_ascending = false;
+            ++m_low;
+        }
+        while (--m_low >= 1) {
+            const std::int64_t partner = m_count / m_low;
+            if (m_count % m_low == 0 && partner != m_low && partner > 1) {
+                return partner;
+            }
+        }
+        m_low = 1;
+        return 0;
+    }
+
+private:
+    std::int64_t m_count;
+    std::int64_t m_low;
+    bool m_ascending;
+};
+
+}  // namespace
+
+int PLL_UTIL::phase_from_vco_tap_and_counter_start(int vco_tap, int counter_start)
+{
+    return wrap_to_int(std::int64_t{DEGREES_PER_PERIOD} * counter_start +
+                       std::int64_t{DEGREES_PER_TAP} * vco_tap - DEGREES_PER_PERIOD);
+}
+
+int PLL_UTIL::phase_to_vco_tap_and_counter_start(int* vco_tap, int* counter_start, double phase,
+                                                 int max_counter_start)
+{
+    if (vco_tap == nullptr || counter_start == nullptr) {
+        return 0;
+    }
+    const double p = std::min(phase, LARGEST_PHASE);  // lets a NaN through
+    int start = std::min(truncate_to_int(p + HALF) / DEGREES_PER_PERIOD + 1, max_counter_start);
+    const int whole_periods = phase_from_vco_tap_and_counter_start(0, start);
+    const int rest = truncate_to_int(p - whole_periods) % DEGREES_PER_PERIOD;
+    int tap = truncate_to_int((rest + HALF_TAP) / DEGREES_PER_TAP);
+    if (tap > PLL_VCO_TAPS_NUMBER - 1) {
+        if (start < max_counter_start) {
+            tap -= PLL_VCO_TAPS_NUMBER;
+            ++start;
+        } else {
+            tap = PLL_VCO_TAPS_NUMBER - 1;
+        }
+    }
+    check_vco_tap(tap);
+    *vco_tap = tap;
+    *counter_start = start;
+    return phase_from_vco_tap_and_counter_start(tap, start);
+}
+
+int PLL_UTIL::phase_to_counter_start(int* counter_start, double phase, int vco_tap,
+                                     int max_counter_start)
+{
+    if (counter_start == nullptr) {
+        return 0;
+    }
+    check_vco_tap(vco_tap);
+    const double p = std::min(phase, LARGEST_PHASE);  // lets a NaN through
+    const double beyond_tap = p - wrap_mul(DEGREES_PER_TAP, vco_tap);
+    int start = 1;
+    if (!(beyond_tap < 0)) {
+        const int rounded = wrap_add(truncate_to_int(beyond_tap + HALF), HALF_PERIOD);
+        start = std::min(rounded / DEGREES_PER_PERIOD + 1, max_counter_start);
+    }
+    *counter_start = start;
+    return phase_from_vco_tap_and_counter_start(vco_tap, start);
+}
+
+int PLL_UTIL::gcd(int x, int y)
+{
+    check(x > 0 && y > 0, "x > 0 && y > 0", SOURCE);
+    if (x > y) {
+        return gcd(y, x);
+    }
+    int a = x;
+    int b = y;
+    while (a > 1) {
+        const int rest = b % a;
+        b = a;
+        a = rest;
+    }
+    return a == 1 ? a : b;
+}
+
+void PLL_UTIL::normalize_fraction(int* numerator_out, int* denominator_out, int numerator,
+                                  int denominator)
+{
+    if (numerator_out == nullptr || denominator_out == nullptr) {
+        return;
+    }
+    const int divisor = gcd(numerator, denominator);
+    *numerator_out = safe_div(numerator, divisor);
+    *denominator_out = safe_div(denominator, divisor);
+}
+
+double PLL_UTIL::user_phase(int numerator, int denominator, const PLL* pll, int vco_tap,
+                            int counter_start)
+{
+    if (pll == nullptr) {
+        return 0.0;
+    }
+    const int phase = phase_from_vco_tap_and_counter_start(vco_tap, counter_start);
+    const int distance = wrap_sub(phase, reference_phase(*pll));
+    return static_cast<double>(numerator) * distance / static_cast<double>(denominator);
+}
+
+int PLL_UTIL::cascade_factor(int count, int max_count)
+{
+    check(count > max_count, "count > max_count", SOURCE);
+    if (max_count < 2) {
+        return 0;
+    }
+    if (count == 0) {
+        return 2;  // every number divides 0
+    }
+    DIVISORS divisors(std::abs(std::int64_t{count}));
+    for (std::int64_t f = divisors.next(); f != 0 && f <= max_count; f = divisors.next()) {
+        if (count / f <= max_count) {
+            return static_cast<int>(f);
+        }
+    }
+    return 0;
+}
+
+int PLL_UTIL::get_tap_count(const PLL* pll, int tap)
+{
+    if (pll == nullptr) {
+        return 0;
+    }
+    check(tap >= 0, "tap >= 0", SOURCE);
+    check(tap < pll->m_user_taps_count, "tap < pll->m_user_taps_count", SOURCE);
+    const PLL_OUTPUT_TAP& output = pll->m_taps[nearest_index(tap, PLL_MAX_TAPS)];
+    return output.m_bypass ? 1 : wrap_add(output.m_high, output.m_low);
+}
+
+int pll_ceil_log2(int value)
+{
+    if (value < 1) {
+        check(value == 0, "value == 0", SOURCE);
+        return 0;
+    }
+    int halvings = 0;
+    for (int rest = value; rest > 1; rest >>= 1) {
+        ++halvings;
+    }
+    return (1 << halvings) == value ? halvings : halvings + 1;
+}
+
+void pll_set_array(int* destination, int first, int last, const int* source)
+{
+    if (destination == nullptr || source == nullptr) {
+        return;
+    }
+    for (std::int64_t i = first; i <= last; ++i) {
+        destination[i] = source[i];
+    }
+}
+
+int pll_limit_switch(int value)
+{
+    if (value == PLL_UNSET_MINIMUM) {
+        return PLL_UNSET_MAXIMUM;
+    }
+    return value == PLL_UNSET_MAXIMUM ? PLL_UNSET_MINIMUM : value;
+}
+
+double pll_get_bandwidth_diff_cost(double a, double b)
+{
+    return std::fabs(a - b) / HZ_PER_MHZ * COST_PER_MHZ;
+}
