@@ -243,17 +243,7 @@ void lean_vco_ratios(const PLL& limits, int fin_period, std::vector<LEAN_RATIO>*
     for (int post_scale = 1; post_scale <= limits.m_max_vco_post_scale; ++post_scale) {
         const PERIODS periods = read_periods(limits, post_scale);
         for (int m = SMALLEST_M; m <= limits.m_m.m_max_count; ++m) {
-            for (int n = limits.m_n.m_min_count; n <= limits.m_n.m_max_count; ++n) {
-                const double pfd = double(fin_period) * n;
-                const double vco = pfd / m;
-                if (vco > periods.m_vco_max || pfd > periods.m_pfd_max) {
-                    break;
-                }
-                if (vco >= periods.m_vco_min && pfd >= periods.m_pfd_min) {
-                    const int divisor = std::gcd(m, n);
-                    ratios->push_back({m / divisor, n / divisor});
-                }
-            }
+            append_ratios(limits, periods, fin_period, m, ratios);
         }
     }
     std::sort(ratios->begin(), ratios->end(), is_smaller);

@@ -39,7 +39,7 @@ void measure_library(benchmark::State& state, const BENCH_CASE& bench_case)
     const auto pll = make_pll(bench_case.m_limits, bench_case.m_outputs);
     const PLL_PROP request = make_request(bench_case, *pll);
     const LEAN_ANSWER expected = lean_synthesis(*pll, request);
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         benchmark::DoNotOptimize(pll->synthesize(request));
     }
     if (!is_same(*pll, expected)) {
@@ -52,7 +52,7 @@ void measure_lean(benchmark::State& state, const BENCH_CASE& bench_case)
     const auto pll = make_pll(bench_case.m_limits, bench_case.m_outputs);
     const PLL_PROP request = make_request(bench_case, *pll);
     LEAN_ANSWER answer = {};
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         answer = lean_synthesis(*pll, request);
         benchmark::DoNotOptimize(answer);
     }
@@ -83,7 +83,7 @@ void measure_library_listing(benchmark::State& state, BENCH_LIMITS limits, int f
     int* mults = nullptr;
     int* divs = nullptr;
     int count = 0;
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         count = pll->find_vco_mult_div_values(&mults, &divs, fin_period);
         benchmark::DoNotOptimize(count);
     }
@@ -97,7 +97,7 @@ void measure_lean_listing(benchmark::State& state, BENCH_LIMITS limits, int fin_
 {
     const auto pll = make_pll(limits, 1);
     std::vector<LEAN_RATIO> ratios;
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         lean_vco_ratios(*pll, fin_period, &ratios);
         benchmark::DoNotOptimize(ratios.data());
     }
@@ -122,17 +122,21 @@ void add_pair(const BENCH_CASE& bench_case)
         [bench_case](benchmark::State& state) { measure_library(state, bench_case); });
 }
 
+void add_syntheses(BENCH_LIMITS limits, BENCH_BANDWIDTH bandwidth, BENCH_DEMAND demand)
+{
+    for (const int outputs : BENCH_OUTPUTS) {
+        for (const int period : BENCH_PERIODS) {
+            add_pair({limits, bandwidth, demand, outputs, period});
+        }
+    }
+}
+
 void add_syntheses(BENCH_LIMITS limits)
 {
     for (const BENCH_BANDWIDTH bandwidth : {BENCH_BANDWIDTH::AUTO, BENCH_BANDWIDTH::CUSTOM}) {
-        for (const BENCH_DEMAND demand :
-             {BENCH_DEMAND::EXACT, BENCH_DEMAND::NEAR, BENCH_DEMAND::MISSED}) {
-            for (const int outputs : BENCH_OUTPUTS) {
-                for (const int period : BENCH_PERIODS) {
-                    add_pair({limits, bandwidth, demand, outputs, period});
-                }
-            }
-        }
+        add_syntheses(limits, bandwidth, BENCH_DEMAND::EXACT);
+        add_syntheses(limits, bandwidth, BENCH_DEMAND::NEAR);
+        add_syntheses(limits, bandwidth, BENCH_DEMAND::MISSED);
     }
 }
 
