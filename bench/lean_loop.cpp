@@ -229,6 +229,22 @@ bool is_equal(const LEAN_RATIO& a, const LEAN_RATIO& b)
     return a.m_mult == b.m_mult && a.m_div == b.m_div;
 }
 
+void append_ratios(const PLL& limits, const PERIODS& periods, int fin_period, int m,
+                   std::vector<LEAN_RATIO>* ratios)
+{
+    for (int n = limits.m_n.m_min_count; n <= limits.m_n.m_max_count; ++n) {
+        const double pfd = double(fin_period) * n;
+        const double vco = pfd / m;
+        if (vco > periods.m_vco_max || pfd > periods.m_pfd_max) {
+            return;
+        }
+        if (vco >= periods.m_vco_min && pfd >= periods.m_pfd_min) {
+            const int divisor = std::gcd(m, n);
+            ratios->push_back({m / divisor, n / divisor});
+        }
+    }
+}
+
 }  // namespace
 
 LEAN_ANSWER lean_synthesis(const PLL& limits, const PLL_PROP& request)
