@@ -1,13 +1,14 @@
 #!/usr/bin/env bash
-# install_test.sh BUILD HOST COMPILER FLAGS: installs BUILD into a temporary prefix, moves the
+# install_test.sh BUILD HOST GENERATOR COMPILER FLAGS: installs BUILD into a temporary prefix, moves the
 # tree, and builds and runs the program in HOST against it by find_package, by pkg-config and by
 # the bare compiler. Nothing of the installed tree may remember where it was built or installed.
 set -euo pipefail
 
 build=$1
 host=$2
-compiler=$3
-read -r -a flags <<<"$4"
+generator=$3
+compiler=$4
+read -r -a flags <<<"$5"
 
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
@@ -53,8 +54,8 @@ libdir=$(dirname "$(find "$moved" -name libpll.so)")
 package=$(find "$moved" -name pll.pc)
 [[ -n $package ]] || fail "pll.pc is not installed"
 
-step cmake -S "$host" -B "$work/by_package" -DCMAKE_PREFIX_PATH="$moved" \
-    -DCMAKE_CXX_COMPILER="$compiler" -DCMAKE_CXX_FLAGS="$4"
+step cmake -G "$generator" -S "$host" -B "$work/by_package" -DCMAKE_PREFIX_PATH="$moved" \
+    -DCMAKE_CXX_COMPILER="$compiler" -DCMAKE_CXX_FLAGS="$5"
 step cmake --build "$work/by_package"
 run "find_package, shared" "$work/by_package/host_shared"
 run "find_package, static" "$work/by_package/host_static"
