@@ -1,0 +1,31 @@
+#include "answer.h"
+
+namespace {
+
+// The numbers of both ratios fit an int, so the error fits 64 bits.
+RATIONAL relative_error(const RATIONAL& achieved, const RATIONAL& asked)
+{
+    return achieved / asked - RATIONAL(1, 1);
+}
+
+}  // namespace
+
+ANSWER::ANSWER(const REQUEST& request)
+    : m_pll(request.m_prop.m_taps_count, request.m_max_outputs),
+      m_achieved(request.m_prop.m_taps_count),
+      m_library_met(m_pll.synthesize(request.m_prop))
+{
+    m_achieved.m_fin_period = request.m_prop.m_fin_period;
+    m_achieved.m_use_reconfig = request.m_prop.m_use_reconfig;
+    m_achieved.set_properties_from_internals(m_pll);
+    for (std::size_t i = 0; i < request.m_outputs.size(); ++i) {
+        OUTPUT_RESULT result;
+        result.m_ratio = RATIONAL(m_achieved.m_taps[i].m_mult, m_achieved.m_taps[i].m_div);
+        result.m_error = relative_error(result.m_ratio, request.m_outputs[i].m_ratio);
+        const bool outside = request.m_tolerance && result.m_error.is_valid() &&
+                             *request.m_tolerance < result.m_error.magnitude();
+        result.m_missed = !m_pll.m_taps[i].m_score || outside;
+        m_within_tolerance = m_within_tolerance && !outside;
+        m_outputs.push_back(result);
+    }
+}

@@ -1,0 +1,45 @@
+// The library's answer to a request, and what the program makes of it.
+#pragma once
+
+#include "request.h"
+
+#include "pll.h"
+
+#include <string>
+#include <vector>
+
+// How an output comes out.
+struct OUTPUT_RESULT
+{
+    RATIONAL m_ratio;  // achieved, to the input
+    RATIONAL m_error;  // relative to the ratio asked for; 0: exact
+    bool m_missed;     // not taken for met, by the library or by the tolerance asked for
+};
+
+class ANSWER
+{
+public:
+    explicit ANSWER(const REQUEST& request);
+    ANSWER(const ANSWER&) = delete;
+    ANSWER& operator=(const ANSWER&) = delete;
+
+    bool is_met() const { return m_library_met && m_within_tolerance; }
+    bool is_met_by_library() const { return m_library_met; }
+    // The outputs have been given counters; false when no M and N could be tried.
+    bool has_outputs() const { return m_library_met || m_pll.m_error != PLL::PLL_M_N_NOT_FOUND; }
+
+    const PLL& get_pll() const { return m_pll; }
+    const PLL_PROP& get_achieved() const { return m_achieved; }
+    const std::vector<OUTPUT_RESULT>& get_outputs() const { return m_outputs; }
+
+private:
+    PLL m_pll;
+    PLL_PROP m_achieved;
+    bool m_library_met;
+    bool m_within_tolerance = true;
+    std::vector<OUTPUT_RESULT> m_outputs;
+};
+
+// Why the request is not met, a line each, most important first: the library's text, what was
+// closest and by how much. Empty when it is met.
+std::vector<std::string> explain_miss(const REQUEST& request, const ANSWER& answer);

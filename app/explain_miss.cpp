@@ -1,0 +1,220 @@
+#include "answer.h"
+#include "format.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr int MHZ_DECIMALS = 3;
+constexpr int PERCENT_DECIMALS = 3;
+constexpr double PERCENT = 100.0;
+constexpr double PS_MHZ = 1e6;             // MHz = PS_MHZ / ps
+constexpr double MAX_DOWN_SPREAD = 0.006;  // of the library
+constexpr int BANDWIDTH_AUTO = 3;
+
+typedef std::vector<std::string> LINES;
+
+std::string mhz_range(int min_period, int max_period)
+{
+    return format_period_as_mhz(max_period) + " to " + format_period_as_mhz(min_period) + " MHz";
+}
+
+int vco_max_period(const REQUEST& request, const PLL& pll, int post_scale)
+{
+    const int spread_max = pll.get_ss_vco_max_period(post_scale);
+    const bool limited =
+        request.m_prop.m_down_spread > 0.0 && pll.m_ss_supported && spread_max != PLL_UNSET_MINIMUM;
+    return limited ? spread_max : pll.get_vco_max_period(post_scale);
+}
+
+// How far a period lies outside the VCO range of a post-scale; 0 inside.
+double vco_distance(const REQUEST& request, const PLL& pll, int post_scale)
+{
+    const double period = pll.get_vco_period();
+    return std::max({period - vco_max_period(request, pll, post_scale),
+                     pll.get_vco_min_period(post_scale) - period, 0.0});
+}
+
+int nearest_post_scale(const REQUEST& request, const PLL& pll)
+{
+    int nearest = 1;
+    for (int i = 2; i <= std::min(pll.m_max_vco_post_scale, PLL_VCO_POST_SCALE_MAX); ++i) {
+        if (vco_distance(request, pll, i) < vco_distance(request, pll, nearest)) {
+            nearest = i;
+        }
+    }
+    return nearest;
+}
+
+// Every pair of M and N in the ranges was barred: by what.
+void explain_barred(const REQUEST& request, const PLL& pll, LINES* lines)
+{
+    const double spread = request.m_prop.m_down_spread;
+    if (spread > 0.0 && spread * pll.m_m.m_max_count < 1.0) {
+        lines->push_back("M can't be lowered by so little: M x spread must be at least 1, and M "
+                         "is at most " +
+                         std::to_string(pll.m_m.m_max_count) + ", so the spread at least " +
+                         format_short(PERCENT / pll.m_m.m_max_count, PERCENT_DECIMALS) + " %");
+        return;
+    }
+    std::string causes;
+    if (request.m_prop.m_bandwidth_type != BANDWIDTH_AUTO) {
+        causes += ", the bandwidth";
+    }
+    if (spread > 0.0) {
+        causes += ", the spread";
+    }
+    if (request.m_input2) {
+        causes += ", the second input";
+    }
+    if (!causes.empty()) {
+        causes.erase(0, 2);
+        lines->push_back("every M and N in the VCO and PFD ranges is ruled out by: " + causes);
+    }
+}
+
+void explain_no_candidate(const REQUEST& request, const PLL& pll, LINES* lines)
+{
+    if (pll.get_m() == 1) {
+        explain_barred(request, pll, lines);
+        return;
+    }
+    const int post_scale = nearest_post_scale(request, pll);
+    const int min_period = pll.get_vco_min_period(post_scale);
+    const int max_period = vco_max_period(request, pll, post_scale);
+    const double period = pll.get_vco_period();
+    const std::string closest =
+        "closest: M " + std::to_string(pll.get_m()) + ", N " + std::to_string(pll.get_n());
+    if (period > max_period || period < min_period) {
+        const bool low = period > max_period;
+        const double miss = std::abs(PS_MHZ / period - PS_MHZ / (low ? max_period : min_period));
+        lines->push_back(closest + ", with the VCO at " + format_period_as_mhz(period) + " MHz, " +
+                         format_short(miss, MHZ_DECIMALS) + " MHz " + (low ? "below" : "above") +
+                         " its range of " + mhz_range(min_period, max_period));
+    } else {
+        const double pfd_period = double(request.m_prop.m_fin_period) * pll.get_n();
+        lines->push_back(closest + ", with the PFD at " + format_period_as_mhz(pfd_period) +
+                         " MHz, outside its range of " +
+                         mhz_range(pll.m_pfd_min_period, pll.m_pfd_max_period));
+    }
+    lines->push_back("missed: all outputs; without a VCO frequency none of them could be tried");
+}
+
+void explain_missed_outputs(const REQUEST& request, const ANSWER& answer, LINES* lines)
+{
+    for (std::size_t i = 0; i < answer.get_outputs().size(); ++i) {
+        const OUTPUT_RESULT& output = answer.get_outputs()[i];
+        if (!output.m_missed) {
+            continue;
+        }
+        const PLL_OUTPUT_TAP& tap = answer.get_pll().m_taps[i];
+        const RATIONAL achieved = request.m_input.m_frequency * output.m_ratio;
+        std::string line = "missed: output " + std::to_string(i + 1) + ", closest " +
+                           format_mhz_short(achieved) + " MHz instead of " +
+                           format_mhz_short(request.m_outputs[i].m_frequency) + " MHz, " +
+                           format_error(output.m_error);
+        if (tap.m_high >= tap.m_max_count || tap.m_low >= tap.m_max_count) {
+            line += "; its counter is at its largest count";
+        }
+        if (static_cast<int>(i) == request.m_prop.m_feedback_tap) {
+            line += "; it is the feedback";
+        }
+        lines->push_back(line);
+    }
+    const PLL_PROP& asked = request.m_prop;
+    const PLL_PROP& achieved = answer.get_achieved();
+    const RATIONAL vco(achieved.m_vco_mult, achieved.m_vco_div);
+    if (asked.m_vco_mult >= 1 && !(vco == RATIONAL(asked.m_vco_mult, asked.m_vco_div))) {
+        lines->push_back("missed: the VCO ratio " +
+                         RATIONAL(asked.m_vco_mult, asked.m_vco_div).to_fraction() + ", closest " +
+                         vco.to_fraction());
+    }
+}
+
+void explain_delays(const REQUEST& request, LINES* lines)
+{
+    int first = 0;
+    int last = 0;
+    for (int i = 1; i < request.m_prop.m_taps_count; ++i) {
+        first = request.m_prop.m_taps[i].m_delay < request.m_prop.m_taps[first].m_delay ? i : first;
+        last = request.m_prop.m_taps[i].m_delay > request.m_prop.m_taps[last].m_delay ? i : last;
+    }
+    const int span = request.m_prop.m_taps[last].m_delay - request.m_prop.m_taps[first].m_delay;
+    lines->push_back("missed: the delay of output " + std::to_string(last + 1) + " is " +
+                     std::to_string(span) + " ps above that of output " +
+                     std::to_string(first + 1) + ", " +
+                     std::to_string(span - MAX_DELAY_CHAIN_VALUE) + " ps more than the " +
+                     std::to_string(MAX_DELAY_CHAIN_VALUE) + " ps of a delay chain");
+}
+
+void explain_input(const char* name, const INPUT_CLOCK& input, const PLL& pll, LINES* lines)
+{
+    if (input.m_library_period < pll.m_fin_min_period) {
+        lines->push_back("missed: " + std::string(name) + " runs at " +
+                         format_mhz_short(input.m_frequency) + " MHz, legal are at most " +
+                         format_period_as_mhz(pll.m_fin_min_period) + " MHz");
+    }
+}
+
+void explain_error(const REQUEST& request, const ANSWER& answer, LINES* lines)
+{
+    const PLL& pll = answer.get_pll();
+    switch (pll.m_error) {
+    case PLL::PLL_M_N_NOT_FOUND:
+        explain_no_candidate(request, pll, lines);
+        break;
+    case PLL::PLL_POST_DIVIDER_MAX_EXCEEDED:
+    case PLL::PLL_MULT_DIV_NOT_ACHIEVED:
+        explain_missed_outputs(request, answer, lines);
+        break;
+    case PLL::PLL_DELAY_RANGE_TOO_WIDE:
+        explain_delays(request, lines);
+        break;
+    case PLL::PLL_SS_TOO_HIGH:
+        lines->push_back("missed: a spread of " +
+                         format_short(request.m_prop.m_down_spread * PERCENT, PERCENT_DECIMALS) +
+                         " % is asked for, legal are at most " +
+                         format_short(MAX_DOWN_SPREAD * PERCENT, PERCENT_DECIMALS) + " %");
+        break;
+    case PLL::PLL_FIN_OUT_OF_RANGE:
+        explain_input("the input", request.m_input, pll, lines);
+        if (request.m_input2) {
+            explain_input("the second input", *request.m_input2, pll, lines);
+        }
+        break;
+    case PLL::PLL_NO_ERROR:
+    case PLL::PLL_M_N_NOT_FOUND_2:
+    case PLL::PLL_SS_REQUIRES_LOW_BANDWIDTH:
+    case PLL::PLL_NO_BANDWIDTH_FOR_MULT_DIV:
+    case PLL::PLL_NO_BANDWIDTH_FOR_FIN_MULT_DIV:
+    case PLL::MAX_PLL_ERROR_TYPE:
+        break;
+    }
+}
+
+void explain_tolerance(const REQUEST& request, const ANSWER& answer, LINES* lines)
+{
+    const RATIONAL tolerance = *request.m_tolerance;
+    lines->push_back(tolerance == RATIONAL()
+                         ? "The library takes every output for met; exact ones were asked for."
+                         : "The library takes every output for met; the tolerance asked for is " +
+                               format_part(tolerance) + ".");
+    explain_missed_outputs(request, answer, lines);
+    lines->push_back("This answer misses it, which does not say that no other setting meets it.");
+}
+
+}  // namespace
+
+std::vector<std::string> explain_miss(const REQUEST& request, const ANSWER& answer)
+{
+    LINES lines;
+    if (!answer.is_met_by_library()) {
+        const PLL::PLL_ERROR_TYPE error = answer.get_pll().m_error;
+        lines.push_back("error " + std::to_string(static_cast<int>(error)) + ": " +
+                        PLL::get_error_string(error));
+        explain_error(request, answer, &lines);
+    } else if (!answer.is_met()) {
+        explain_tolerance(request, answer, &lines);
+    }
+    return lines;
+}

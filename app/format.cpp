@@ -1,0 +1,103 @@
+#include "format.h"
+
+#include <cmath>
+#include <cstdio>
+
+namespace {
+
+constexpr int MHZ_EXPONENT = 6;
+constexpr double PS_MHZ = 1e6;  // MHz = PS_MHZ / ps
+
+std::string without_trailing_zeros(std::string text)
+{
+    if (text.find('.') == std::string::npos) {
+        return text;
+    }
+    text.erase(text.find_last_not_of('0') + 1);
+    if (text.back() == '.') {
+        text.pop_back();
+    }
+    return text;
+}
+
+struct ERROR_UNIT
+{
+    std::int64_t m_parts;  // how many make one
+    int m_decimals;
+    const char* m_name;
+    RATIONAL m_from;  // the least part that is given in this unit
+};
+
+// The unit that leaves one to three digits before the point, and a percentage beyond a thousandth.
+const ERROR_UNIT ERROR_UNITS[] = {
+    {100, 3, " %", RATIONAL(1, 1000)},          {1000000, 1, " ppm", RATIONAL(1, 100000)},
+    {1000000, 3, " ppm", RATIONAL(1, 1000000)}, {1000000000, 1, " ppb", RATIONAL(1, 10000000000)},
+    {1000000000, 7, " ppb", RATIONAL()},
+};
+
+}  // namespace
+
+std::string format_fixed(double value, int decimals)
+{
+    if (!std::isfinite(value)) {
+        return "-";
+    }
+    char text[400];
+    std::snprintf(text, sizeof text, "%.*f", decimals, value);
+    const bool is_zero = std::string(text).find_first_of("123456789") == std::string::npos;
+    return is_zero && text[0] == '-' ? std::string(text + 1) : std::string(text);
+}
+
+std::string format_short(double value, int decimals)
+{
+    return without_trailing_zeros(format_fixed(value, decimals));
+}
+
+std::string format_mhz(const RATIONAL& hertz)
+{
+    if (!hertz.is_valid()) {
+        return "-";
+    }
+    const RATIONAL mhz(hertz.rounded().numerator(), power_of_ten(MHZ_EXPONENT));
+    return (hertz.is_integer() ? "" : "~") + mhz.to_decimal(MHZ_EXPONENT);
+}
+
+std::string format_mhz_short(const RATIONAL& hertz)
+{
+    return without_trailing_zeros(format_mhz(hertz));
+}
+
+std::string format_period_as_mhz(double period)
+{
+    constexpr int DECIMALS = 3;
+    return period > 0.0 ? format_short(PS_MHZ / period, DECIMALS) : "-";
+}
+
+std::string format_part(const RATIONAL& part)
+{
+    if (!part.is_valid()) {
+        return "-";
+    }
+    const RATIONAL size = part.magnitude();
+    if (size == RATIONAL()) {
+        return "0";
+    }
+    for (const ERROR_UNIT& unit : ERROR_UNITS) {
+        if (!(size < unit.m_from)) {
+            const double value = size.to_double() * static_cast<double>(unit.m_parts);
+            return format_short(value, unit.m_decimals) + unit.m_name;
+        }
+    }
+    return "-";
+}
+
+std::string format_error(const RATIONAL& error)
+{
+    if (error == RATIONAL()) {
+        return "exact";
+    }
+    if (!error.is_valid()) {
+        return "-";
+    }
+    return (error.is_positive() ? "+" : "-") + format_part(error);
+}

@@ -1,0 +1,27 @@
+// Numbers as texts, the same everywhere and in every locale.
+#pragma once
+
+#include "rational.h"
+
+#include <string>
+
+// Fixed decimals; "-" for what is not a number or infinite.
+std::string format_fixed(double value, int decimals);
+
+// Likewise with trailing zeros cut.
+std::string format_short(double value, int decimals);
+
+// Hertz as MHz with six decimals, so to the hertz; "~" in front when that is rounded.
+std::string format_mhz(const RATIONAL& hertz);
+
+// "27", "148.5" or "~27.027027": as above with trailing zeros cut.
+std::string format_mhz_short(const RATIONAL& hertz);
+
+// A period in ps as MHz; "-" when there is none.
+std::string format_period_as_mhz(double period);
+
+// A relative error: "exact", "+12.3 ppm", "-45 ppb", "+1.25 %"; "-" when invalid.
+std::string format_error(const RATIONAL& error);
+
+// Likewise, without sign.
+std::string format_part(const RATIONAL& part);

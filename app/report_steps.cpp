@@ -1,0 +1,77 @@
+#include "report.h"
+
+#include "format.h"
+#include "text_table.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr int STEPS_EACH_WAY = 5;
+constexpr int DEGREE_DECIMALS = 3;
+constexpr int DUTY_DECIMALS = 2;
+constexpr double SLACK = 1e-9;  // of a step that ends on a bound
+
+// The `steps`th neighbour of a value, or "-" outside the bounds.
+std::string neighbour(double value, double step, int steps, double lowest, double highest,
+                      int decimals)
+{
+    const double moved = value + steps * step;
+    const bool is_legal = steps == 0 || (moved >= lowest - SLACK && moved <= highest + SLACK);
+    return is_legal ? format_fixed(moved, decimals) : "-";
+}
+
+void append_output(const REQUEST& request, const ANSWER& answer, int output, std::string* text)
+{
+    const PLL& pll = answer.get_pll();
+    const PLL_USER_TAP& asked = request.m_prop.m_taps[output];
+    const double phase_step = pll.get_phase_degree_resolution();
+    const double duty_step = pll.get_duty_cycle_resolution(output);
+    const RATIONAL frequency = request.m_input.m_frequency *
+                               answer.get_outputs()[static_cast<std::size_t>(output)].m_ratio;
+
+    TEXT_TABLE bounds({{"", "", ALIGN::LEFT},
+                       {"asked", "", ALIGN::RIGHT},
+                       {"step", "", ALIGN::RIGHT},
+                       {"lowest", "", ALIGN::RIGHT},
+                       {"highest", "", ALIGN::RIGHT}});
+    bounds.add_row({"phase deg", format_fixed(asked.m_phase, DEGREE_DECIMALS),
+                    format_fixed(phase_step, DEGREE_DECIMALS),
+                    format_fixed(pll.get_phase_degree_min(output), DEGREE_DECIMALS),
+                    format_fixed(pll.get_phase_degree_max(output), DEGREE_DECIMALS)});
+    bounds.add_row({"duty %", format_fixed(asked.m_duty, DUTY_DECIMALS),
+                    format_fixed(duty_step, DUTY_DECIMALS),
+                    format_fixed(pll.get_duty_cycle_min(output), DUTY_DECIMALS),
+                    format_fixed(pll.get_duty_cycle_max(output), DUTY_DECIMALS)});
+
+    TEXT_TABLE steps({{"step", "", ALIGN::RIGHT},
+                      {"phase", "deg", ALIGN::RIGHT},
+                      {"duty", "%", ALIGN::RIGHT},
+                      {"", "", ALIGN::LEFT}});
+    for (int i = -STEPS_EACH_WAY; i <= STEPS_EACH_WAY; ++i) {
+        steps.add_row(
+            {(i > 0 ? "+" : "") + std::to_string(i),
+             neighbour(answer.get_achieved().m_taps[output].m_phase, phase_step, i,
+                       pll.get_phase_degree_min(output), pll.get_phase_degree_max(output),
+                       DEGREE_DECIMALS),
+             neighbour(pll.find_duty_cycle(output), duty_step, i, pll.get_duty_cycle_min(output),
+                       pll.get_duty_cycle_max(output), DUTY_DECIMALS),
+             i == 0 ? "<- the answer" : ""});
+    }
+    *text +=
+        "\noutput " + std::to_string(output + 1) + ": " + format_mhz_short(frequency) + " MHz\n\n";
+    bounds.append_to(text);
+    *text += "\n";
+    steps.append_to(text);
+}
+
+}  // namespace
+
+std::string report_steps(const REQUEST& request, const ANSWER& answer)
+{
+    std::string text = report_verdict(request, answer);
+    for (int i = 0; answer.has_outputs() && i < request.m_prop.m_taps_count; ++i) {
+        append_output(request, answer, i, &text);
+    }
+    return text;
+}

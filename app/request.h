@@ -1,0 +1,56 @@
+// The words of a request, and the request that they make.
+#pragma once
+
+#include "rational.h"
+
+#include "pll_prop.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+// What the command line holds, unread.
+struct REQUEST_WORDS
+{
+    std::optional<std::string> m_in;
+    std::optional<std::string> m_in2;
+    std::vector<std::string> m_outs;
+    std::optional<std::string> m_bandwidth;
+    std::optional<std::string> m_spread;
+    std::optional<std::string> m_spread_rate;
+    std::optional<std::string> m_feedback;
+    std::optional<std::string> m_vco_ratio;
+    std::optional<std::string> m_max_outputs;
+    std::optional<std::string> m_tolerance;
+    bool m_reconfig = false;
+    bool m_exact = false;
+};
+
+// An input clock. The library knows it by its period in whole ps, which need not be exact.
+struct INPUT_CLOCK
+{
+    RATIONAL m_frequency;  // Hz
+    RATIONAL m_period;     // ps
+    int m_library_period;  // ps, nearest to the period
+};
+
+// What an output was asked for, exactly.
+struct OUTPUT_WISH
+{
+    RATIONAL m_ratio;      // to the input
+    RATIONAL m_frequency;  // Hz
+};
+
+struct REQUEST
+{
+    INPUT_CLOCK m_input;
+    std::optional<INPUT_CLOCK> m_input2;
+    std::vector<OUTPUT_WISH> m_outputs;
+    int m_max_outputs;                    // of the device
+    std::optional<RATIONAL> m_tolerance;  // largest error of an output, a part of one
+    PLL_PROP m_prop;                      // what the library is asked for
+};
+
+// Both throw a USAGE_ERROR.
+INPUT_CLOCK read_input(const std::string& argument, const std::string& text);
+REQUEST read_request(const REQUEST_WORDS& words);

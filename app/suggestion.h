@@ -1,0 +1,10 @@
+// The word that was probably meant.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+// "; did you mean --out?" for the word of `words` nearest to `word`, the first of equals; empty
+// when all are too far away.
+std::string suggest(std::string_view word, const std::vector<std::string_view>& words);
