@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
-# install_test.sh BUILD HOST GENERATOR COMPILER FLAGS: installs BUILD into a temporary prefix, moves the
-# tree, and builds and runs the program in HOST against it by find_package, by pkg-config and by
-# the bare compiler. Nothing of the installed tree may remember where it was built or installed.
+# install_test.sh BUILD HOST GENERATOR COMPILER FLAGS: installs BUILD into a temporary prefix,
+# moves the tree, and builds and runs the program in HOST against it by find_package, by
+# pkg-config and by the bare compiler. Nothing of the installed tree may remember where it was
+# built or installed.
 set -euo pipefail
 
 build=$1
