@@ -92,10 +92,11 @@ struct VALUE_RANGE
 };
 
 // " (min to max)" when both ends are known.
-void dump_range(std::ostream& stream, VALUE_RANGE range, const char* unit)
+void dump_range(std::ostream& stream, VALUE_RANGE range, double scale, const char* unit)
 {
     if (range.m_max > 0 && range.m_min > 0) {
-        stream << " (" << range.m_min << unit << " to " << range.m_max << unit << ')';
+        stream << " (" << range.m_min / scale << unit << " to " << range.m_max / scale << unit
+               << ')';
     }
 }
 
@@ -104,7 +105,7 @@ void dump_when_known(std::ostream& stream, const char* label, double value, VALU
 {
     if (value > 0) {
         stream << label << value << unit;
-        dump_range(stream, range, unit);
+        dump_range(stream, range, 1, unit);
         stream << std::endl;
     }
 }
@@ -113,10 +114,7 @@ void dump_achieved(std::ostream& stream, const PLL_PROP& prop)
 {
     stream << "F Zero " << prop.m_f_zero / HZ_PER_KHZ << " Khz" << std::endl;
     stream << "F Bandwidth " << prop.m_bandwidth / HZ_PER_KHZ << " Khz";
-    if (prop.m_bandwidth_max > 0 && prop.m_bandwidth_min > 0) {
-        dump_range(stream, {prop.m_bandwidth_min / HZ_PER_KHZ, prop.m_bandwidth_max / HZ_PER_KHZ},
-                   " Khz");
-    }
+    dump_range(stream, {prop.m_bandwidth_min, prop.m_bandwidth_max}, HZ_PER_KHZ, " Khz");
     stream << std::endl;
     stream << "F Pole " << prop.m_f_pole / HZ_PER_KHZ << " Khz" << std::endl;
     dump_when_known(stream, "Phase Margin ", prop.m_phase_margin,

@@ -1,0 +1,48 @@
+// Files that traces are appended to. Nothing is taken from the heap, and nothing of the host's
+// locale shows in them.
+#pragma once
+
+#include <cstddef>
+#include <ostream>
+#include <streambuf>
+
+// Collects text and appends it to a file whenever the stream is flushed. What cannot be written is
+// lost in silence.
+class TRACE_BUFFER : public std::streambuf
+{
+public:
+    TRACE_BUFFER() : m_file(-1) { reset(); }
+    ~TRACE_BUFFER() override { close(); }
+    TRACE_BUFFER(const TRACE_BUFFER&) = delete;
+    TRACE_BUFFER& operator=(const TRACE_BUFFER&) = delete;
+
+    // Opens `path` for appending, made with permissions 0666 where there is none.
+    void open(const char* path);
+    void close();
+
+protected:
+    int_type overflow(int_type character) override;
+    int sync() override;
+
+private:
+    static constexpr std::size_t SIZE = 1024;
+
+    void reset() { setp(m_text, m_text + SIZE); }
+
+    int m_file;
+    char m_text[SIZE];
+};
+
+// An output stream on such a file, in the classic locale; closed with the object.
+class TRACE_STREAM
+{
+public:
+    TRACE_STREAM() : m_stream(&m_buffer) { m_stream.imbue(std::locale::classic()); }
+
+    void open(const char* path) { m_buffer.open(path); }
+    std::ostream& get() { return m_stream; }
+
+private:
+    TRACE_BUFFER m_buffer;
+    std::ostream m_stream;
+};
