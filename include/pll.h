@@ -148,12 +148,12 @@ public:
     // Lists every VCO ratio mult / div, reduced, that the counters can make from an input clock of
     // `fin_period` ps, by ascending ratio. Returns how many there are. The arrays belong to the
     // library and stay valid until the next call or the end of the last PLL; null when there are
-    // none or memory is exhausted. A null output is an internal error and gives 0.
+    // none or memory is exhausted. With a null output nothing happens and the result is 0.
     int find_vco_mult_div_values(int** mults, int** divs, int fin_period);
 
     // Places phases and duty cycles of the request on the counters of `pll`, charges what is missed
     // to its m_cost and m_delta_phase, and narrows its next and previous values. Then rebuilds the
-    // counts of this PLL from their halves. True; false for a null PLL, which is an internal error.
+    // counts of this PLL from their halves. True; false for a null PLL.
     bool synthesize_best_phase_and_duty_cycle(PLL* pll, const PLL_PROP& request);
 
     // Narrows the next and previous phase of output `tap` of `pll`, given the achieved `phase` in
