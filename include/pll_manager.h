@@ -12,6 +12,7 @@
 
 class PLL;
 class PLL_MANAGER;
+class PLL_NAME_INDEX;
 
 // One part in one PLL type.
 class PLL_API PLL_PART_INFO
@@ -19,8 +20,8 @@ class PLL_API PLL_PART_INFO
 public:
     PLL_PART_INFO();
 
-    char* m_name;              // owned by the manager
-    const char* m_speed_grade; // the family's name of it
+    char* m_name;               // owned by the manager
+    const char* m_speed_grade;  // the family's name of it
     bool m_not_listed;
     PLL_TYPE_ENUM m_type;
     PLL_TIMING_INFO m_timing_info;
@@ -36,23 +37,29 @@ public:
     PLL_FAMILY_INFO& operator=(const PLL_FAMILY_INFO&) = delete;
 
     char* m_name;
-    char* m_path;      // directory of its files; null until a path file names it
-    char* m_file_name; // null until a path file names it
+    char* m_path;       // directory of its files; null until a path file names it
+    char* m_file_name;  // null until a path file names it
     int m_number_of_parts;
-    PLL_PART_INFO** m_parts; // in creation order
+    PLL_PART_INFO** m_parts;  // in creation order
     int m_number_of_speed_grades;
-    char** m_speed_grades; // in creation order
+    char** m_speed_grades;  // in creation order
     int m_number_of_listed_speed_grades;
-    const char** m_listed_speed_grades; // names of m_speed_grades
+    const char** m_listed_speed_grades;  // names of m_speed_grades
     PLL_BASIC_INFO m_basic_infos[PLL_TYPE_MAX];
+
+private:
+    friend class PLL_MANAGER;
+
+    PLL_NAME_INDEX* m_part_index;  // both owned, null until something was found or created by name
+    PLL_NAME_INDEX* m_speed_grade_index;
 };
 
 // One device that a design must also fit. The names are borrowed.
 struct PLL_MIGRATION_PART_INFO
 {
     const char* m_family;
-    const char* m_part;        // null: every part
-    const char* m_speed_grade; // null: every speed grade
+    const char* m_part;         // null: every part
+    const char* m_speed_grade;  // null: every speed grade
 };
 
 class PLL_API PLL_MIGRATION_INFO
@@ -60,7 +67,7 @@ class PLL_API PLL_MIGRATION_INFO
 public:
     PLL_MIGRATION_INFO();
 
-    MEM_VECTOR<PLL_MIGRATION_PART_INFO> m_parts; // in the order added
+    MEM_VECTOR<PLL_MIGRATION_PART_INFO> m_parts;  // in the order added
 };
 
 // Selects devices of the database. The names are borrowed and must outlive the query.
@@ -84,9 +91,9 @@ public:
 
     const char* m_family;
     PLL_TYPE_ENUM m_type;
-    const char* m_part;                   // null: every part
-    const char* m_speed_grade;            // null: every speed grade
-    PLL_MIGRATION_INFO* m_migration_info; // owned
+    const char* m_part;                    // null: every part
+    const char* m_speed_grade;             // null: every speed grade
+    PLL_MIGRATION_INFO* m_migration_info;  // owned
 };
 
 // The order of migration parts, by bandwidth table size, family, part and speed grade. Entries that
@@ -99,7 +106,7 @@ public:
     // True when `a` goes before `b`. Loads both families when their names differ.
     bool operator()(const PLL_MIGRATION_PART_INFO& a, const PLL_MIGRATION_PART_INFO& b) const;
 
-    PLL_MANAGER* m_manager; // not owned
+    PLL_MANAGER* m_manager;  // not owned
     PLL_TYPE_ENUM m_type;
 };
 
@@ -114,8 +121,8 @@ public:
     // Reads the path file of a database directory. True when it names at least one family.
     bool read(const char* path);
 
-    // The record of a family, its file read on first use; created when the name is new. Null when it
-    // has no file or the file fails.
+    // The record of a family, its file read on first use; created when the name is new. Null when
+    // it has no file or the file fails.
     PLL_FAMILY_INFO* read_family_info(const char* family);
 
     // Reads one family file and what it includes; false at its first error.
@@ -144,8 +151,8 @@ public:
     // Likewise, and gives the limits and components to `pll`; unchanged when false.
     bool init_pll(PLL* pll, const PLL_QUERY& query);
 
-    // Token readers: `line` is the caller's cursor into a writable buffer, in which tokens are ended
-    // by NULs. Arrays that they hand out are the caller's and are released with
+    // Token readers: `line` is the caller's cursor into a writable buffer, in which tokens are
+    // ended by NULs. Arrays that they hand out are the caller's and are released with
     // MEM_MANAGER::delete_wrapper(array, "pll_manager").
     char* find_unquoted_string_token(char** line) const;
     char* find_string_token(char** line) const;
@@ -162,10 +169,13 @@ public:
     CDB_PLL_COUNTER_TYPE_ENUM find_counter_type_enum(const char* name) const;
 
     int m_number_of_families;
-    PLL_FAMILY_INFO** m_families; // owned, in creation order
+    PLL_FAMILY_INFO** m_families;  // owned, in creation order
 
     static void* operator new(std::size_t size) noexcept;
     static void operator delete(void* pointer) noexcept;
+
+private:
+    PLL_NAME_INDEX* m_family_index;  // owned, null until a family was looked up
 };
 
 // Reads the table file of every entry into the family; false when one of them fails.

@@ -1,0 +1,41 @@
+// Input of the database's text files.
+#pragma once
+
+#include <cstddef>
+
+inline constexpr int PLL_LINE_SIZE = 1024;  // characters of a line that are kept, with the NUL
+
+// An open file, read through a buffer of its own. Only regular files can be opened, links followed:
+// a database never waits for a pipe or a terminal.
+class PLL_INPUT_FILE
+{
+public:
+    PLL_INPUT_FILE();
+    ~PLL_INPUT_FILE();
+    PLL_INPUT_FILE(const PLL_INPUT_FILE&) = delete;
+    PLL_INPUT_FILE& operator=(const PLL_INPUT_FILE&) = delete;
+
+    bool open(const char* name);
+    void close();
+
+    // True when nothing is left to read; an error of the system counts as the end.
+    bool is_at_end();
+
+    // Reads the next line, without its line break and a carriage return right before that, into
+    // `line`, which has PLL_LINE_SIZE characters. What a longer line has beyond them is dropped.
+    void read_line(char* line);
+
+    // Hands out what is buffered, reading on when that is nothing: `size` characters, valid until
+    // the next call; 0 at the end.
+    char* take_block(std::size_t* size);
+
+private:
+    static constexpr std::size_t BLOCK_SIZE = 4096;
+
+    bool fill();
+
+    int m_descriptor;  // -1: not open
+    std::size_t m_next;
+    std::size_t m_end;
+    char m_block[BLOCK_SIZE];
+};
