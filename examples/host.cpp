@@ -1,4 +1,4 @@
-// A host: from 27 MHz, a video clock of 148.5 MHz and its half a quarter period later.
+// A host: from 25 MHz, a clock of 125 MHz and one of 25 MHz that is a quarter period late.
 #include "pll.h"
 #include "pll_prop.h"
 
@@ -7,11 +7,8 @@
 int main()
 {
     PLL_PROP request(2);
-    request.m_fin_period = 37037;  // ps
-    request.m_taps[0].m_mult = 11;
-    request.m_taps[0].m_div = 2;
-    request.m_taps[1].m_mult = 11;
-    request.m_taps[1].m_div = 4;
+    request.m_fin_period = 40000;  // ps
+    request.m_taps[0].m_mult = 5;
     request.m_taps[1].m_phase = 90.0;
 
     PLL pll(2, PLL_MAX_TAPS);
@@ -22,7 +19,7 @@ int main()
     PLL_PROP result(2);
     result.m_fin_period = request.m_fin_period;
     result.set_properties_from_internals(pll);
-    std::printf("N %d, M %d, VCO period %.1f ps\n", pll.get_n(), pll.get_m(), pll.get_vco_period());
+    std::printf("N %d, M %d, VCO period %g ps\n", pll.get_n(), pll.get_m(), pll.get_vco_period());
     for (const PLL_USER_TAP& clock : {result.m_taps[0], result.m_taps[1]}) {
         std::printf("fin x %d / %d at %g degrees\n", clock.m_mult, clock.m_div, clock.m_phase);
     }
