@@ -59,7 +59,9 @@ std::string format_mhz(const RATIONAL& hertz)
         return "-";
     }
     const RATIONAL mhz(hertz.rounded().numerator(), power_of_ten(MHZ_EXPONENT));
-    return (hertz.is_integer() ? "" : "~") + mhz.to_decimal(MHZ_EXPONENT);
+    std::string text(hertz.is_integer() ? 0 : 1, '~');
+    text += mhz.to_decimal(MHZ_EXPONENT);
+    return text;
 }
 
 std::string format_mhz_short(const RATIONAL& hertz)
@@ -99,5 +101,7 @@ std::string format_error(const RATIONAL& error)
     if (!error.is_valid()) {
         return "-";
     }
-    return (error.is_positive() ? "+" : "-") + format_part(error);
+    std::string text(1, error.is_positive() ? '+' : '-');
+    text += format_part(error);
+    return text;
 }

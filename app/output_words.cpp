@@ -129,10 +129,11 @@ OUTPUT_WISH read_clock(const std::string& argument, const OUTPUT_WORDS& words,
     const bool fits = wish.m_ratio.is_valid() && wish.m_ratio.numerator() <= LARGEST &&
                       wish.m_ratio.denominator() <= LARGEST;
     if (!fits || !wish.m_frequency.is_valid()) {
-        const std::string value =
-            wish.m_ratio.is_valid() ? " " + wish.m_ratio.to_fraction() : std::string();
-        throw USAGE_ERROR(argument, "its ratio to the input" + value +
-                                        " does not fit; factor and divisor may be 1 to " +
+        std::string problem = "its ratio to the input does not fit; ";
+        if (wish.m_ratio.is_valid()) {
+            problem = "its ratio to the input, " + wish.m_ratio.to_fraction() + ", does not fit; ";
+        }
+        throw USAGE_ERROR(argument, problem + "factor and divisor may be 1 to " +
                                         std::to_string(LARGEST) + " each");
     }
     return wish;

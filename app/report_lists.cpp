@@ -56,7 +56,9 @@ std::string report_ratios(const INPUT_CLOCK& input, RATIO_FORM form, int* count)
     }
     if (form == RATIO_FORM::TABLE && *count > 0) {
         table.append_to(&text);
-        text += "\n" + std::to_string(*count) + " ratios\n";
+        text += "\n";
+        text += std::to_string(*count);
+        text += " ratios\n";
     }
     return text;
 }

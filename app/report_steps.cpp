@@ -50,7 +50,7 @@ void append_output(const REQUEST& request, const ANSWER& answer, int output, std
                       {"", "", ALIGN::LEFT}});
     for (int i = -STEPS_EACH_WAY; i <= STEPS_EACH_WAY; ++i) {
         steps.add_row(
-            {(i > 0 ? "+" : "") + std::to_string(i),
+            {std::string(i > 0 ? "+" : "") + std::to_string(i),
              neighbour(answer.get_achieved().m_taps[output].m_phase, phase_step, i,
                        pll.get_phase_degree_min(output), pll.get_phase_degree_max(output),
                        DEGREE_DECIMALS),

@@ -116,7 +116,7 @@ std::string name_of_source(const PLL& pll, int previous_tap)
     if (previous_tap < 0) {
         return "VCO";
     }
-    return (previous_tap < pll.m_user_taps_count ? "output " : "cascade ") +
+    return std::string(previous_tap < pll.m_user_taps_count ? "output " : "cascade ") +
            std::to_string(previous_tap + 1);
 }
 
@@ -148,7 +148,7 @@ void append_counters(const ANSWER& answer, std::string* text)
         const PLL_OUTPUT_TAP& tap = tap_of(answer, static_cast<std::size_t>(i));
         const char* mode = tap.m_bypass ? "bypass" : tap.m_even ? "even" : "odd";
         const bool is_user = i < pll.m_user_taps_count;
-        table.add_row({(is_user ? "output " : "cascade ") + std::to_string(i + 1),
+        table.add_row({std::string(is_user ? "output " : "cascade ") + std::to_string(i + 1),
                        std::to_string(tap.m_count), std::to_string(tap.m_high),
                        std::to_string(tap.m_low), mode, std::to_string(tap.m_initial),
                        std::to_string(tap.m_vco_tap), name_of_source(pll, tap.m_previous_tap),
