@@ -6,6 +6,7 @@
 // thousandth or more plus penalties for impossible counters, decides whether a candidate is exact;
 // Erel, of everything that is not exact to the last digit, later makes near misses dearer.
 #include "pll_arith.h"
+#include "pll_ratio_error.h"
 #include "pll_search.h"
 #include "pll_util.h"
 
@@ -13,8 +14,6 @@
 
 namespace {
 
-constexpr double EXACT_RATIO = 1e-12;   // below it a ratio error is rounding
-constexpr double MET_RELATIVE = 0.001;  // below it an output counts as met
 constexpr double CASCADE_PENALTY = 4096.0;
 constexpr double NO_FEEDBACK_COUNT = 131072.0;  // error of a feedback output that divides by 0
 
@@ -60,12 +59,6 @@ void prepare(const PLL& pll, const PLL_PROP& request, const SEARCH_LIMITS& limit
     candidate->m_total_taps_count = request.m_taps_count;
 }
 
-int counter_value(int m, int n, const PLL_USER_TAP& wish)
-{
-    const double value = (double(m) * wish.m_div) / (double(n) * wish.m_mult) + 0.5;
-    return value < 1.0 ? 1 : truncate_to_int(value);
-}
-
 // An even split, or the low half one longer.
 void split_count(int count, PLL_OUTPUT_TAP* tap)
 {
@@ -84,38 +77,6 @@ void take_carried_values(const PLL_OUTPUT_TAP& from, PLL_OUTPUT_TAP* to)
     to->m_prev_duty_cycle = from.m_prev_duty_cycle;
     to->m_smallest_duty_cycle_min = from.m_smallest_duty_cycle_min;
     to->m_largest_duty_cycle_max = from.m_largest_duty_cycle_max;
-}
-
-double frequency_error(int count, const PLL_USER_TAP& wish, ASSIGNMENT* a)
-{
-    const double ratio = double(a->m_point.m_m) / double(a->m_point.m_n);
-    const double error = std::fabs(ratio / count - double(wish.m_mult) / double(wish.m_div));
-    if (error < EXACT_RATIO) {
-        return 0.0;
-    }
-    const double relative = std::fabs((wish.m_div * error) / wish.m_mult);
-    a->m_score.m_relative_error += relative;
-    if (!(relative >= MET_RELATIVE)) {
-        return 0.0;
-    }
-    a->m_score.m_error += error;
-    return error;
-}
-
-// The wish for a VCO ratio counts once for every output, in the place of the output's own error.
-double vco_ratio_error(double tap_error, ASSIGNMENT* a)
-{
-    const PLL_PROP& request = a->m_request;
-    if (request.m_vco_mult < 1 || request.m_vco_div < 1) {
-        return tap_error;
-    }
-    const double ratio = double(a->m_point.m_m) / double(a->m_point.m_n);
-    double error = std::fabs(ratio - double(request.m_vco_mult) / double(request.m_vco_div));
-    if (error < EXACT_RATIO) {
-        error = 0.0;
-    }
-    a->m_score.m_error += error;
-    return error;
 }
 
 // The output in the feedback path takes its share of M. Returns whether nothing is left over.
@@ -206,7 +167,9 @@ void assign_output(int index, const PLL_OUTPUT_TAP& carried, ASSIGNMENT* a)
 {
     const PLL_USER_TAP& wish = a->m_request.m_taps[index];
     const int max_count = a->m_pll.m_taps[index].m_max_count;
-    const int count = counter_value(a->m_point.m_m, a->m_point.m_n, wish);
+    const int m = a->m_point.m_m;
+    const int n = a->m_point.m_n;
+    const int count = counter_value(m, n, wish);
 
     PLL_OUTPUT_TAP& tap = a->m_candidate->m_taps[index];
     split_count(count, &tap);
@@ -214,7 +177,8 @@ void assign_output(int index, const PLL_OUTPUT_TAP& carried, ASSIGNMENT* a)
     tap.m_previous_tap = PLL_ILLEGAL_TAP;
     take_carried_values(carried, &tap);
 
-    const double error = vco_ratio_error(frequency_error(count, wish, a), a);
+    const double tap_error = add_frequency_error(m, n, count, wish, &a->m_score);
+    const double error = add_vco_ratio_error(m, n, a->m_request, tap_error, &a->m_score);
     const bool feedback_exact = index != a->m_pll.m_feedback_tap || divide_feedback(count, a);
 
     bool impossible = false;

@@ -9,6 +9,7 @@
 #include "pll_search.h"
 
 #include "pll_arith.h"
+#include "pll_rejection.h"
 #include "pll_report_error.h"
 #include "pll_window.h"
 
@@ -63,6 +64,8 @@ public:
           m_limits(limits),
           m_result(result),
           m_ranking(pll, request, limits.m_wish.m_table_mode, limits.m_spread, trace),
+          m_rejection(pll, request),
+          m_tracing(trace != nullptr),
           m_candidate(request.m_taps_count, PLL_MAX_TAPS),
           m_cut_off(std::int64_t{limits.m_m_max} + 1)
     {
@@ -90,6 +93,8 @@ private:
     const SEARCH_LIMITS& m_limits;
     SEARCH_RESULT* m_result;
     RANKING m_ranking;
+    REJECTION m_rejection;
+    bool m_tracing;
     PLL m_candidate;
     std::int64_t m_cut_off;  // smallest M that was exact
     int m_post_scale = 1;
@@ -183,7 +188,9 @@ void SEARCH::visit_window(int m, const ROW_PERIODS& periods, N_RANGE window)
         window = narrow_to_second_input(m, window);
     }
     for (std::int64_t n = window.m_first; n <= window.m_last; ++n) {
-        evaluate(m, int(n), periods.vco(n));
+        if (m_tracing || !m_rejection.rejects(m, int(n), m_result->m_best_error)) {
+            evaluate(m, int(n), periods.vco(n));
+        }
     }
 }
 

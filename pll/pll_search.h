@@ -7,6 +7,7 @@
 
 #include "pll.h"
 #include "pll_prop.h"
+#include "pll_ratio_error.h"
 #include "pll_trace.h"
 
 // How a loop bandwidth is asked for, after presets have been turned into numbers.
@@ -57,16 +58,6 @@ struct SEARCH_LIMITS
     int m_first_resistor;  // ohm
 
     VCO_LIMITS get_vco(const PLL& pll, int post_scale) const;
-};
-
-// What one candidate measures while its output counters are assigned.
-struct CANDIDATE_SCORE
-{
-    double m_error = 0.0;           // frequency-ratio errors that count, impossible counters
-    double m_relative_error = 0.0;  // of every output that is not exact
-    double m_cascade_penalty = 0.0;
-    bool m_clamped = false;  // a counter was clamped or forced while m_error was still 0
-    bool m_may_lower_cut_off = true;
 };
 
 // One (post-scale, M, N) that the limits allow.
