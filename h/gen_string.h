@@ -8,8 +8,8 @@
 // Characters before the terminating NUL; 0 for a null text.
 PLL_API std::size_t gen_strlen(const char* text);
 
-// Copies `source` with its NUL to `destination`, which must have room for it. Returns `destination`;
-// nothing is copied when either is null.
+// Copies `source` with its NUL to `destination`, which must have room for it. Returns
+// `destination`; nothing is copied when either is null.
 PLL_API char* gen_strcpy(char* destination, const char* source);
 
 // Appends `source` to the text in `destination`, which must have room for both. Returns

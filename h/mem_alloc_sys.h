@@ -36,8 +36,8 @@ public:
     // is exhausted. The caller owns the block and gives it back with `delete_wrapper`.
     static void* new_wrapper(std::size_t size, const MEM_TRACKER& tracker, const char* source);
 
-    // Releases a block of `new_wrapper`; a null pointer is ignored. The account that loses the block
-    // is the one it was booked on, whatever `source` says.
+    // Releases a block of `new_wrapper`; a null pointer is ignored. The account that loses the
+    // block is the one it was booked on, whatever `source` says.
     static void delete_wrapper(void* pointer, const char* source);
 
     // Live blocks and bytes attributed to a source name; a null name gives the totals, a name that
@@ -46,8 +46,8 @@ public:
     static std::size_t get_live_bytes(const char* source);
 
     // Takes memory from the host's heap from now on; two null pointers restore malloc and free.
-    // Legal only while no block is live. Returns false, with nothing changed, otherwise or when just
-    // one of the two is null.
+    // Legal only while no block is live. Returns false, with nothing changed, otherwise or when
+    // just one of the two is null.
     static bool set_heap(ALLOCATE allocate, RELEASE release);
 };
 
@@ -60,7 +60,8 @@ public:
 
 // The standard containers' way to the tracked heap. `source` is borrowed and must outlive the
 // container; texts with static storage are meant. Throws std::bad_alloc when memory is exhausted.
-template <class T> class MEM_ALLOCATOR
+template <class T>
+class MEM_ALLOCATOR
 {
 public:
     using value_type = T;
@@ -71,7 +72,8 @@ public:
     MEM_ALLOCATOR() noexcept : m_source("mem_alloc_sys") {}
     explicit MEM_ALLOCATOR(const char* source) noexcept : m_source(source) {}
     template <class U>
-    MEM_ALLOCATOR(const MEM_ALLOCATOR<U>& other) noexcept // NOLINT(google-explicit-constructor)
+    MEM_ALLOCATOR(const MEM_ALLOCATOR<U>& other)
+    noexcept  // NOLINT(google-explicit-constructor)
         : m_source(other.get_source())
     {
     }
@@ -88,7 +90,10 @@ public:
         return static_cast<T*>(block);
     }
 
-    void deallocate(T* block, std::size_t) noexcept { MEM_MANAGER::delete_wrapper(block, m_source); }
+    void deallocate(T* block, std::size_t) noexcept
+    {
+        MEM_MANAGER::delete_wrapper(block, m_source);
+    }
 
     const char* get_source() const noexcept { return m_source; }
 
@@ -102,5 +107,6 @@ bool operator==(const MEM_ALLOCATOR<T>&, const MEM_ALLOCATOR<U>&) noexcept
     return true;
 }
 
-template <class T> using MEM_VECTOR = std::vector<T, MEM_ALLOCATOR<T>>;
+template <class T>
+using MEM_VECTOR = std::vector<T, MEM_ALLOCATOR<T>>;
 using MEM_STRING = std::basic_string<char, std::char_traits<char>, MEM_ALLOCATOR<char>>;

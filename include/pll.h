@@ -29,14 +29,14 @@ public:
     PLL_COUNTER_M(const PLL_COUNTER_M&) = default;
     PLL_COUNTER_M& operator=(const PLL_COUNTER_M&) = default;
 
-    int m_count;       // what it divides by
-    int m_ss_count;    // the second count while spread spectrum is on
-    int m_initial;     // start count, from 1; delays by m_initial - 1 VCO periods
-    int m_delay;       // ps, 0 to MAX_DELAY_CHAIN_VALUE
-    int m_vco_tap;     // VCO phase tap that feeds it, 0 to PLL_VCO_TAPS_NUMBER - 1
-    int m_max_vco_tap; // largest tap allowed; 9999: all
-    int m_min_count;   // smallest count; 1 for M
-    int m_max_count;   // largest count
+    int m_count;        // what it divides by
+    int m_ss_count;     // the second count while spread spectrum is on
+    int m_initial;      // start count, from 1; delays by m_initial - 1 VCO periods
+    int m_delay;        // ps, 0 to MAX_DELAY_CHAIN_VALUE
+    int m_vco_tap;      // VCO phase tap that feeds it, 0 to PLL_VCO_TAPS_NUMBER - 1
+    int m_max_vco_tap;  // largest tap allowed; 9999: all
+    int m_min_count;    // smallest count; 1 for M
+    int m_max_count;    // largest count
 };
 
 // One output counter.
@@ -81,9 +81,9 @@ public:
     PLL_IMPL(const PLL_IMPL&) = delete;
     PLL_IMPL& operator=(const PLL_IMPL&) = delete;
 
-    MEM_VECTOR<int> m_charge_pump_currents, m_capacitors, m_resistors; // ascending; uA, pF, ohm
-    int* m_mults; // owned; last result of PLL::find_vco_mult_div_values
-    int* m_divs;  // owned; the matching divisors
+    MEM_VECTOR<int> m_charge_pump_currents, m_capacitors, m_resistors;  // ascending; uA, pF, ohm
+    int* m_mults;  // owned; last result of PLL::find_vco_mult_div_values
+    int* m_divs;   // owned; the matching divisors
 
     static void* operator new(std::size_t size) noexcept;
     static void operator delete(void* pointer) noexcept;
@@ -178,7 +178,7 @@ public:
     // ---- Queries. An output index out of range is an internal error and reads the nearest output;
     // `period` is that of the output clock, in ps.
 
-    double get_phase_degree_resolution() const; // degrees of the clock per VCO tap
+    double get_phase_degree_resolution() const;  // degrees of the clock per VCO tap
     double get_phase_ps_resolution(int period) const;
     double get_phase_degree_min(int tap) const;
     double get_phase_degree_max(int tap) const;
@@ -203,13 +203,13 @@ public:
     double get_duty_cycle_resolution(int tap) const;
     double get_duty_cycle_min(int tap) const;
     double get_duty_cycle_max(int tap) const;
-    double find_duty_cycle(int tap) const; // what the counter produces now
-    int get_k(int tap) const;              // m_high + m_low
-    int get_combined_count(int tap) const; // total division of a cascade; PLL_ILLEGAL_TAP gives 1
+    double find_duty_cycle(int tap) const;  // what the counter produces now
+    int get_k(int tap) const;               // m_high + m_low
+    int get_combined_count(int tap) const;  // total division of a cascade; PLL_ILLEGAL_TAP gives 1
     int get_m() const;
     int get_n() const;
     double get_m_over_n() const;
-    double get_vco_period() const; // ps
+    double get_vco_period() const;  // ps
 
     // The entry of a post-scale 0 to PLL_VCO_POST_SCALE_MAX; -1 is the current one. Others are
     // internal errors and read the nearest entry.
@@ -231,9 +231,9 @@ public:
     // ---- Candidate components, shared by all PLLs; without a live PLL nothing happens.
 
     void clear_rci();
-    static void add_i(int value); // uA
-    static void add_r(int value); // ohm
-    static void add_c(int value); // pF
+    static void add_i(int value);  // uA
+    static void add_r(int value);  // ohm
+    static void add_c(int value);  // pF
 
     // m_count = m_high + m_low for every tap in use.
     void set_output_counts_from_high_low();
@@ -260,47 +260,47 @@ public:
 
     // ---- Fields
 
-    double m_cost;             // of the current candidate
-    double m_delta_phase;      // total phase error, degrees
-    double m_delta_vco_period; // VCO period minus centre, ps
-    int m_ss_cycles;           // input periods per modulation period; 0: spread spectrum off
-    int m_ss_counter_max;      // upper bound of m_ss_cycles
+    double m_cost;              // of the current candidate
+    double m_delta_phase;       // total phase error, degrees
+    double m_delta_vco_period;  // VCO period minus centre, ps
+    int m_ss_cycles;            // input periods per modulation period; 0: spread spectrum off
+    int m_ss_counter_max;       // upper bound of m_ss_cycles
     PLL_COUNTER_M m_n;
     PLL_COUNTER_M m_m;
     int m_user_taps_count;
-    int m_total_taps_count; // user taps and cascade taps
-    int m_max_taps_count;   // output counters of the device
+    int m_total_taps_count;  // user taps and cascade taps
+    int m_max_taps_count;    // output counters of the device
     PLL_OUTPUT_TAP m_taps[PLL_MAX_TAPS];
-    int m_feedback_tap;         // output counter in the feedback; PLL_ILLEGAL_TAP: the M counter
-    int m_vco_min_period[3];    // ps, per post-scale
-    int m_vco_max_period[3];    // ps
-    int m_vco_center_period[3]; // ps
-    int m_ss_vco_max_period[3]; // ps, with spread spectrum
-    double m_kvco[3];           // VCO gain
-    int m_pfd_min_period;       // ps
-    int m_pfd_max_period;       // ps
-    int m_fin_min_period;       // ps
-    int m_ss_charge_pump_current; // uA, with spread spectrum
-    bool m_ss_supported;          // the spread-spectrum VCO limit and current hold
+    int m_feedback_tap;            // output counter in the feedback; PLL_ILLEGAL_TAP: the M counter
+    int m_vco_min_period[3];       // ps, per post-scale
+    int m_vco_max_period[3];       // ps
+    int m_vco_center_period[3];    // ps
+    int m_ss_vco_max_period[3];    // ps, with spread spectrum
+    double m_kvco[3];              // VCO gain
+    int m_pfd_min_period;          // ps
+    int m_pfd_max_period;          // ps
+    int m_fin_min_period;          // ps
+    int m_ss_charge_pump_current;  // uA, with spread spectrum
+    bool m_ss_supported;           // the spread-spectrum VCO limit and current hold
     bool m_output_counter_cascade;
-    int m_vco_post_scale;     // current one
-    int m_max_vco_post_scale; // largest that a synthesis tries, at most PLL_VCO_POST_SCALE_MAX
-    double m_c_fixed;         // pF
-    double m_r;               // ohm
-    double m_c_high;          // pF
-    double m_i;               // uA
-    double m_i_min;           // uA
-    double m_ss_bandwidth;    // Hz
-    double m_low_bandwidth;   // Hz
-    double m_medium_bandwidth; // Hz
-    double m_high_bandwidth;   // Hz
-    double m_vco_period;       // ps
+    int m_vco_post_scale;       // current one
+    int m_max_vco_post_scale;   // largest that a synthesis tries, at most PLL_VCO_POST_SCALE_MAX
+    double m_c_fixed;           // pF
+    double m_r;                 // ohm
+    double m_c_high;            // pF
+    double m_i;                 // uA
+    double m_i_min;             // uA
+    double m_ss_bandwidth;      // Hz
+    double m_low_bandwidth;     // Hz
+    double m_medium_bandwidth;  // Hz
+    double m_high_bandwidth;    // Hz
+    double m_vco_period;        // ps
     bool m_bandwidth_legal_for_mult_div;
     bool m_bandwidth_legal_for_fin;
     PLL_INFO m_info;
-    int m_id; // PLLs alive when this one was constructed
+    int m_id;  // PLLs alive when this one was constructed
     bool m_debug;
-    PLL_ERROR_TYPE m_error; // of the last synthesis that failed
+    PLL_ERROR_TYPE m_error;  // of the last synthesis that failed
 
     static int m_default_vco_min_period[3];
     static int m_default_vco_max_period[3];

@@ -17,7 +17,7 @@ enum PLL_TYPE_ENUM
     FAST_PLL,
     FAST_PLL_HIGH_SPEED,
     VESTRA_PLL,
-    PLL_TYPE_MAX // no type
+    PLL_TYPE_MAX  // no type
 };
 
 enum PLL_RECONFIG_TYPE_ENUM
@@ -26,7 +26,7 @@ enum PLL_RECONFIG_TYPE_ENUM
     PLL_RECONFIG_SHORT,
     PLL_RECONFIG_LONG,
     PLL_RECONFIG_ENHANCED,
-    PLL_RECONFIG_TYPE_MAX // no such type
+    PLL_RECONFIG_TYPE_MAX  // no such type
 };
 
 // Counters that can stand in a reconfiguration scan chain.
@@ -52,16 +52,16 @@ enum CDB_PLL_COUNTER_TYPE_ENUM
     CDB_PLL_COUNTER_N,
     CDB_PLL_COUNTER_L0TAP,
     CDB_PLL_COUNTER_L1TAP,
-    CDB_PLL_COUNTER_TYPE_MAX // no such counter
+    CDB_PLL_COUNTER_TYPE_MAX  // no such counter
 };
 
-inline constexpr int PLL_MAX_TAPS = 10;             // output counters that a record can hold
-inline constexpr int PLL_VCO_POST_SCALE_MAX = 2;    // VCO arrays have entries 0 to 2
-inline constexpr int PLL_VCO_TAPS_NUMBER = 8;       // VCO phase taps of 45 VCO degrees
-inline constexpr int MAX_DELAY_CHAIN_VALUE = 3000;  // ps
-inline constexpr int PLL_ILLEGAL_TAP = -1;          // an index that names no tap
-inline constexpr int PLL_UNSET_MINIMUM = -2147483647; // 0x80000001: a limit that nobody gave
-inline constexpr int PLL_UNSET_MAXIMUM = 2147483647;  // 0x7FFFFFFF: likewise, while limits combine
+inline constexpr int PLL_MAX_TAPS = 10;                // output counters that a record can hold
+inline constexpr int PLL_VCO_POST_SCALE_MAX = 2;       // VCO arrays have entries 0 to 2
+inline constexpr int PLL_VCO_TAPS_NUMBER = 8;          // VCO phase taps of 45 VCO degrees
+inline constexpr int MAX_DELAY_CHAIN_VALUE = 3000;     // ps
+inline constexpr int PLL_ILLEGAL_TAP = -1;             // an index that names no tap
+inline constexpr int PLL_UNSET_MINIMUM = -2147483647;  // 0x80000001: a limit that nobody gave
+inline constexpr int PLL_UNSET_MAXIMUM = 2147483647;   // 0x7FFFFFFF: likewise, while limits combine
 
 // One row of the table: loop-filter components and what they achieve. Results are -1.0 where the
 // table's file gives none. Plain `new` and `new[]` take tracked memory and give null when it is
@@ -126,7 +126,7 @@ public:
 
     PLL_RECONFIG_TYPE_ENUM m_reconfig_type;
     int m_number_of_scan_chain_counter_orders;
-    CDB_PLL_COUNTER_TYPE_ENUM* m_scan_chain_counter_orders; // owned
+    CDB_PLL_COUNTER_TYPE_ENUM* m_scan_chain_counter_orders;  // owned
 
     static void* operator new(std::size_t size) noexcept;
     static void operator delete(void* pointer) noexcept;
@@ -157,8 +157,8 @@ public:
     void set_loop_filter_capacitors(int count, const int* values);
     void set_loop_filter_capacitor_bits(int count, const int* values);
 
-    // Releases the present table and takes ownership of `table`, an array of `size` groups made with
-    // new[] (null for none). m_use_bandwidth_settings_table is the caller's to set.
+    // Releases the present table and takes ownership of `table`, an array of `size` groups made
+    // with new[] (null for none). m_use_bandwidth_settings_table is the caller's to set.
     void set_bandwidth_settings_table(int size, PLL_BANDWIDTH_SETTING_GROUP* table);
 
     // The record of a reconfiguration type, owned by this one; null when there is none.
@@ -179,10 +179,10 @@ public:
     int m_m_counter_max;
     int m_m_counter_high_low_max;
     int m_m_counter_initial_max;
-    int m_m_counter_preferred_min; // -1: none
-    int m_m_counter_preferred_max; // -1: none
+    int m_m_counter_preferred_min;  // -1: none
+    int m_m_counter_preferred_max;  // -1: none
     int m_n_counter_max;
-    int m_vco_post_scale_counter_max; // 0 to PLL_VCO_POST_SCALE_MAX
+    int m_vco_post_scale_counter_max;  // 0 to PLL_VCO_POST_SCALE_MAX
     int m_output_counter_max;
     int m_output_counter_high_low_max;
     int m_output_counter_initial_max;
@@ -200,43 +200,43 @@ public:
     int m_gate_lock_counter_max;
     int m_switch_over_counter_min;
     int m_switch_over_counter_max;
-    int m_charge_pump_current_default; // uA
+    int m_charge_pump_current_default;  // uA
     int m_number_of_charge_pump_currents;
-    int* m_charge_pump_currents; // owned, ascending, uA
+    int* m_charge_pump_currents;  // owned, ascending, uA
     int m_number_of_charge_pump_current_bits;
-    int* m_charge_pump_current_bits;   // owned, weight of each bit
-    int m_loop_filter_resistor_default; // ohm
+    int* m_charge_pump_current_bits;     // owned, weight of each bit
+    int m_loop_filter_resistor_default;  // ohm
     int m_number_of_loop_filter_resistors;
-    int* m_loop_filter_resistors; // owned, ascending, ohm
+    int* m_loop_filter_resistors;  // owned, ascending, ohm
     int m_number_of_loop_filter_resistor_bits;
-    int* m_loop_filter_resistor_bits;    // owned, weight of each bit
-    int m_loop_filter_capacitor_default; // pF
+    int* m_loop_filter_resistor_bits;     // owned, weight of each bit
+    int m_loop_filter_capacitor_default;  // pF
     int m_number_of_loop_filter_capacitors;
-    int* m_loop_filter_capacitors; // owned, ascending, pF
+    int* m_loop_filter_capacitors;  // owned, ascending, pF
     int m_number_of_loop_filter_capacitor_bits;
-    int* m_loop_filter_capacitor_bits; // owned, weight of each bit
-    int m_loop_filter_fixed_capacitor; // pF
-    double m_ss_bandwidth;             // Hz
-    double m_ss_down_spread_min;       // fraction
-    double m_ss_down_spread_max;       // fraction
-    int m_ss_charge_pump_current;      // uA
-    int m_feedback_duty_cycle_min;     // percent
-    int m_feedback_duty_cycle_max;     // percent
-    int m_bandwidth_pfd_min_frequency_multiplier; // PFD frequency over loop bandwidth, at least
-    double m_bandwidth_low;                       // Hz
-    double m_bandwidth_medium;                    // Hz
-    double m_bandwidth_high;                      // Hz
+    int* m_loop_filter_capacitor_bits;             // owned, weight of each bit
+    int m_loop_filter_fixed_capacitor;             // pF
+    double m_ss_bandwidth;                         // Hz
+    double m_ss_down_spread_min;                   // fraction
+    double m_ss_down_spread_max;                   // fraction
+    int m_ss_charge_pump_current;                  // uA
+    int m_feedback_duty_cycle_min;                 // percent
+    int m_feedback_duty_cycle_max;                 // percent
+    int m_bandwidth_pfd_min_frequency_multiplier;  // PFD frequency over loop bandwidth, at least
+    double m_bandwidth_low;                        // Hz
+    double m_bandwidth_medium;                     // Hz
+    double m_bandwidth_high;                       // Hz
     double m_bandwidth_relative_tolerance;
     bool m_use_bandwidth_settings_table;
-    PLL_BANDWIDTH_SETTING_GROUP* m_bandwidth_settings_table; // owned, indexed by effective M
-    int m_bandwidth_settings_table_size;                     // groups
+    PLL_BANDWIDTH_SETTING_GROUP* m_bandwidth_settings_table;  // owned, indexed by effective M
+    int m_bandwidth_settings_table_size;                      // groups
     double m_phase_absolute_tolerance;
     int m_number_of_reconfig_infos;
-    PLL_RECONFIG_INFO** m_reconfig_infos; // owned, in creation order
+    PLL_RECONFIG_INFO** m_reconfig_infos;  // owned, in creation order
     bool m_is_pfd_bandwidth_rule_an_error;
 
     // Static phase error constants; the largest double means that none was given.
-    double m_spe_ratio_constant_x; // limit of effective M over charge-pump current
+    double m_spe_ratio_constant_x;  // limit of effective M over charge-pump current
     double m_spe_push_out_constant_a;
     double m_spe_push_out_constant_b;
     double m_spe_push_out_constant_c;
@@ -250,19 +250,19 @@ public:
 // used by the database. A value that nobody gave is PLL_UNSET_MINIMUM.
 struct PLL_API PLL_TIMING_INFO
 {
-    int m_vco_min[3] = {PLL_UNSET_MINIMUM, PLL_UNSET_MINIMUM, PLL_UNSET_MINIMUM};    // ps
-    int m_vco_max[3] = {PLL_UNSET_MINIMUM, PLL_UNSET_MINIMUM, PLL_UNSET_MINIMUM};    // ps
-    int m_vco_center[3] = {PLL_UNSET_MINIMUM, PLL_UNSET_MINIMUM, PLL_UNSET_MINIMUM}; // ps
+    int m_vco_min[3] = {PLL_UNSET_MINIMUM, PLL_UNSET_MINIMUM, PLL_UNSET_MINIMUM};     // ps
+    int m_vco_max[3] = {PLL_UNSET_MINIMUM, PLL_UNSET_MINIMUM, PLL_UNSET_MINIMUM};     // ps
+    int m_vco_center[3] = {PLL_UNSET_MINIMUM, PLL_UNSET_MINIMUM, PLL_UNSET_MINIMUM};  // ps
     int m_vco_gain[3] = {PLL_UNSET_MINIMUM, PLL_UNSET_MINIMUM, PLL_UNSET_MINIMUM};
-    int m_ss_vco_max[3] = {PLL_UNSET_MINIMUM, PLL_UNSET_MINIMUM, PLL_UNSET_MINIMUM}; // ps
-    int m_input_min = PLL_UNSET_MINIMUM;                                             // ps
-    int m_input_max = PLL_UNSET_MINIMUM;                                             // ps
-    int m_output_min = PLL_UNSET_MINIMUM;                                            // ps
-    int m_output_max = PLL_UNSET_MINIMUM;                                            // ps
-    int m_external_output_min = PLL_UNSET_MINIMUM;                                   // ps
-    int m_external_output_max = PLL_UNSET_MINIMUM;                                   // ps
-    int m_pfd_min = PLL_UNSET_MINIMUM;                                               // ps
-    int m_pfd_max = PLL_UNSET_MINIMUM;                                               // ps
+    int m_ss_vco_max[3] = {PLL_UNSET_MINIMUM, PLL_UNSET_MINIMUM, PLL_UNSET_MINIMUM};  // ps
+    int m_input_min = PLL_UNSET_MINIMUM;                                              // ps
+    int m_input_max = PLL_UNSET_MINIMUM;                                              // ps
+    int m_output_min = PLL_UNSET_MINIMUM;                                             // ps
+    int m_output_max = PLL_UNSET_MINIMUM;                                             // ps
+    int m_external_output_min = PLL_UNSET_MINIMUM;                                    // ps
+    int m_external_output_max = PLL_UNSET_MINIMUM;                                    // ps
+    int m_pfd_min = PLL_UNSET_MINIMUM;                                                // ps
+    int m_pfd_max = PLL_UNSET_MINIMUM;                                                // ps
     int m_ss_spread_min = PLL_UNSET_MINIMUM;
     int m_ss_spread_max = PLL_UNSET_MINIMUM;
 
@@ -275,7 +275,8 @@ struct PLL_API PLL_TIMING_INFO
     int get_ss_vco_max_period(int vco_post_scale) const;
 
     // Sets the entry of a post-scale. A negative one sets entries 1 and 2, periods as value x 1 and
-    // value x 2, gains alike. One above PLL_VCO_POST_SCALE_MAX is an internal error: nothing is set.
+    // value x 2, gains alike. One above PLL_VCO_POST_SCALE_MAX is an internal error: nothing is
+    // set.
     void set_vco_min_period(int value, int vco_post_scale);
     void set_vco_max_period(int value, int vco_post_scale);
     void set_vco_center_period(int value, int vco_post_scale);
@@ -290,7 +291,7 @@ class PLL_API PLL_INFO
 public:
     PLL_INFO();
 
-    PLL_BASIC_INFO* m_basic_info; // not owned; null: nothing is known
+    PLL_BASIC_INFO* m_basic_info;  // not owned; null: nothing is known
     PLL_TIMING_INFO m_timing_info;
 
     bool has_info() const;

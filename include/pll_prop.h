@@ -22,15 +22,15 @@ public:
     // Writes the clock without a line end, as labelled text or as tab-separated values.
     void dump(std::ostream& stream, bool compact) const;
 
-    int m_delay;                   // ps, wish and result
-    int m_mult;                    // output frequency = input frequency x m_mult / m_div
+    int m_delay;  // ps, wish and result
+    int m_mult;   // output frequency = input frequency x m_mult / m_div
     int m_div;
-    double m_phase;                // degrees of the output clock
-    int m_duty;                    // percent
-    double m_sclkout_phase;        // degrees, of the serial clock (counter start 1)
-    bool m_has_sclkout_phase;      // m_sclkout_phase is valid
-    bool m_use_even_counter_mode;  // wish: a counter without the half period
-    bool m_use_even_counter_value; // wish: even high and low counts
+    double m_phase;                 // degrees of the output clock
+    int m_duty;                     // percent
+    double m_sclkout_phase;         // degrees, of the serial clock (counter start 1)
+    bool m_has_sclkout_phase;       // m_sclkout_phase is valid
+    bool m_use_even_counter_mode;   // wish: a counter without the half period
+    bool m_use_even_counter_value;  // wish: even high and low counts
 };
 
 class PLL_API PLL_PROP
@@ -57,28 +57,28 @@ public:
     // tab-separated values.
     void dump(std::ostream& stream, bool requested, bool compact) const;
 
-    int m_bandwidth_type;      // wish: 0 high, 1 medium, 2 low, 3 auto, 4 custom
-    int m_fin_period;          // ps, wish
-    int m_fin2_period;         // ps, wish; 0 or less: no second input clock
-    int m_ss_period;           // ps, modulation period of the spread spectrum, wish and result
-    int m_feedback_tap;        // wish and result; -1: the M counter
-    int m_lock_min_period;     // ps, result
-    int m_lock_max_period;     // ps, result
+    int m_bandwidth_type;   // wish: 0 high, 1 medium, 2 low, 3 auto, 4 custom
+    int m_fin_period;       // ps, wish
+    int m_fin2_period;      // ps, wish; 0 or less: no second input clock
+    int m_ss_period;        // ps, modulation period of the spread spectrum, wish and result
+    int m_feedback_tap;     // wish and result; -1: the M counter
+    int m_lock_min_period;  // ps, result
+    int m_lock_max_period;  // ps, result
     PLL_USER_TAP m_taps[PLL_MAX_TAPS];
-    int m_taps_count;          // 0 to PLL_MAX_TAPS
-    int m_vco_mult;            // wish, with m_vco_div, when both are 1 or more; result
+    int m_taps_count;  // 0 to PLL_MAX_TAPS
+    int m_vco_mult;    // wish, with m_vco_div, when both are 1 or more; result
     int m_vco_div;
-    double m_down_spread;      // fraction, 0: off; wish and result
-    double m_bandwidth;        // Hz; wish with type custom; result
-    double m_bandwidth_max;    // Hz, result; -1: unknown, as in all fields below
-    double m_bandwidth_min;    // Hz, result
-    double m_f_zero;           // Hz, result; 0: not computed
-    double m_f_pole;           // Hz, result; 0: not computed
-    double m_phase_margin;     // degrees, result
-    double m_phase_margin_max; // degrees, result
-    double m_phase_margin_min; // degrees, result
-    double m_jitter_peak;      // dB, result
-    double m_jitter_peak_max;  // dB, result
-    double m_jitter_peak_min;  // dB, result
-    bool m_use_reconfig;       // wish: the PLL is reconfigured at run time
+    double m_down_spread;       // fraction, 0: off; wish and result
+    double m_bandwidth;         // Hz; wish with type custom; result
+    double m_bandwidth_max;     // Hz, result; -1: unknown, as in all fields below
+    double m_bandwidth_min;     // Hz, result
+    double m_f_zero;            // Hz, result; 0: not computed
+    double m_f_pole;            // Hz, result; 0: not computed
+    double m_phase_margin;      // degrees, result
+    double m_phase_margin_max;  // degrees, result
+    double m_phase_margin_min;  // degrees, result
+    double m_jitter_peak;       // dB, result
+    double m_jitter_peak_max;   // dB, result
+    double m_jitter_peak_min;   // dB, result
+    bool m_use_reconfig;        // wish: the PLL is reconfigured at run time
 };
