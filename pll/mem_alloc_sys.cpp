@@ -25,6 +25,10 @@ struct alignas(std::max_align_t) BLOCK_HEADER
     std::size_t m_size;
 };
 
+// No object may be larger; some heaps end the process instead of refusing such a size.
+constexpr std::size_t LARGEST_BLOCK =
+    static_cast<std::size_t>(std::numeric_limits<std::ptrdiff_t>::max()) - sizeof(BLOCK_HEADER);
+
 MEM_MANAGER::ALLOCATE heap_allocate = std::malloc;
 MEM_MANAGER::RELEASE heap_release = std::free;
 
@@ -77,7 +81,7 @@ void unbook(ACCOUNT* account, std::size_t size)
 
 void* MEM_MANAGER::new_wrapper(std::size_t size, const MEM_TRACKER&, const char* source)
 {
-    if (size > std::numeric_limits<std::size_t>::max() - sizeof(BLOCK_HEADER)) {
+    if (size > LARGEST_BLOCK) {
         return nullptr;
     }
     ACCOUNT* account = find_or_open_account(source == nullptr ? DEFAULT_SOURCE : source);
