@@ -37,7 +37,7 @@ const char* const PROGRAM_HELP =
 const char* const REQUEST_HELP =
     "\nEach --out is one output, numbered from 1: a frequency or ratio=A/B to the input, then any "
     "of\n"
-    "  phase=90         degrees (-360 to 360), or a time such as phase=1.5ns\n"
+    "  phase=90         degrees (-360 to 360), or a part of the output's period such as 1.5ns\n"
     "  duty=40          percent, whole, 1 to 99\n"
     "  delay=-250       ps, whole, -3000 to 3000\n"
     "  even             a counter without the half period\n"
@@ -120,12 +120,14 @@ void add_request_options(CLI::App* app, REQUEST_WORDS* words)
     add_text(app, "--feedback", "OUTPUT", "the output that is the feedback (default: counter M)",
              &words->m_feedback);
     add_text(app, "--vco-ratio", "A/B", "VCO to input, to be met too", &words->m_vco_ratio);
-    app->add_flag("--reconfig", words->m_reconfig, "the PLL is reconfigured at run time");
+    app->add_flag("--reconfig", words->m_reconfig, "the PLL is reconfigured at run time")
+        ->disable_flag_override();
     add_text(app, "--max-outputs", "COUNT", "outputs of the device, 1 to 10 (default 10)",
              &words->m_max_outputs);
     add_text(app, "--tolerance", "PART", "largest error of an output, such as 50ppm, for 'met'",
              &words->m_tolerance);
-    app->add_flag("--exact", words->m_exact, "only exact outputs count as met");
+    app->add_flag("--exact", words->m_exact, "only exact outputs count as met")
+        ->disable_flag_override();
 }
 
 void add_options(const COMMAND_ENTRY& entry, CLI::App* app, COMMAND_LINE* line)
@@ -136,8 +138,9 @@ void add_options(const COMMAND_ENTRY& entry, CLI::App* app, COMMAND_LINE* line)
     }
     if (entry.m_command == COMMAND::DUMP) {
         app->add_flag_callback(
-            "--compact", [line] { line->m_dump_form = DUMP_FORM::COMPACT; },
-            "tab-separated values");
+               "--compact", [line] { line->m_dump_form = DUMP_FORM::COMPACT; },
+               "tab-separated values")
+            ->disable_flag_override();
     }
     if (entry.m_command == COMMAND::RATIOS) {
         add_text(app, "--in", "FREQ", "input clock", &line->m_request.m_in);
@@ -171,6 +174,18 @@ void add_options(const COMMAND_ENTRY& entry, CLI::App* app, COMMAND_LINE* line)
     throw USAGE_ERROR(name, "unknown option" + suggest(name, {names.begin(), names.end()}));
 }
 
+// A value that is missing or out of place, or an option that stands twice.
+[[noreturn]] void refuse_count(const CLI::ArgumentMismatch& error)
+{
+    const std::string text = error.what();
+    const std::string name = text.substr(0, text.find_first_of(": "));
+    if (text.find("missing") != std::string::npos) {
+        throw USAGE_ERROR(name, "needs a value");
+    }
+    const bool is_flag = text.find("override") != std::string::npos;
+    throw USAGE_ERROR(name, is_flag ? "takes no value" : "may be given once");
+}
+
 std::string write_help(const COMMAND_ENTRY& entry, CLI::App* app)
 {
     constexpr std::size_t NAME_WIDTH = 34;
@@ -191,6 +206,8 @@ bool parse(const COMMAND_ENTRY& entry, int count, const char* const* words, COMM
         return false;
     } catch (const CLI::ExtrasError&) {
         refuse_extra(&app);
+    } catch (const CLI::ArgumentMismatch& error) {
+        refuse_count(error);
     } catch (const CLI::ParseError& error) {
         throw USAGE_ERROR(entry.m_name, error.what());
     }

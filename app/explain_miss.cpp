@@ -2,6 +2,7 @@
 #include "format.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace {
 
@@ -13,11 +14,6 @@ constexpr double MAX_DOWN_SPREAD = 0.006;  // of the library
 constexpr int BANDWIDTH_AUTO = 3;
 
 typedef std::vector<std::string> LINES;
-
-std::string mhz_range(int min_period, int max_period)
-{
-    return format_period_as_mhz(max_period) + " to " + format_period_as_mhz(min_period) + " MHz";
-}
 
 int vco_max_period(const REQUEST& request, const PLL& pll, int post_scale)
 {
@@ -73,6 +69,16 @@ void explain_barred(const REQUEST& request, const PLL& pll, LINES* lines)
     }
 }
 
+// "10 MHz, 2 MHz below its range of 12 to 100 MHz", of a period outside its range.
+std::string miss_of_period(double period, int min_period, int max_period)
+{
+    const bool is_low = period > max_period;
+    const double miss = std::abs(PS_MHZ / period - PS_MHZ / (is_low ? max_period : min_period));
+    return format_period_as_mhz(period) + " MHz, " + format_short(miss, MHZ_DECIMALS) + " MHz " +
+           (is_low ? "below" : "above") + " its range of " + format_period_as_mhz(max_period) +
+           " to " + format_period_as_mhz(min_period) + " MHz";
+}
+
 void explain_no_candidate(const REQUEST& request, const PLL& pll, LINES* lines)
 {
     if (pll.get_m() == 1) {
@@ -82,20 +88,16 @@ void explain_no_candidate(const REQUEST& request, const PLL& pll, LINES* lines)
     const int post_scale = nearest_post_scale(request, pll);
     const int min_period = pll.get_vco_min_period(post_scale);
     const int max_period = vco_max_period(request, pll, post_scale);
-    const double period = pll.get_vco_period();
-    const std::string closest =
-        "closest: M " + std::to_string(pll.get_m()) + ", N " + std::to_string(pll.get_n());
-    if (period > max_period || period < min_period) {
-        const bool low = period > max_period;
-        const double miss = std::abs(PS_MHZ / period - PS_MHZ / (low ? max_period : min_period));
-        lines->push_back(closest + ", with the VCO at " + format_period_as_mhz(period) + " MHz, " +
-                         format_short(miss, MHZ_DECIMALS) + " MHz " + (low ? "below" : "above") +
-                         " its range of " + mhz_range(min_period, max_period));
-    } else {
-        const double pfd_period = double(request.m_prop.m_fin_period) * pll.get_n();
-        lines->push_back(closest + ", with the PFD at " + format_period_as_mhz(pfd_period) +
-                         " MHz, outside its range of " +
-                         mhz_range(pll.m_pfd_min_period, pll.m_pfd_max_period));
+    const double vco_period = pll.get_vco_period();
+    const double pfd_period = double(request.m_prop.m_fin_period) * pll.get_n();
+    const bool vco_misses = vco_period > max_period || vco_period < min_period;
+    lines->push_back(
+        "closest: M " + std::to_string(pll.get_m()) + ", N " + std::to_string(pll.get_n()) +
+        (vco_misses ? ", with the VCO at " + miss_of_period(vco_period, min_period, max_period)
+                    : ", with the PFD at " +
+                          miss_of_period(pfd_period, pll.m_pfd_min_period, pll.m_pfd_max_period)));
+    if (request.m_input2) {
+        lines->push_back("the second input has to meet the same ranges with the same M and N");
     }
     lines->push_back("missed: all outputs; without a VCO frequency none of them could be tried");
 }
@@ -144,7 +146,7 @@ void explain_delays(const REQUEST& request, LINES* lines)
                      std::to_string(span) + " ps above that of output " +
                      std::to_string(first + 1) + ", " +
                      std::to_string(span - MAX_DELAY_CHAIN_VALUE) + " ps more than the " +
-                     std::to_string(MAX_DELAY_CHAIN_VALUE) + " ps of a delay chain");
+                     std::to_string(MAX_DELAY_CHAIN_VALUE) + " ps of a chain");
 }
 
 void explain_input(const char* name, const INPUT_CLOCK& input, const PLL& pll, LINES* lines)

@@ -75,6 +75,13 @@ std::string format_period_as_mhz(double period)
     return period > 0.0 ? format_short(PS_MHZ / period, DECIMALS) : "-";
 }
 
+std::string format_phase(double degrees)
+{
+    constexpr double LARGEST = 1e6;
+    const bool is_phase = degrees < LARGEST && degrees > -LARGEST;
+    return is_phase ? format_fixed(degrees, PHASE_DECIMALS) : "-";
+}
+
 std::string format_part(const RATIONAL& part)
 {
     if (!part.is_valid()) {

@@ -20,6 +20,11 @@ std::string format_mhz_short(const RATIONAL& hertz);
 // A period in ps as MHz; "-" when there is none.
 std::string format_period_as_mhz(double period);
 
+constexpr int PHASE_DECIMALS = 3;
+
+// Degrees with PHASE_DECIMALS; "-" for the huge ones that stand for none.
+std::string format_phase(double degrees);
+
 // A relative error: "exact", "+12.3 ppm", "-45 ppb", "+1.25 %"; "-" when invalid.
 std::string format_error(const RATIONAL& error);
 

@@ -272,8 +272,10 @@ int read_delay(const std::string& argument, std::string_view text, int largest)
 
 int read_integer(const std::string& argument, std::string_view text, int lowest, int highest)
 {
-    const std::string legal =
-        "a whole number from " + std::to_string(lowest) + " to " + std::to_string(highest);
+    std::string legal = std::to_string(lowest);
+    if (lowest < highest) {
+        legal = "a whole number from " + legal + " to " + std::to_string(highest);
+    }
     const MEASURE measure = read_measure(argument, text);
     const RATIONAL value = measure.m_value;
     if (!measure.m_unit.empty() || !value.is_integer() || value < RATIONAL(lowest, 1) ||

@@ -8,8 +8,7 @@
 namespace {
 
 constexpr int STEPS_EACH_WAY = 5;
-constexpr int DEGREE_DECIMALS = 3;
-constexpr int DUTY_DECIMALS = 2;
+constexpr int DUTY_DECIMALS = 3;
 constexpr double SLACK = 1e-9;  // of a step that ends on a bound
 
 // The `steps`th neighbour of a value, or "-" outside the bounds.
@@ -32,14 +31,23 @@ void append_output(const REQUEST& request, const ANSWER& answer, int output, std
 
     TEXT_TABLE bounds({{"", "", ALIGN::LEFT},
                        {"asked", "", ALIGN::RIGHT},
+                       {"achieved", "", ALIGN::RIGHT},
+                       {"previous", "", ALIGN::RIGHT},
+                       {"next", "", ALIGN::RIGHT},
                        {"step", "", ALIGN::RIGHT},
                        {"lowest", "", ALIGN::RIGHT},
                        {"highest", "", ALIGN::RIGHT}});
-    bounds.add_row({"phase deg", format_fixed(asked.m_phase, DEGREE_DECIMALS),
-                    format_fixed(phase_step, DEGREE_DECIMALS),
-                    format_fixed(pll.get_phase_degree_min(output), DEGREE_DECIMALS),
-                    format_fixed(pll.get_phase_degree_max(output), DEGREE_DECIMALS)});
-    bounds.add_row({"duty %", format_fixed(asked.m_duty, DUTY_DECIMALS),
+    bounds.add_row({"phase deg", format_phase(asked.m_phase),
+                    format_phase(answer.get_achieved().m_taps[output].m_phase),
+                    format_phase(pll.get_prev_phase_degree(output)),
+                    format_phase(pll.get_next_phase_degree(output)),
+                    format_fixed(phase_step, PHASE_DECIMALS),
+                    format_fixed(pll.get_phase_degree_min(output), PHASE_DECIMALS),
+                    format_fixed(pll.get_phase_degree_max(output), PHASE_DECIMALS)});
+    bounds.add_row({"duty %", std::to_string(asked.m_duty),
+                    format_fixed(pll.find_duty_cycle(output), DUTY_DECIMALS),
+                    std::to_string(pll.get_prev_duty_cycle(output)),
+                    std::to_string(pll.get_next_duty_cycle(output)),
                     format_fixed(duty_step, DUTY_DECIMALS),
                     format_fixed(pll.get_duty_cycle_min(output), DUTY_DECIMALS),
                     format_fixed(pll.get_duty_cycle_max(output), DUTY_DECIMALS)});
@@ -53,7 +61,7 @@ void append_output(const REQUEST& request, const ANSWER& answer, int output, std
             {std::string(i > 0 ? "+" : "") + std::to_string(i),
              neighbour(answer.get_achieved().m_taps[output].m_phase, phase_step, i,
                        pll.get_phase_degree_min(output), pll.get_phase_degree_max(output),
-                       DEGREE_DECIMALS),
+                       PHASE_DECIMALS),
              neighbour(pll.find_duty_cycle(output), duty_step, i, pll.get_duty_cycle_min(output),
                        pll.get_duty_cycle_max(output), DUTY_DECIMALS),
              i == 0 ? "<- the answer" : ""});

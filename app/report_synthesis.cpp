@@ -5,7 +5,6 @@
 
 namespace {
 
-constexpr int DEGREE_DECIMALS = 3;
 constexpr int DUTY_DECIMALS = 2;
 constexpr int KHZ_DECIMALS = 3;
 constexpr int MHZ_DECIMALS = 6;
@@ -14,8 +13,7 @@ constexpr int PERCENT_DECIMALS = 4;
 constexpr int COMPONENT_DECIMALS = 1;
 constexpr double PERCENT = 100.0;
 constexpr double HZ_PER_KHZ = 1e3;
-constexpr double PS_KHZ = 1e9;           // kHz = PS_KHZ / ps
-constexpr double MAX_PHASE_SHOWN = 1e6;  // degrees; beyond, no legal phase was found
+constexpr double PS_KHZ = 1e9;  // kHz = PS_KHZ / ps
 constexpr int CUSTOM_BANDWIDTH = 4;
 const char* const BANDWIDTH_NAMES[] = {"high", "medium", "low", "auto"};
 
@@ -32,7 +30,7 @@ void append_input(const char* name, const INPUT_CLOCK& input, std::string* text)
         *text += ", period " + library_period + "\n";
     } else {
         *text += ", period " + input.m_period.to_decimal(PERIOD_DECIMALS) + " ps, taken as " +
-                 library_period + "; the ratios are exact\n";
+                 library_period + "; ratios are exact\n";
     }
 }
 
@@ -73,12 +71,6 @@ void append_frequencies(const REQUEST& request, const ANSWER& answer, std::strin
                        output.m_missed ? "MISSED" : ""});
     }
     table.append_to(text);
-}
-
-std::string format_phase(double degrees)
-{
-    const bool is_known = degrees < MAX_PHASE_SHOWN && degrees > -MAX_PHASE_SHOWN;
-    return is_known ? format_fixed(degrees, DEGREE_DECIMALS) : "-";
 }
 
 void append_shapes(const REQUEST& request, const ANSWER& answer, std::string* text)
@@ -231,19 +223,30 @@ void append_lock_range(const ANSWER& answer, std::string* text)
     table.append_to(text);
 }
 
+std::string report_met(const REQUEST& request, const ANSWER& answer)
+{
+    int inexact = 0;
+    RATIONAL worst;
+    for (const OUTPUT_RESULT& output : answer.get_outputs()) {
+        inexact += output.m_error == RATIONAL() ? 0 : 1;
+        worst = worst.magnitude() < output.m_error.magnitude() ? output.m_error : worst;
+    }
+    if (inexact == 0) {
+        return "MET: every output is exact\n";
+    }
+    const std::string limit =
+        request.m_tolerance ? format_part(*request.m_tolerance) : std::string("a thousandth");
+    return "MET within " + limit + ": " + std::to_string(inexact) + " of " +
+           std::to_string(answer.get_outputs().size()) + " outputs not exact, at most " +
+           format_error(worst) + "\n";
+}
+
 }  // namespace
 
 std::string report_verdict(const REQUEST& request, const ANSWER& answer)
 {
     if (answer.is_met()) {
-        int inexact = 0;
-        for (const OUTPUT_RESULT& output : answer.get_outputs()) {
-            inexact += output.m_error == RATIONAL() ? 0 : 1;
-        }
-        return inexact == 0
-                   ? "MET: every output is exact\n"
-                   : "MET within a thousandth: " + std::to_string(inexact) + " of " +
-                         std::to_string(answer.get_outputs().size()) + " outputs not exact\n";
+        return report_met(request, answer);
     }
     std::string text = "NOT MET\n";
     for (const std::string& line : explain_miss(request, answer)) {
