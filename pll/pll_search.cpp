@@ -64,7 +64,7 @@ public:
           m_limits(limits),
           m_result(result),
           m_ranking(pll, request, limits.m_wish.m_table_mode, limits.m_spread, trace),
-          m_rejection(pll, request),
+          m_rejection(pll, request, limits.m_m_max),
           m_tracing(trace != nullptr),
           m_candidate(request.m_taps_count, PLL_MAX_TAPS),
           m_cut_off(std::int64_t{limits.m_m_max} + 1)
@@ -82,6 +82,7 @@ private:
     bool is_past_the_end(const ROW_PERIODS& periods, const ROW& row) const;
     void visit_row(int m, const ROW_PERIODS& periods, const ROW& row);
     void visit_window(int m, const ROW_PERIODS& periods, N_RANGE window);
+    void visit_block(int m, const ROW_PERIODS& periods, N_RANGE block);
     N_RANGE narrow_to_second_input(int m, N_RANGE window) const;
     void evaluate(int m, int n, double vco_period);
     void compete(int m, const ROW_PERIODS& periods, std::int64_t n);
@@ -187,8 +188,22 @@ void SEARCH::visit_window(int m, const ROW_PERIODS& periods, N_RANGE window)
     if (m_limits.m_fin2_period > 0) {
         window = narrow_to_second_input(m, window);
     }
-    for (std::int64_t n = window.m_first; n <= window.m_last; ++n) {
-        if (m_tracing || !m_rejection.rejects(m, int(n), m_result->m_best_error)) {
+    if (m_tracing) {
+        for (std::int64_t n = window.m_first; n <= window.m_last; ++n) {
+            evaluate(m, int(n), periods.vco(n));
+        }
+        return;
+    }
+    for (std::int64_t n = window.m_first; n <= window.m_last; n += REJECTION::LANES) {
+        visit_block(m, periods, {n, std::min(window.m_last, n + REJECTION::LANES - 1)});
+    }
+}
+
+void SEARCH::visit_block(int m, const ROW_PERIODS& periods, N_RANGE block)
+{
+    std::uint32_t alive = m_rejection.may_win(m, block.m_first, m_result->m_best_error);
+    for (std::int64_t n = block.m_first; alive != 0 && n <= block.m_last; ++n, alive >>= 1U) {
+        if ((alive & 1U) != 0 && !m_rejection.rejects(m, int(n), m_result->m_best_error)) {
             evaluate(m, int(n), periods.vco(n));
         }
     }
