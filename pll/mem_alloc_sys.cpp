@@ -143,6 +143,6 @@ MEM_INITIALIZER::MEM_INITIALIZER()
 
 namespace {
 
-const MEM_INITIALIZER library_accounts;
+const MEM_INITIALIZER LIBRARY_ACCOUNTS;
 
 }  // namespace
