@@ -15,6 +15,8 @@ constexpr int SMALLEST_COUNTER = 2;
 constexpr int TOO_FAST_PERIOD = 700;  // ps, shorter than any VCO period
 constexpr int NEAR_MULT = 3001;       // prime and out of reach of any counter
 constexpr int NEAR_DIV = 3000;
+constexpr int CROWDED_MULT = 1009;  // likewise
+constexpr int ROOM_FOR_OUTPUTS = 8;
 
 // Ratios to the VCO that have no common multiple a VCO could run at.
 constexpr int UNRELATED_MULTS[PLL_MAX_TAPS] = {101, 103, 107, 109, 113, 127, 131, 137, 139, 149};
@@ -33,9 +35,11 @@ const char* name_of(BENCH_DEMAND demand)
     case BENCH_DEMAND::NEAR:
         return "near";
     case BENCH_DEMAND::MISSED:
+        return "missed";
+    case BENCH_DEMAND::CROWDED:
         break;
     }
-    return "missed";
+    return "near";
 }
 
 // The N that brings the VCO closest to its centre with an M of BASE_M.
@@ -56,6 +60,13 @@ int base_n(const PLL& pll, int fin_period)
     return best;
 }
 
+// The slowest clock that counters of two full halves can make of any legal VCO.
+int crowded_division(const PLL& pll, int fin_period)
+{
+    const int largest_count = pll.m_taps[0].m_max_count * 2 - ROOM_FOR_OUTPUTS;
+    return largest_count * (pll.m_vco_min_period[1] - 1) / fin_period;
+}
+
 void ask_for(PLL_USER_TAP* tap, int mult, int div)
 {
     const int divisor = std::gcd(mult, div);
@@ -72,8 +83,9 @@ const char* name_of(BENCH_LIMITS limits)
 
 std::string row_name(const BENCH_CASE& bench_case)
 {
-    return std::string("synthesis ") + name_of(bench_case.m_limits) + ' ' +
-           name_of(bench_case.m_bandwidth) + ' ' + name_of(bench_case.m_demand) + ' ' +
+    const bool is_crowded = bench_case.m_demand == BENCH_DEMAND::CROWDED;
+    return std::string(is_crowded ? "crowded " : "synthesis ") + name_of(bench_case.m_limits) +
+           ' ' + name_of(bench_case.m_bandwidth) + ' ' + name_of(bench_case.m_demand) + ' ' +
            std::to_string(bench_case.m_outputs) +
            (bench_case.m_outputs == 1 ? " output" : " outputs");
 }
@@ -109,6 +121,9 @@ PLL_PROP make_request(const BENCH_CASE& bench_case, const PLL& pll)
             ask_for(tap, BASE_M, n * counter);
         } else if (bench_case.m_demand == BENCH_DEMAND::NEAR) {
             ask_for(tap, BASE_M * NEAR_MULT, n * counter * NEAR_DIV);
+        } else if (bench_case.m_demand == BENCH_DEMAND::CROWDED) {
+            const int division = crowded_division(pll, bench_case.m_fin_period);
+            ask_for(tap, CROWDED_MULT, CROWDED_MULT * division - counter);
         } else if (bench_case.m_outputs == 1) {
             ask_for(tap, bench_case.m_fin_period, TOO_FAST_PERIOD);
         } else {

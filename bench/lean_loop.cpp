@@ -152,7 +152,7 @@ public:
           m_job(job),
           m_cut_off(double(job.m_m_max) + 1.0),
           m_best_deviation(WORST),
-          m_best{false, false, 0, 0, 0, WORST, WORST}
+          m_best{false, false, 0, 0, 0, WORST, 0, WORST}
     {
     }
 
@@ -194,10 +194,11 @@ private:
         const ERRORS errors = errors_of(m_job, m, n);
         if (errors.m_sum != 0.0) {
             if (errors.m_sum < m_best.m_error) {
-                m_best = {true, false, post_scale, m, n, errors.m_sum, WORST};
+                m_best = {true, false, post_scale, m, n, errors.m_sum, 0, WORST};
             }
             return;
         }
+        ++m_best.m_met;
         double cost = 0.0;
         if (errors.m_relative > DBL_EPSILON) {
             cost += errors.m_relative / MET + COST_OF_INACCURACY;
@@ -207,7 +208,7 @@ private:
         cost += (post_scale - 1) * COST_OF_POST_SCALE;
         if (cost < m_best.m_cost ||
             (cost == m_best.m_cost && wins_tie(m_best, m_best_deviation, m, n, deviation))) {
-            m_best = {true, true, post_scale, m, n, 0.0, cost};
+            m_best = {true, true, post_scale, m, n, 0.0, m_best.m_met, cost};
             m_best_deviation = deviation;
         }
     }

@@ -21,6 +21,7 @@ struct LEAN_ANSWER
     int m_m;
     int m_n;
     double m_error;  // sum of the errors of the frequency ratios
+    int m_met;       // candidates that meet every clock within a thousandth
     double m_cost;   // of the clocks that are met, but not to the last digit
 };
 
