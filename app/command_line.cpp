@@ -182,8 +182,10 @@ void add_options(const COMMAND_ENTRY& entry, CLI::App* app, COMMAND_LINE* line)
     if (text.find("missing") != std::string::npos) {
         throw USAGE_ERROR(name, "needs a value");
     }
-    const bool is_flag = text.find("override") != std::string::npos;
-    throw USAGE_ERROR(name, is_flag ? "takes no value" : "may be given once");
+    if (text.find("override") != std::string::npos) {
+        throw USAGE_ERROR("--" + name, "takes no value");
+    }
+    throw USAGE_ERROR(name, "may be given once");
 }
 
 std::string write_help(const COMMAND_ENTRY& entry, CLI::App* app)

@@ -42,8 +42,28 @@ int nearest_post_scale(const REQUEST& request, const PLL& pll)
     return nearest;
 }
 
-// Every pair of M and N in the ranges was barred: by what.
-void explain_barred(const REQUEST& request, const PLL& pll, LINES* lines)
+// A wish that can rule M and N out, and how to do without it.
+struct OBSTACLE
+{
+    const char* m_name;
+    void (*m_remove)(PLL_PROP* prop);
+};
+
+const OBSTACLE OBSTACLES[] = {
+    {"the bandwidth", [](PLL_PROP* prop) { prop->m_bandwidth_type = BANDWIDTH_AUTO; }},
+    {"the spread", [](PLL_PROP* prop) { prop->m_down_spread = 0.0; }},
+    {"the second input", [](PLL_PROP* prop) { prop->m_fin2_period = 0; }},
+};
+
+bool has_candidates(const REQUEST& request, const PLL_PROP& prop)
+{
+    PLL pll(prop.m_taps_count, request.m_max_outputs);
+    return pll.synthesize(prop) || pll.m_error != PLL::PLL_M_N_NOT_FOUND;
+}
+
+// Asks the library again without each of the wishes that can rule M and N out, then without any.
+// False when that finds no M and N either.
+bool explain_obstacles(const REQUEST& request, const PLL& pll, LINES* lines)
 {
     const double spread = request.m_prop.m_down_spread;
     if (spread > 0.0 && spread * pll.m_m.m_max_count < 1.0) {
@@ -51,22 +71,25 @@ void explain_barred(const REQUEST& request, const PLL& pll, LINES* lines)
                          "is at most " +
                          std::to_string(pll.m_m.m_max_count) + ", so the spread at least " +
                          format_short(PERCENT / pll.m_m.m_max_count, PERCENT_DECIMALS) + " %");
-        return;
+        return true;
     }
-    std::string causes;
-    if (request.m_prop.m_bandwidth_type != BANDWIDTH_AUTO) {
-        causes += ", the bandwidth";
+    PLL_PROP without_any = request.m_prop;
+    for (const OBSTACLE& obstacle : OBSTACLES) {
+        PLL_PROP without = request.m_prop;
+        obstacle.m_remove(&without);
+        obstacle.m_remove(&without_any);
+        if (has_candidates(request, without)) {
+            lines->push_back("missed: " + std::string(obstacle.m_name) +
+                             "; without it there are M and N for the VCO and PFD ranges");
+            return true;
+        }
     }
-    if (spread > 0.0) {
-        causes += ", the spread";
+    if (has_candidates(request, without_any)) {
+        lines->push_back("missed: bandwidth, spread and second input taken together; without them "
+                         "there are M and N");
+        return true;
     }
-    if (request.m_input2) {
-        causes += ", the second input";
-    }
-    if (!causes.empty()) {
-        causes.erase(0, 2);
-        lines->push_back("every M and N in the VCO and PFD ranges is ruled out by: " + causes);
-    }
+    return false;
 }
 
 // "10 MHz, 2 MHz below its range of 12 to 100 MHz", of a period outside its range.
@@ -81,8 +104,7 @@ std::string miss_of_period(double period, int min_period, int max_period)
 
 void explain_no_candidate(const REQUEST& request, const PLL& pll, LINES* lines)
 {
-    if (pll.get_m() == 1) {
-        explain_barred(request, pll, lines);
+    if (explain_obstacles(request, pll, lines)) {
         return;
     }
     const int post_scale = nearest_post_scale(request, pll);
@@ -96,9 +118,6 @@ void explain_no_candidate(const REQUEST& request, const PLL& pll, LINES* lines)
         (vco_misses ? ", with the VCO at " + miss_of_period(vco_period, min_period, max_period)
                     : ", with the PFD at " +
                           miss_of_period(pfd_period, pll.m_pfd_min_period, pll.m_pfd_max_period)));
-    if (request.m_input2) {
-        lines->push_back("the second input has to meet the same ranges with the same M and N");
-    }
     lines->push_back("missed: all outputs; without a VCO frequency none of them could be tried");
 }
 

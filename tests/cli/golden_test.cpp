@@ -1,0 +1,81 @@
+// Transcripts of the program: files of "$ pllcalc ..." lines, each followed by what the program
+// writes to standard output, to standard error, and its exit status. PLL_UPDATE_GOLDEN=1 writes
+// them anew.
+
+#include "program.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+namespace {
+
+const std::string PROMPT = "$ pllcalc";
+
+std::string read_file(const std::filesystem::path& path)
+{
+    std::ifstream stream(path);
+    std::ostringstream text;
+    text << stream.rdbuf();
+    return text.str();
+}
+
+// The transcript with its commands run anew; lines before the first command are kept.
+std::string replay(const std::string& transcript)
+{
+    std::string text;
+    bool in_header = true;
+    for (const std::string& line : split(transcript, '\n')) {
+        if (line.rfind(PROMPT, 0) == 0) {
+            in_header = false;
+            const std::string words =
+                line.size() > PROMPT.size() ? line.substr(PROMPT.size() + 1) : std::string();
+            const RUN run = run_pllcalc(words);
+            text += line + "\n" + run.m_output + run.m_errors + "[exit status " +
+                    std::to_string(run.m_status) + "]\n\n";
+        } else if (in_header) {
+            text += line + "\n";
+        }
+    }
+    return text;
+}
+
+std::vector<std::string> list_transcripts()
+{
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(PLL_CLI_GOLDEN_DIR)) {
+        names.push_back(entry.path().filename().string());
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+class CliTranscript : public testing::TestWithParam<std::string>
+{
+};
+
+TEST_P(CliTranscript, IsWhatTheProgramWrites)
+{
+    const std::filesystem::path path = std::filesystem::path(PLL_CLI_GOLDEN_DIR) / GetParam();
+    const std::string expected = read_file(path);
+    const std::string actual = replay(expected);
+    ASSERT_NE(std::string::npos, expected.find(PROMPT));
+    if (std::getenv("PLL_UPDATE_GOLDEN") != nullptr) {
+        std::ofstream(path) << actual;
+    } else {
+        EXPECT_EQ(expected, actual);
+    }
+}
+
+std::string name_of(const testing::TestParamInfo<std::string>& info)
+{
+    return info.param.substr(0, info.param.find('.'));
+}
+
+INSTANTIATE_TEST_SUITE_P(All, CliTranscript, testing::ValuesIn(list_transcripts()), name_of);
+
+}  // namespace

@@ -1,0 +1,193 @@
+// The program's tables, its output device, and internal errors of the library.
+
+#include "program.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+namespace {
+
+constexpr std::size_t TABLE_WIDTH = 100;
+
+const char* const WIDE_REQUESTS[] = {
+    "--in 27MHz --out 148.5MHz --out 74.25MHz,phase=90,duty=40 --out 24.576MHz",
+    "--in 100MHz --out 50MHz,phase=-360,delay=-1500,duty=99 --out 50MHz,phase=360,delay=1500",
+    "--in 1000MHz --out 1000MHz,phase=-123.456,duty=1,delay=-3000 --in2 999.999999MHz",
+    "--in 1001/37MHz --out ratio=2147483647/2147483646 --bandwidth 999.999MHz",
+    "--in 100MHz --out 50MHz,even,even-count,duty=37 --spread 0.5% --spread-rate 30kHz --feedback "
+    "1",
+};
+
+TEST(CliTable, FitsAHundredColumnsButForTheLibrarysTexts)
+{
+    for (const char* request : WIDE_REQUESTS) {
+        for (const char* command : {"synth ", "steps "}) {
+            SCOPED_TRACE(std::string(command) + request);
+            const RUN run = run_pllcalc(std::string(command) + request);
+            EXPECT_GE(1, run.m_status);
+            for (const std::string& line : split(run.m_output, '\n')) {
+                if (line.rfind("error ", 0) != 0) {
+                    EXPECT_GE(TABLE_WIDTH, line.size()) << line;
+                }
+                EXPECT_TRUE(line.empty() || line.back() != ' ') << '"' << line << '"';
+            }
+        }
+    }
+    for (const char* command : {"--help", "synth --help", "steps --help", "dump --help",
+                                "ratios --help", "errors --help", "ratios --in 100MHz"}) {
+        for (const std::string& line : split(run_pllcalc(command).m_output, '\n')) {
+            EXPECT_GE(TABLE_WIDTH, line.size()) << line;
+        }
+    }
+}
+
+// The cells of the first row below the line that contains `head`, `heads` lines below it.
+std::vector<std::string> first_row(const std::string& output, const std::string& head, int heads)
+{
+    std::vector<std::string> cells;
+    const std::vector<std::string> lines = split(output, '\n');
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+        if (lines[i].find(head) != std::string::npos &&
+            i + static_cast<std::size_t>(heads) < lines.size()) {
+            for (const std::string& cell : split(lines[i + static_cast<std::size_t>(heads)], ' ')) {
+                if (!cell.empty()) {
+                    cells.push_back(cell);
+                }
+            }
+            return cells;
+        }
+    }
+    return cells;
+}
+
+TEST(CliTable, FrequenciesFollowFromTheCountersThatItShows)
+{
+    for (const char* request :
+         {"--in 27MHz --out 148.5MHz", "--in 10ns --out 33MHz", "--in 19.2MHz --out 61.44MHz",
+          "--in 100MHz --out 50MHz --feedback 1", "--in 66.666MHz --out 1.5MHz"}) {
+        SCOPED_TRACE(request);
+        const std::string output = run_pllcalc(std::string("synth ") + request).m_output;
+        const std::vector<std::string> loop = first_row(output, "post-scale", 2);
+        const std::vector<std::string> clock = first_row(output, "ratio ", 2);
+        const std::vector<std::string> counter = first_row(output, "fed by", 4);
+        ASSERT_LE(6U, loop.size());
+        ASSERT_LE(5U, clock.size());
+        ASSERT_LE(3U, counter.size());
+        const double vco = std::atof(loop[4].c_str() + (loop[4][0] == '~' ? 1 : 0));
+        const double achieved = std::atof(clock[2].c_str() + (clock[2][0] == '~' ? 1 : 0));
+        EXPECT_NEAR(achieved, vco / std::atoi(counter[2].c_str()), 1e-6);
+        const double pfd = std::atof(loop[3].c_str() + (loop[3][0] == '~' ? 1 : 0));
+        const int feedback =
+            loop.size() > 6 && loop[6] == "output" ? std::atoi(counter[2].c_str()) : 1;
+        EXPECT_NEAR(vco, pfd * std::atoi(loop[1].c_str()) * feedback, 1e-3);
+    }
+}
+
+TEST(CliSteps, StepByTheLibrarysResolutions)
+{
+    // VCO 600 MHz: M 6, N 1, so 45 x 1 / 6 degrees a step; a count of 12, so 50 / 12 percent.
+    const RUN run = run_pllcalc("steps --in 100MHz --out 50MHz,phase=45");
+    EXPECT_EQ(0, run.m_status);
+    EXPECT_NE(std::string::npos, run.m_output.find("\n   0  45.000  50.000  <- the answer\n"));
+    EXPECT_NE(std::string::npos, run.m_output.find("\n  +1  52.500  54.167\n"));
+    EXPECT_NE(std::string::npos, run.m_output.find("\n  -1  37.500  45.833\n"));
+    EXPECT_NE(std::string::npos, run.m_output.find("\n  +5  82.500  70.833\n"));
+    EXPECT_NE(std::string::npos, run.m_output.find("\n  -5   7.500  29.167\n"));
+}
+
+TEST(CliSteps, StayWithinTheLibrarysBounds)
+{
+    const RUN run = run_pllcalc("steps --in 100MHz --out 100MHz,phase=352.5,duty=75");
+    EXPECT_NE(std::string::npos, run.m_output.find("\n   0  352.500  75.000  <- the answer\n"));
+    EXPECT_NE(std::string::npos, run.m_output.find("\n  +1  360.000  83.333\n"));
+    EXPECT_NE(std::string::npos, run.m_output.find("\n  +2        -       -\n")) << run.m_output;
+}
+
+TEST(CliRatios, AreSortedReducedAndComplete)
+{
+    const RUN run = run_pllcalc("ratios --in 100MHz --format csv");
+    EXPECT_EQ(0, run.m_status);
+    const std::vector<std::string> lines = split(run.m_output, '\n');
+    ASSERT_LT(2U, lines.size());
+    EXPECT_EQ("vco_mult,vco_div,vco_mhz", lines[0]);
+    EXPECT_EQ("3,1,300.000000", lines[1]);
+    EXPECT_EQ("10,1,1000.000000", lines.back());
+    double last = 0.0;
+    for (std::size_t i = 1; i < lines.size(); ++i) {
+        const std::vector<std::string> cells = split(lines[i], ',');
+        ASSERT_EQ(3U, cells.size());
+        const double ratio = std::atof(cells[0].c_str()) / std::atof(cells[1].c_str());
+        EXPECT_LT(last, ratio);
+        EXPECT_NEAR(100.0 * ratio, std::atof(cells[2].c_str()), 1e-6);
+        last = ratio;
+    }
+    const std::string table = run_pllcalc("ratios --in 100MHz").m_output;
+    EXPECT_NE(std::string::npos, table.find(std::to_string(lines.size() - 1) + " ratios\n"));
+}
+
+TEST(CliRatios, NoneIsNotMet)
+{
+    const RUN run = run_pllcalc("ratios --in 1MHz");
+    EXPECT_EQ(1, run.m_status);
+    EXPECT_EQ("pllcalc: no VCO ratio can be realised from this input clock\n", run.m_errors);
+}
+
+TEST(CliOutputDevice, ReaderThatWentAwayIsNoError)
+{
+    const RUN met = run_program(PLLCALC, {"ratios", "--in", "100MHz"}, OUTPUT_TO::READER_GONE);
+    EXPECT_EQ(0, met.m_status);
+    EXPECT_EQ("", met.m_errors);
+    const RUN not_met =
+        run_program(PLLCALC, {"synth", "--in", "1MHz", "--out", "1kHz"}, OUTPUT_TO::READER_GONE);
+    EXPECT_EQ(1, not_met.m_status);
+    EXPECT_EQ("", not_met.m_errors);
+}
+
+TEST(CliOutputDevice, FailureIsToldByStatusFour)
+{
+    for (const char* command : {"errors", "--help", "--version"}) {
+        SCOPED_TRACE(command);
+        const RUN full = run_program(PLLCALC, {command}, OUTPUT_TO::FULL_DEVICE);
+        EXPECT_EQ(4, full.m_status);
+        EXPECT_EQ("pllcalc: cannot write the output: No space left on device\n", full.m_errors);
+        EXPECT_EQ(4, run_program(PLLCALC, {command}, OUTPUT_TO::CLOSED).m_status);
+    }
+}
+
+TEST(CliInternalErrors, ArePrintedWithTheirFourItemsAndWinOverMetAndNotMet)
+{
+    const std::string reports =
+        "pllcalc: internal error: first condition (component PLL, source pll, line 11)\n"
+        "pllcalc: internal error: second condition (component PLL, source pll_util, line 22)\n";
+    const RUN met =
+        run_program(PLLCALC_ON_BROKEN_LIBRARY, {"synth", "--in", "100MHz", "--out", "100MHz"});
+    EXPECT_EQ(5, met.m_status);
+    EXPECT_EQ(reports, met.m_errors);
+    EXPECT_EQ(0U, met.m_output.find("MET: "));
+    const RUN not_met = run_program(PLLCALC_ON_BROKEN_LIBRARY, {"synth", "--in", "100MHz", "--out",
+                                                                "100MHz", "--out", "50MHz"});
+    EXPECT_EQ(5, not_met.m_status);
+    EXPECT_EQ(reports, not_met.m_errors);
+    EXPECT_EQ(0U, not_met.m_output.find("NOT MET\n"));
+}
+
+TEST(CliInternalErrors, YieldToUsageAndOutputFailures)
+{
+    EXPECT_EQ(2, run_program(PLLCALC_ON_BROKEN_LIBRARY, {"synth", "--in", "100MHz"}).m_status);
+    EXPECT_EQ(4, run_program(PLLCALC_ON_BROKEN_LIBRARY,
+                             {"synth", "--in", "100MHz", "--out", "100MHz"}, OUTPUT_TO::FULL_DEVICE)
+                     .m_status);
+}
+
+TEST(CliLocale, DoesNotMatter)
+{
+    const std::string plain = run_pllcalc("synth --in 27MHz --out 24.576MHz").m_output;
+    setenv("LC_ALL", "de_DE.UTF-8", 1);
+    const std::string german = run_pllcalc("synth --in 27MHz --out 24.576MHz").m_output;
+    unsetenv("LC_ALL");
+    EXPECT_NE("", plain);
+    EXPECT_EQ(plain, german);
+}
+
+}  // namespace

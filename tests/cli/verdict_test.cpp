@@ -1,0 +1,79 @@
+// Whether a request counts as met, and what is said when it does not.
+
+#include "program.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+struct VERDICT_CASE
+{
+    const char* m_request;
+    int m_status;
+    const char* m_text;
+};
+
+// 27 MHz gives 24.576 MHz as 223/245 at best: 223 x 1125 / (245 x 1024) - 1 = -5 / 250880, so
+// -19929.8 ppb.
+// clang-format off
+constexpr VERDICT_CASE VERDICT_CASES[] = {
+    // request                                                   status  text
+    {"--in 27MHz --out 148.5MHz",                                     0, "MET: every output is exact\n"},
+    {"--in 27MHz --out 148.5MHz --exact",                             0, "MET: every output is exact\n"},
+    {"--in 27MHz --out 24.576MHz",                                    0, "MET within a thousandth: 1 of 1 outputs not exact, at most -19.9 ppm\n"},
+    {"--in 27MHz --out 24.576MHz",                                    0, "  -19.9 ppm\n"},
+    {"--in 27MHz --out 24.576MHz --tolerance 50ppm",                  0, "MET within 50 ppm: "},
+    {"--in 27MHz --out 24.576MHz --tolerance 0.005%",                 0, "MET within 50 ppm: "},
+    {"--in 27MHz --out 24.576MHz --tolerance 5/250880000000000%",     1, "NOT MET\n"},
+    {"--in 27MHz --out 24.576MHz --tolerance 5000000/250880ppm",      0, "MET within 19.9 ppm: "},
+    {"--in 27MHz --out 24.576MHz --tolerance 4999999/250880ppm",      1, "NOT MET\n"},
+    {"--in 27MHz --out 24.576MHz --tolerance 19930ppb",               0, "MET within 19.9 ppm: "},
+    {"--in 27MHz --out 24.576MHz --tolerance 19929ppb",               1, "NOT MET\nThe library takes every output for met; the tolerance asked for is 19.9 ppm.\n"},
+    {"--in 27MHz --out 24.576MHz --tolerance 10ppm",                  1, "missed: output 1, closest ~24.57551 MHz instead of 24.576 MHz, -19.9 ppm\n"},
+    {"--in 27MHz --out 24.576MHz --tolerance 10ppm",                  1, "This answer misses it, which does not say that no other setting meets it.\n"},
+    {"--in 27MHz --out 24.576MHz --tolerance 0ppm",                   1, "exact ones were asked for.\n"},
+    {"--in 27MHz --out 24.576MHz --exact",                            1, "-19.9 ppm  MISSED\n"},
+    {"--in 27MHz --out 148.5000001MHz --exact",                       1, "-0.7 ppb  MISSED\n"},
+    {"--in 27MHz --out 148.5MHz --out 24.576MHz",                     1, "error 4: Division and Multiplication cannot be achieved\nmissed: output 2, closest "},
+    {"--in 100MHz --out 10kHz",                                       1, "error 3: Post divider maximum count value exceeded. (Reduce division value or Fin frequency)\nmissed: output 1, closest "},
+    {"--in 100MHz --out 10kHz",                                       1, "; its counter is at its largest count\n"},
+    {"--in 100MHz --out 50MHz --vco-ratio 2001/2",                    1, "missed: the VCO ratio 2001/2, closest 10\n"},
+    {"--in 100MHz --out 700MHz --out 300MHz --feedback 2",            1, "; it is the feedback\n"},
+    {"--in 1MHz --out 1kHz",                                          1, "error 1: No combination of counter values of M and the pre-divider N satisfy VCO and PFD ranges, for requested clock synthesis\nclosest: M 300, N 1, with the PFD at 1 MHz, 2 MHz below its range of 3 to 666.667 MHz\nmissed: all outputs"},
+    {"--in 500kHz --out 1MHz",                                        1, "with the VCO at 256 MHz, 43.94 MHz below its range of 299.94 to 1000 MHz\n"},
+    {"--in 100MHz --in2 1MHz --out 50MHz",                            1, "missed: the second input; without it there are M and N for the VCO and PFD ranges\n"},
+    {"--in 100MHz --out 50MHz --bandwidth 1GHz",                      1, "missed: the bandwidth; without it there are M and N for the VCO and PFD ranges\n"},
+    {"--in 100MHz --in2 1MHz --out 50MHz --bandwidth 1GHz",           1, "missed: bandwidth, spread and second input taken together; without them there are M and N\n"},
+    {"--in 100MHz --out 50MHz --spread 0.1%",                         1, "M is at most 512, so the spread at least 0.195 %\n"},
+    {"--in 100MHz --out 50MHz,delay=-3000 --out 50MHz,delay=1",       1, "error 5: Maximum Delay differs too much from Minimum Delay\nmissed: the delay of output 2 is 3001 ps above that of output 1, 1 ps more than the 3000 ps"},
+    {"--in 100MHz --out 50MHz,delay=-3000 --out 50MHz,delay=0",       0, "MET"},
+    {"--in 100MHz --out 50MHz --spread 0.601%",                       1, "error 7: Requested Spread Spectrum value is too high\nmissed: a spread of 0.601 % is asked for, legal are at most 0.6 %\n"},
+    {"--in 100MHz --out 50MHz --spread 0.6%",                         0, "MET"},
+    {"--in 1001MHz --out 50MHz",                                      1, "error 8: Requested input clock frequency does not satisfy the valid frequency range\nmissed: the input runs at 1001 MHz, legal are at most 1000 MHz\n"},
+    {"--in 100MHz --in2 1001MHz --out 50MHz",                         1, "missed: "},
+};
+// clang-format on
+
+TEST(CliVerdict, IsSaidWithItsReasons)
+{
+    for (const VERDICT_CASE& c : VERDICT_CASES) {
+        SCOPED_TRACE(c.m_request);
+        const RUN run = run_pllcalc(std::string("synth ") + c.m_request);
+        EXPECT_EQ(c.m_status, run.m_status) << run.m_errors;
+        EXPECT_NE(std::string::npos, run.m_output.find(c.m_text)) << run.m_output;
+        EXPECT_EQ("", run.m_errors);
+        EXPECT_EQ(0U, run.m_output.find(c.m_status == 0 ? "MET" : "NOT MET\n"))
+            << "the verdict stands first";
+    }
+}
+
+TEST(CliVerdict, IsTheSameForEveryCommandThatTakesARequest)
+{
+    for (const VERDICT_CASE& c : VERDICT_CASES) {
+        SCOPED_TRACE(c.m_request);
+        EXPECT_EQ(c.m_status, run_pllcalc(std::string("steps ") + c.m_request).m_status);
+        EXPECT_EQ(c.m_status, run_pllcalc(std::string("dump ") + c.m_request).m_status);
+    }
+}
+
+}  // namespace

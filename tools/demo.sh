@@ -1,0 +1,33 @@
+#!/usr/bin/env bash
+# demo.sh PLLCALC: three requests of a board designer and one that is impossible, with the answers.
+set -euo pipefail
+
+if [[ $# -ne 1 || ! -x $1 ]]; then
+    echo "usage: demo.sh PLLCALC" >&2
+    exit 2
+fi
+pllcalc=$1
+
+# show STATUS TITLE WORD...: runs a request, which must end with the status.
+show() {
+    local expected=$1 title=$2 status=0
+    shift 2
+    printf '\n=== %s\n\n$ pllcalc %s\n\n' "$title" "$*"
+    "$pllcalc" "$@" || status=$?
+    if [[ $status -ne $expected ]]; then
+        echo "demo.sh: exit status $status instead of $expected" >&2
+        exit 1
+    fi
+}
+
+show 0 "A video clock pair from a 27 MHz crystal, the second in quadrature to the first" \
+    synth --in 27MHz --out 148.5MHz --out 148.5MHz,phase=90
+
+show 0 "An audio clock from the video crystal: not exact, but within 50 ppm" \
+    synth --in 27MHz --out 24.576MHz --tolerance 50ppm
+
+show 0 "A low-bandwidth clock whose spectrum is spread by half a percent" \
+    synth --in 100MHz --out 50MHz --spread 0.5% --spread-rate 30kHz --bandwidth low
+
+show 1 "Video and audio clocks from one PLL: impossible, with what comes closest" \
+    synth --in 27MHz --out 148.5MHz --out 24.576MHz
