@@ -1,0 +1,305 @@
+// The choice of a row of the bandwidth table, by cost.
+#include "error_guard.h"
+#include "pll.h"
+#include "pll_prop.h"
+#include "pll_util.h"
+#include "synthesis_builders.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <vector>
+
+namespace {
+
+constexpr double MEGAHERTZ = 1e6;
+constexpr double NOTHING_CHOSEN = 2147483647.0;
+
+// M 4, N 1 from 10000 ps. With a PFD multiplier of 10 the limit is 10 MHz.
+struct TABLE_PLL
+{
+    explicit TABLE_PLL(int size) : m_device(size), m_pll(1, PLL_MAX_TAPS), m_request(1)
+    {
+        m_device.describe(m_pll);
+        m_device.m_info.m_bandwidth_pfd_min_frequency_multiplier = 10;
+        m_pll.m_m.m_count = 4;
+        m_request.m_fin_period = 10000;
+    }
+
+    // The row's resistor tells which one was chosen.
+    void add_row(int resistor, double typical, double fast)
+    {
+        m_device.add_row(4, typical * MEGAHERTZ, fast * MEGAHERTZ)->m_loop_filter_resistor =
+            resistor;
+    }
+
+    bool choose() { return PLL::synthesize_best_bandwidth_using_table(&m_pll, m_request); }
+
+    DEVICE m_device;
+    PLL m_pll;
+    PLL_PROP m_request;
+};
+
+TEST(BandwidthRow, IsTheFirstWithoutCost)
+{
+    TABLE_PLL box(5);
+    box.add_row(1, 1.0, 2.0);
+    box.add_row(2, 1.0, 1.0);
+    EXPECT_TRUE(box.choose());
+    EXPECT_EQ(1.0, box.m_pll.m_r);
+    EXPECT_EQ(40.0, box.m_pll.m_i);
+    EXPECT_EQ(0.0, box.m_pll.m_cost);
+    EXPECT_TRUE(box.m_pll.m_bandwidth_legal_for_mult_div);
+    EXPECT_TRUE(box.m_pll.m_bandwidth_legal_for_fin);
+}
+
+TEST(BandwidthRow, GivesItsCapacitorOnlyWhereItHasOne)
+{
+    TABLE_PLL box(5);
+    PLL_BANDWIDTH_SETTING* row = box.m_device.add_row(4, 1e6, 1e6);
+    EXPECT_TRUE(box.choose());
+    EXPECT_EQ(10.0, box.m_pll.m_c_high);
+    row->m_loop_filter_capacitor = 0;
+    EXPECT_TRUE(box.choose());
+    EXPECT_EQ(0.0, box.m_pll.m_c_high);
+    row->m_loop_filter_capacitor = 25;
+    EXPECT_TRUE(box.choose());
+    EXPECT_EQ(25.0, box.m_pll.m_c_high);
+}
+
+void expect_nothing_chosen(TABLE_PLL& box)
+{
+    box.m_pll.m_cost = 1.0;
+    box.m_pll.m_bandwidth_legal_for_mult_div = true;
+    EXPECT_FALSE(box.choose());
+    EXPECT_FALSE(box.m_pll.m_bandwidth_legal_for_mult_div);
+    EXPECT_TRUE(box.m_pll.m_bandwidth_legal_for_fin);
+    EXPECT_EQ(1.0 + NOTHING_CHOSEN, box.m_pll.m_cost);
+    EXPECT_EQ(1020.5, box.m_pll.m_r);
+    EXPECT_EQ(50.0, box.m_pll.m_i);
+}
+
+TEST(BandwidthRow, IsMissingBeyondTheTable)
+{
+    TABLE_PLL box(4);
+    expect_nothing_chosen(box);
+}
+
+TEST(BandwidthRow, IsMissingInAnEmptyGroup)
+{
+    TABLE_PLL box(5);
+    expect_nothing_chosen(box);
+}
+
+TEST(BandwidthRow, IsMissingWithoutTableOrDeviceOrForANegativeM)
+{
+    TABLE_PLL none(0);
+    expect_nothing_chosen(none);
+    TABLE_PLL no_device(5);
+    no_device.m_pll.m_info.m_basic_info = nullptr;
+    expect_nothing_chosen(no_device);
+    TABLE_PLL negative(5);
+    negative.m_pll.m_m.m_count = -1;
+    expect_nothing_chosen(negative);
+}
+
+TEST(BandwidthRow, IsNotChosenAtACostThatIsNoneAtAll)
+{
+    TABLE_PLL box(5);
+    box.add_row(1, std::numeric_limits<double>::infinity(), 1.0);
+    box.m_request.m_bandwidth_type = 4;
+    expect_nothing_chosen(box);
+}
+
+// ---- Effective M
+
+TEST(BandwidthRow, StandsInTheGroupOfTheEffectiveM)
+{
+    TABLE_PLL post_scale(9);
+    post_scale.m_device.add_row(8, 1e6, 1e6)->m_loop_filter_resistor = 8;
+    post_scale.m_pll.m_vco_post_scale = 2;
+    EXPECT_TRUE(post_scale.choose());
+    EXPECT_EQ(8.0, post_scale.m_pll.m_r);
+
+    TABLE_PLL feedback(13);
+    feedback.m_device.add_row(12, 1e6, 1e6)->m_loop_filter_resistor = 12;
+    feedback.m_pll.m_feedback_tap = 0;
+    feedback.m_pll.m_taps[0].m_bypass = false;
+    feedback.m_pll.m_taps[0].m_high = 2;
+    feedback.m_pll.m_taps[0].m_low = 1;
+    EXPECT_TRUE(feedback.choose());
+    EXPECT_EQ(12.0, feedback.m_pll.m_r);
+}
+
+TEST(BandwidthRow, IsReportedWhenItBelongsToAnotherM)
+{
+    TABLE_PLL box(5);
+    box.m_device.add_row(4, 1e6, 1e6)->m_m = 3;
+    EXPECTED_REPORTS reports;
+    EXPECT_TRUE(box.choose());
+    reports.expect_only("m == best_setting->m_m", "pll");
+    EXPECT_EQ(2000.0, box.m_pll.m_r);
+}
+
+// ---- PFD limits
+
+struct PFD_CASE
+{
+    const char* m_name;
+    double m_fast;  // MHz
+    int m_n;
+    int m_fin2;
+    bool m_legal;
+    double m_cost;
+};
+
+// The first input allows 10 MHz / N; a second one of 20000 ps half of that.
+// clang-format off
+constexpr PFD_CASE PFD_CASES[] = {
+    // name                          fast  N   fin2 legal  cost
+    {"at the limit",                 10.0, 1,     0, true,  0.0},
+    {"1 MHz above the limit",        11.0, 1,     0, false, 8519680.0},
+    {"N lowers the limit",            6.0, 2,     0, false, 8519680.0},
+    {"at the second limit",           5.0, 1, 20000, true,  0.0},
+    {"1 MHz above the second limit",  6.0, 1, 20000, false, 8519680.0},
+    {"above both limits",            11.0, 1, 20000, false, 8519680.0 + 8388608.0 + 786432.0},
+    {"a negative second input",      10.0, 1,    -1, true,  0.0},
+};
+// clang-format on
+
+TEST(BandwidthPfdRule, CostsMoreThanAnyPreset)
+{
+    for (const PFD_CASE& c : PFD_CASES) {
+        SCOPED_TRACE(c.m_name);
+        TABLE_PLL box(5);
+        box.add_row(1, 1.0, c.m_fast);
+        box.m_pll.m_n.m_count = c.m_n;
+        box.m_request.m_fin2_period = c.m_fin2;
+        EXPECT_TRUE(box.choose());
+        EXPECT_EQ(c.m_legal, box.m_pll.m_bandwidth_legal_for_fin);
+        EXPECT_TRUE(box.m_pll.m_bandwidth_legal_for_mult_div);
+        EXPECT_EQ(c.m_cost, box.m_pll.m_cost);
+    }
+}
+
+TEST(BandwidthPfdRule, NeverAppliesWithAMultiplierOfZero)
+{
+    TABLE_PLL box(5);
+    box.m_device.m_info.m_bandwidth_pfd_min_frequency_multiplier = 0;
+    box.add_row(1, 1.0, 1e30);
+    EXPECT_TRUE(box.choose());
+    EXPECT_TRUE(box.m_pll.m_bandwidth_legal_for_fin);
+    EXPECT_EQ(0.0, box.m_pll.m_cost);
+}
+
+TEST(BandwidthPfdRule, OutweighsThePreset)
+{
+    TABLE_PLL box(5);
+    box.m_request.m_bandwidth_type = 0;
+    box.add_row(1, 9.0, 11.0);  // breaks the rule
+    box.add_row(2, 0.1, 0.2);   // misses the preset by far
+    EXPECT_TRUE(box.choose());
+    EXPECT_EQ(2.0, box.m_pll.m_r);
+    EXPECT_TRUE(box.m_pll.m_bandwidth_legal_for_fin);
+}
+
+// ---- Wishes
+
+struct WISH_CASE
+{
+    const char* m_name;
+    int m_type;
+    std::vector<double> m_typical;  // MHz, row by row
+    int m_row;                      // from 1
+    double m_cost;
+};
+
+// Presets of 150 kHz and 2 MHz; a custom wish of 1 MHz.
+const WISH_CASE WISH_CASES[] = {
+    {"high: the first at or above the preset", 0, {1.5, 2.5}, 2, 0.0},
+    {"high: the preset itself", 0, {2.0}, 1, 0.0},
+    {"high: below", 0, {1.5}, 1, 196608.0},
+    {"medium: between the others", 1, {0.1, 2.5, 1.0}, 3, 0.0},
+    {"medium: the low preset itself", 1, {0.15}, 1, 0.0},
+    {"medium: the high preset itself", 1, {2.0}, 1, 0.0},
+    {"medium: below", 1, {0.025}, 1, 131072.0 + 16384.0},
+    {"medium: above", 1, {2.5}, 1, 196608.0},
+    {"low: below the preset", 2, {1.15, 0.1}, 2, 0.0},
+    {"low: the preset itself", 2, {0.15}, 1, 0.0},
+    {"low: above", 2, {1.15}, 1, 262144.0},
+    {"automatic: any", 3, {77.0, 1.0}, 1, 0.0},
+    {"custom: the nearest", 4, {0.5, 1.25}, 2, 32768.0},
+    {"custom: the first of two", 4, {0.9, 1.1}, 1, 13107.2},
+    {"custom: no fixed part", 4, {1.0}, 1, 0.0},
+};
+
+TEST(BandwidthWish, DecidesByItsCost)
+{
+    for (const WISH_CASE& c : WISH_CASES) {
+        SCOPED_TRACE(c.m_name);
+        TABLE_PLL box(5);
+        box.m_request.m_bandwidth_type = c.m_type;
+        box.m_request.m_bandwidth = 1e6;
+        int row = 0;
+        for (double typical : c.m_typical) {
+            box.add_row(++row, typical, 1.0);
+        }
+        EXPECT_TRUE(box.choose());
+        EXPECT_EQ(c.m_row, box.m_pll.m_r);
+        EXPECT_NEAR(c.m_cost, box.m_pll.m_cost, 1e-9);
+    }
+}
+
+TEST(BandwidthWish, IgnoresTheMediumPreset)
+{
+    TABLE_PLL box(5);
+    box.m_request.m_bandwidth_type = 1;
+    box.m_pll.m_medium_bandwidth = 5e7;
+    box.add_row(1, 1.0, 1.0);
+    EXPECT_TRUE(box.choose());
+    EXPECT_EQ(0.0, box.m_pll.m_cost);
+}
+
+TEST(BandwidthWish, TakesThePresetsOfThePll)
+{
+    TABLE_PLL box(5);
+    box.m_request.m_bandwidth_type = 0;
+    box.m_pll.m_high_bandwidth = 3e6;
+    box.add_row(1, 2.0, 1.0);
+    EXPECT_TRUE(box.choose());
+    EXPECT_EQ(262144.0, box.m_pll.m_cost);
+}
+
+TEST(BandwidthWish, IsReportedForEachRowWhenUnknown)
+{
+    for (int type : {5, -1}) {
+        TABLE_PLL box(5);
+        box.m_request.m_bandwidth_type = type;
+        box.add_row(1, 1.0, 11.0);  // breaks the rule, so that the next row is looked at
+        box.add_row(2, 1.0, 1.0);
+        box.add_row(3, 1.0, 1.0);  // not reached
+        EXPECTED_REPORTS reports;
+        EXPECT_TRUE(box.choose());
+        reports.expect_only("unknown bandwidth type", "pll", 2);
+        EXPECT_EQ(2.0, box.m_pll.m_r);
+    }
+}
+
+// ---- Components
+
+TEST(BandwidthComponents, AreAppendedAsTheyCome)
+{
+    PLL pll(1, 10);
+    pll.clear_rci();
+    PLL::add_i(7);
+    PLL::add_i(3);
+    PLL::add_i(7);
+    PLL::add_r(1);
+    PLL::add_c(5);
+    PLL::add_c(4);
+    EXPECT_EQ((MEM_VECTOR<int>{7, 3, 7}), PLL::m_impl->m_charge_pump_currents);
+    EXPECT_EQ((MEM_VECTOR<int>{1}), PLL::m_impl->m_resistors);
+    EXPECT_EQ((MEM_VECTOR<int>{5, 4}), PLL::m_impl->m_capacitors);
+}
+
+}  // namespace
