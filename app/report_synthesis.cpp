@@ -130,7 +130,7 @@ void append_counters(const ANSWER& answer, std::string* text)
                       {"initial", "", ALIGN::RIGHT},
                       {"VCO tap", "", ALIGN::RIGHT},
                       {"fed by", "", ALIGN::LEFT},
-                      {"delay", "ps", ALIGN::RIGHT}});
+                      {"delay ps", "", ALIGN::RIGHT}});
     const PLL& pll = answer.get_pll();
     add_loop_counter("N", pll.m_n, "input", &table);
     add_loop_counter(
