@@ -1,0 +1,214 @@
+// Huge counters with few legal counts: time follows the candidates, not the box they stand in.
+#include "error_guard.h"
+#include "mem_alloc_sys.h"
+#include "pll.h"
+#include "pll_prop.h"
+#include "synthesis_builders.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <limits>
+
+namespace {
+
+constexpr int MILLION = 1000000;
+constexpr int INT_MINIMUM = std::numeric_limits<int>::min();
+constexpr int INT_MAXIMUM = std::numeric_limits<int>::max();
+
+// A plain walk through these boxes takes hours or years; this is for a slow machine with
+// sanitizers.
+constexpr std::chrono::seconds ENOUGH(10);
+
+class STOP_WATCH
+{
+public:
+    STOP_WATCH() : m_start(std::chrono::steady_clock::now()) {}
+    ~STOP_WATCH() { EXPECT_GT(ENOUGH, std::chrono::steady_clock::now() - m_start); }
+    STOP_WATCH(const STOP_WATCH&) = delete;
+    STOP_WATCH& operator=(const STOP_WATCH&) = delete;
+
+private:
+    std::chrono::steady_clock::time_point m_start;
+};
+
+TEST(HostileSearch, FindsTheLegalFewAmongAMillionCounts)
+{
+    const STOP_WATCH watch;
+    SMALL_PLL box(1, MILLION, MILLION);
+    box.set_vco(1000, 1666, 3334);
+    box.set_pfd(1500, 333333);
+    EXPECT_TRUE(box.synthesize());
+    EXPECT_EQ(2, box.m_pll.get_m());
+    EXPECT_EQ(1, box.m_pll.get_n());
+}
+
+TEST(HostileSearch, FindsALargeMAndN)
+{
+    // VCO 1.0001 ns from 1 ps: M stands at N / 1000, and only an N of a million meets the PFD
+    // range.
+    const STOP_WATCH watch;
+    SMALL_PLL box(1, MILLION, MILLION);
+    box.set_vco(1000, 1000, 1000);
+    box.set_pfd(MILLION, MILLION);
+    box.m_pll.m_fin_min_period = 1;
+    box.m_request.m_fin_period = 1;
+    box.set_ratio(0, 1, 1000);
+    EXPECT_TRUE(box.synthesize());
+    EXPECT_EQ(1000, box.m_pll.get_m());
+    EXPECT_EQ(MILLION, box.m_pll.get_n());
+    EXPECT_TRUE(box.tap(0).m_bypass);
+}
+
+TEST(HostileSearch, FindsNothingInAMillionCounts)
+{
+    const STOP_WATCH watch;
+    SMALL_PLL box(1, MILLION, MILLION);
+    box.set_pfd(1, 3);
+    EXPECT_FALSE(box.synthesize());
+    EXPECT_EQ(PLL::PLL_M_N_NOT_FOUND, box.m_pll.m_error);
+    // M 2 with N 1 is the first whose VCO is in range.
+    EXPECT_EQ(2, box.m_pll.get_m());
+    EXPECT_EQ(1, box.m_pll.get_n());
+    EXPECT_EQ(2000.0, box.m_pll.get_vco_period());
+}
+
+TEST(HostileSearch, FindsTheClosestMissInAMillionCounts)
+{
+    // From 100 us even M 1000000 leaves a VCO period of 100 ps, 90 too many; M 990100 is the first
+    // of those that miss by 90 whole picoseconds.
+    const STOP_WATCH watch;
+    SMALL_PLL box(1, MILLION, MILLION);
+    box.set_vco(1, 5, 10);
+    box.set_pfd(1, 2000000000);
+    box.m_request.m_fin_period = 100000000;
+    EXPECT_FALSE(box.synthesize());
+    EXPECT_EQ(PLL::PLL_M_N_NOT_FOUND, box.m_pll.m_error);
+    EXPECT_EQ(1, box.m_pll.get_n());
+    EXPECT_EQ(990100, box.m_pll.get_m());
+    EXPECT_EQ(100000000.0 * 1 / 990100, box.m_pll.get_vco_period());
+}
+
+TEST(HostileSearch, StartsAtTheSmallestN)
+{
+    const STOP_WATCH watch;
+    SMALL_PLL box(1, 4, 4);
+    box.m_pll.m_n.m_min_count = INT_MINIMUM;
+    EXPECT_TRUE(box.synthesize());
+    EXPECT_EQ(2, box.m_pll.get_m());
+    EXPECT_EQ(1, box.m_pll.get_n());
+}
+
+TEST(HostileSearch, TakesTheLargestCounters)
+{
+    const STOP_WATCH watch;
+    SMALL_PLL box(1, INT_MAXIMUM, INT_MAXIMUM);
+    box.set_vco(1990, 2000, 2010);
+    box.set_pfd(1500, 5000);
+    EXPECT_TRUE(box.synthesize());
+    EXPECT_EQ(2, box.m_pll.get_m());
+    EXPECT_EQ(1, box.m_pll.get_n());
+}
+
+TEST(HostileSearch, TakesTheLargestCountersWithoutALegalPair)
+{
+    const STOP_WATCH watch;
+    SMALL_PLL box(1, INT_MAXIMUM, INT_MAXIMUM);
+    box.set_vco(PLL_UNSET_MAXIMUM, 1, PLL_UNSET_MINIMUM);
+    EXPECT_FALSE(box.synthesize());
+    EXPECT_EQ(PLL::PLL_M_N_NOT_FOUND, box.m_pll.m_error);
+}
+
+TEST(HostileSearch, TakesTheLargestCountersWithEveryMBarred)
+{
+    const STOP_WATCH watch;
+    SMALL_PLL box(1, INT_MAXIMUM, INT_MAXIMUM);
+    box.set_vco(1990, 2000, 2010);
+    box.set_pfd(1500, 5000);
+    box.m_request.m_bandwidth_type = 4;
+    box.m_request.m_bandwidth = 0.0;
+    EXPECT_FALSE(box.synthesize());
+    EXPECT_EQ(PLL::PLL_M_N_NOT_FOUND, box.m_pll.m_error);
+}
+
+TEST(HostileSearch, TakesTheLargestCountersWithASpread)
+{
+    const STOP_WATCH watch;
+    SMALL_PLL box(1, INT_MAXIMUM, INT_MAXIMUM);
+    box.set_vco(1490, 1500, 1510);
+    box.m_request.m_fin_period = 300000;
+    box.m_request.m_down_spread = 0.005;
+    EXPECT_TRUE(box.synthesize());
+    EXPECT_EQ(200, box.m_pll.get_m());
+    EXPECT_EQ(199, box.m_pll.m_m.m_ss_count);
+}
+
+TEST(HostileSearch, TakesTheLargestCountersOnSecondInputs)
+{
+    const STOP_WATCH watch;
+    for (int fin2 : {4100, 1, INT_MAXIMUM}) {
+        SMALL_PLL box(1, INT_MAXIMUM, INT_MAXIMUM);
+        box.set_vco(1900, 2000, 2100);
+        box.set_pfd(1500, 5000);
+        box.m_request.m_fin2_period = fin2;
+        EXPECT_EQ(fin2 == 4100, box.synthesize());
+    }
+}
+
+// ---- The list of ratios
+
+TEST(HostileRatios, TakeTimeByTheirOwnNumber)
+{
+    const STOP_WATCH watch;
+    SMALL_PLL box(1, INT_MAXIMUM, INT_MAXIMUM);
+    box.set_vco(1990, 2000, 2010);
+    box.set_pfd(1500, 5000);
+    int* mults = nullptr;
+    int* divs = nullptr;
+    ASSERT_EQ(1, box.m_pll.find_vco_mult_div_values(&mults, &divs, 4000));
+    EXPECT_EQ(2, mults[0]);
+    EXPECT_EQ(1, divs[0]);
+}
+
+TEST(HostileRatios, TakeAnyInputAndLimits)
+{
+    const int hostile[] = {0, 1, -1, 2, 4000, INT_MAXIMUM, INT_MINIMUM, INT_MINIMUM + 1};
+    EXPECTED_REPORTS reports;
+    reports.accept_all();
+    const std::size_t blocks = MEM_MANAGER::get_live_blocks(nullptr);
+    for (int fin : hostile) {
+        for (int limit : hostile) {
+            for (int field = 0; field < 7; ++field) {
+                SMALL_PLL box(1, 6, 4);
+                int* const fields[] = {
+                    &box.m_pll.m_vco_min_period[1],  &box.m_pll.m_vco_max_period[1],
+                    &box.m_pll.m_pfd_min_period,     &box.m_pll.m_pfd_max_period,
+                    &box.m_pll.m_max_vco_post_scale, &box.m_pll.m_n.m_min_count,
+                    &box.m_pll.m_m.m_min_count};
+                *fields[field] = limit;
+                int* mults = nullptr;
+                int* divs = nullptr;
+                const int count = box.m_pll.find_vco_mult_div_values(&mults, &divs, fin);
+                EXPECT_LE(0, count);
+                for (int i = 1; i < count; ++i) {
+                    EXPECT_LE(1.0 * mults[i - 1] / divs[i - 1], 1.0 * mults[i] / divs[i]);
+                }
+            }
+        }
+    }
+    EXPECT_EQ(blocks, MEM_MANAGER::get_live_blocks(nullptr));
+}
+
+TEST(HostileRatios, NeedBothOutputs)
+{
+    SMALL_PLL box(1, 4, 2);
+    int* list = nullptr;
+    EXPECTED_REPORTS reports;
+    reports.accept_all();
+    EXPECT_EQ(0, box.m_pll.find_vco_mult_div_values(nullptr, &list, 4000));
+    EXPECT_EQ(0, box.m_pll.find_vco_mult_div_values(&list, nullptr, 4000));
+    EXPECT_EQ(0, box.m_pll.find_vco_mult_div_values(nullptr, nullptr, 4000));
+    EXPECT_EQ(nullptr, list);
+}
+
+}  // namespace
