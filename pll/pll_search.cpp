@@ -19,6 +19,7 @@ namespace {
 
 constexpr int SMALLEST_M = 2;
 constexpr int CUT_OFF_RATIO = 4;
+constexpr double SETTLED_PERIOD = 0.5;  // ps
 
 BANDWIDTH_WISH read_bandwidth_wish(const PLL& pll, const PLL_PROP& request, bool spread)
 {
@@ -88,6 +89,8 @@ private:
     void compete(int m, const ROW_PERIODS& periods, std::int64_t n);
     void compete_before_window(int m, const ROW_PERIODS& periods, N_RANGE range);
     int distance(const ROW_PERIODS& periods, std::int64_t n) const;
+    int distance(double vco_period) const;
+    bool is_settled(double vco_period) const;
 
     const PLL& m_pll;
     const PLL_PROP& m_request;
@@ -160,11 +163,13 @@ void SEARCH::search_post_scale(int post_scale)
 // nothing legal and no closer miss can follow.
 bool SEARCH::is_past_the_end(const ROW_PERIODS& periods, const ROW& row) const
 {
-    if (m_limits.m_fin_period <= 0 || m_vco.m_min > m_vco.m_max + PERIOD_TOLERANCE ||
-        !row.m_legal.is_empty()) {
+    if (m_limits.m_fin_period <= 0 || !row.m_legal.is_empty()) {
         return false;
     }
     const std::int64_t last = row.m_behind.is_empty() ? row.m_before.m_last : row.m_behind.m_last;
+    if (m_vco.m_min > m_vco.m_max + PERIOD_TOLERANCE) {
+        return m_result->m_found || is_settled(periods.vco(last));
+    }
     return 0.0 <= periods.vco(last) && periods.is_vco_too_fast(last);
 }
 
@@ -228,9 +233,23 @@ void SEARCH::evaluate(int m, int n, double vco_period)
 
 int SEARCH::distance(const ROW_PERIODS& periods, std::int64_t n) const
 {
-    const int over = truncate_to_int(periods.vco(n) - m_vco.m_max);
-    const int under = truncate_to_int(m_vco.m_min - periods.vco(n));
+    return distance(periods.vco(n));
+}
+
+int SEARCH::distance(double vco_period) const
+{
+    const int over = truncate_to_int(vco_period - m_vco.m_max);
+    const int under = truncate_to_int(m_vco.m_min - vco_period);
     return wrap_add(std::max(over, 0), std::max(under, 0));
+}
+
+// For VCO limits that cross, so that nothing is legal: true when `vco_period`, the longest of a
+// row, is so short that every later row visits the same N at the same distances, or at the one that
+// rounding gives a period of 0, and that is no closer miss.
+bool SEARCH::is_settled(double vco_period) const
+{
+    return m_limits.m_n_min >= 0 && vco_period <= SETTLED_PERIOD &&
+           distance(0.0) >= m_result->m_miss.m_distance;
 }
 
 void SEARCH::compete(int m, const ROW_PERIODS& periods, std::int64_t n)
