@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 namespace {
 
 // ---- Bounds. M 2 and N 1 is the only pair: VCO = input / 2, PFD = input.
@@ -234,6 +236,87 @@ TEST(SearchClosestMiss, LooksAtPairsOfABarredM)
     EXPECT_EQ(2, mixed.m_pll.get_m());
     EXPECT_EQ(2, mixed.m_pll.get_n());
     EXPECT_EQ(5000.0, mixed.m_pll.get_vco_period());
+}
+
+// The rule word by word, for boxes without clocks: every pair in order, no short cut but the early
+// end of a row.
+struct PLAIN_SEARCH
+{
+    PLAIN_SEARCH(const PLL& pll, int fin)
+    {
+        for (int m = 2; m <= pll.m_m.m_max_count; ++m) {
+            for (int n = pll.m_n.m_min_count; n <= pll.m_n.m_max_count; ++n) {
+                if (visit(pll, fin, m, n)) {
+                    break;
+                }
+            }
+        }
+    }
+
+    // Returns whether the row ends.
+    bool visit(const PLL& pll, int fin, int m, int n)
+    {
+        const double vco = double(fin) * n / m;
+        const double pfd = double(fin) * n;
+        const double vco_min = pll.m_vco_min_period[1];
+        const double vco_max = pll.m_vco_max_period[1];
+        const bool is_legal = vco_min - 1 <= vco && vco <= vco_max + 1 &&
+                              pll.m_pfd_min_period - 1 <= pfd && pfd <= pll.m_pfd_max_period + 1;
+        const int distance = std::max(static_cast<int>(vco - vco_max), 0) +
+                             std::max(static_cast<int>(vco_min - vco), 0);
+        if (is_legal) {
+            m_found = true;
+        } else if (!m_found && distance < m_distance) {
+            m_distance = distance;
+            m_m = m;
+            m_n = n;
+            m_vco = vco;
+        }
+        return vco > vco_max + 1 || pfd > pll.m_pfd_max_period + 1;
+    }
+
+    bool m_found = false;
+    int m_distance = 0x40000000;
+    int m_m = 1;
+    int m_n = 1;
+    double m_vco = 1000.0;
+};
+
+void expect_plain_result(SMALL_PLL& box)
+{
+    const PLAIN_SEARCH plain(box.m_pll, box.m_request.m_fin_period);
+    ASSERT_EQ(plain.m_found, box.synthesize());
+    if (!plain.m_found) {
+        ASSERT_EQ(plain.m_m, box.m_pll.get_m());
+        ASSERT_EQ(plain.m_n, box.m_pll.get_n());
+        ASSERT_EQ(plain.m_vco, box.m_pll.get_vco_period());
+    }
+}
+
+TEST(SearchClosestMiss, IsThatOfAPlainSearchInAllSmallBoxes)
+{
+    // VCO limits that cross, touch and are negative included.
+    for (int fin : {1, 2, 7, 40, -5}) {
+        for (int n_min : {-1, 0, 1, 2}) {
+            for (int pfd_max : {1, 15, 1000}) {
+                SMALL_PLL box(0, 40, 4);
+                box.m_pll.m_fin_min_period = 0;
+                box.m_pll.m_n.m_min_count = n_min;
+                box.m_request.m_fin_period = fin;
+                box.set_pfd(1, pfd_max);
+                for (int vco_min = -4; vco_min <= 8; ++vco_min) {
+                    for (int vco_max = -4; vco_max <= 8; ++vco_max) {
+                        SCOPED_TRACE(testing::Message()
+                                     << fin << " ps, N from " << n_min << ", VCO " << vco_min
+                                     << " to " << vco_max);
+                        box.set_vco(vco_min, 1, vco_max);
+                        expect_plain_result(box);
+                        ASSERT_FALSE(testing::Test::HasFatalFailure());
+                    }
+                }
+            }
+        }
+    }
 }
 
 // ---- Early end
