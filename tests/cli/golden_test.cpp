@@ -54,11 +54,11 @@ std::vector<std::string> list_transcripts()
     return names;
 }
 
-class CliTranscript : public testing::TestWithParam<std::string>
+class CLI_TRANSCRIPT : public testing::TestWithParam<std::string>
 {
 };
 
-TEST_P(CliTranscript, IsWhatTheProgramWrites)
+TEST_P(CLI_TRANSCRIPT, IsWhatTheProgramWrites)
 {
     const std::filesystem::path path = std::filesystem::path(PLL_CLI_GOLDEN_DIR) / GetParam();
     const std::string expected = read_file(path);
@@ -76,6 +76,6 @@ std::string name_of(const testing::TestParamInfo<std::string>& info)
     return info.param.substr(0, info.param.find('.'));
 }
 
-INSTANTIATE_TEST_SUITE_P(All, CliTranscript, testing::ValuesIn(list_transcripts()), name_of);
+INSTANTIATE_TEST_SUITE_P(All, CLI_TRANSCRIPT, testing::ValuesIn(list_transcripts()), name_of);
 
 }  // namespace
