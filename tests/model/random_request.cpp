@@ -8,7 +8,7 @@ namespace {
 
 constexpr const char* KIND_NAMES[] = {"built-in", "small",  "edge",   "phase",
                                       "table",    "filter", "spread", "feedback",
-                                      "cascade",  "mixed",  "hostile"};
+                                      "cascade",  "wide",   "mixed",  "hostile"};
 
 // The counters that the request is built around; often, but not always, they can be had.
 struct HIDDEN_ANSWER
@@ -34,7 +34,7 @@ private:
     // A feature that one kind is about and the mixed one has at times.
     bool wants(CASE_KIND kind, int percent)
     {
-        const bool mixed = is(CASE_KIND::MIXED) || is(CASE_KIND::HOSTILE);
+        const bool mixed = is(CASE_KIND::MIXED) || is(CASE_KIND::WIDE) || is(CASE_KIND::HOSTILE);
         return is(kind) || m_random.chance(mixed ? percent : 2);
     }
 
@@ -80,9 +80,15 @@ void GENERATOR::make_counters()
     if (m_random.chance(3)) {
         m_pll.m_m.m_max_count = m_random.between(1, 3);
     }
+    if (is(CASE_KIND::WIDE)) {
+        m_pll.m_m.m_max_count = m_random.between(60, 200);
+        m_pll.m_n.m_max_count = m_random.between(30, 150);
+    }
     m_pll.m_n.m_min_count = m_random.chance(10) ? m_random.between(1, 3) : 1;
-    m_answer.m_m = m_random.between(2, std::max(2, m_pll.m_m.m_max_count));
-    m_answer.m_n = m_random.between(1, m_pll.m_n.m_max_count);
+    // Small answers of wide counters have multiples, and meet the end of the search for high M.
+    const int reach = is(CASE_KIND::WIDE) && m_random.chance(60) ? 20 : 1;
+    m_answer.m_m = m_random.between(2, std::max(2, m_pll.m_m.m_max_count / reach));
+    m_answer.m_n = m_random.between(1, std::max(1, m_pll.m_n.m_max_count / reach));
     m_answer.m_vco_period = m_random.between(900, 3400);
     const double fin = m_answer.m_vco_period * m_answer.m_m / m_answer.m_n;
     m_request.m_fin_period = std::max(1, static_cast<int>(fin));
@@ -269,7 +275,7 @@ void GENERATOR::make_parts()
         const int step = list == &m_case.m_parts.m_currents ? 60 : 6000;
         list->clear();
         int value = 0;
-        for (int left = m_random.between(m_random.chance(10) ? 0 : 1, 6); left > 0; --left) {
+        for (int left = m_random.between(m_random.chance(20) ? 0 : 1, 6); left > 0; --left) {
             value += m_random.between(1, step);
             list->push_back(value);
         }
@@ -278,7 +284,7 @@ void GENERATOR::make_parts()
     m_pll.m_kvco[1] = m_random.between(200, 4000);
     m_pll.m_kvco[2] = m_random.between(200, 4000);
     m_pll.m_c_fixed = m_random.between(100, 1000);
-    m_pll.m_c_high = m_random.between(1, 40);
+    m_pll.m_c_high = m_random.chance(50) ? m_random.between(1, 40) : m_random.between(40, 900);
 }
 
 void GENERATOR::make_bandwidth()
@@ -300,8 +306,8 @@ void GENERATOR::make_bandwidth()
 void GENERATOR::make_row(MODEL_ROW* row, int m)
 {
     row->m_m = m_random.chance(98) ? m : m + 1;
-    row->m_charge_pump_current = m_random.between(1, 5) * 20;
-    row->m_loop_filter_resistor = m_random.between(1, 5) * 1000;
+    row->m_charge_pump_current = m_random.between(1, 2) * 20;
+    row->m_loop_filter_resistor = m_random.between(1, 2) * 1000;
     row->m_loop_filter_capacitor = m_random.chance(30) ? -1 : m_random.between(0, 4) * 5;
     row->m_typical_bandwidth = m_random.between(1, 60) * 50000.0;
     row->m_fast_bandwidth = row->m_typical_bandwidth * (1.0 + m_random.fraction());
@@ -336,7 +342,7 @@ void GENERATOR::make_table()
 void GENERATOR::make_device()
 {
     MODEL_DEVICE& device = m_case.m_device;
-    const bool has_table = wants(CASE_KIND::TABLE, 25);
+    const bool has_table = wants(CASE_KIND::TABLE, is(CASE_KIND::WIDE) ? 30 : 25);
     m_case.m_has_device = has_table || m_random.chance(15);
     if (!m_case.m_has_device) {
         return;

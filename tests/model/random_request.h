@@ -44,6 +44,7 @@ enum class CASE_KIND
     SPREAD,
     FEEDBACK,
     CASCADE,
+    WIDE,  // counters of a hundred values and more
     MIXED,
     HOSTILE,  // fields with values that no sane host gives
     COUNT
