@@ -67,10 +67,10 @@ bool explain_obstacles(const REQUEST& request, const PLL& pll, LINES* lines)
 {
     const double spread = request.m_prop.m_down_spread;
     if (spread > 0.0 && spread * pll.m_m.m_max_count < 1.0) {
-        lines->push_back("M can't be lowered by so little: M x spread must be at least 1, and M "
-                         "is at most " +
-                         std::to_string(pll.m_m.m_max_count) + ", so the spread at least " +
-                         format_short(PERCENT / pll.m_m.m_max_count, PERCENT_DECIMALS) + " %");
+        lines->push_back("missed: the spread; M is at most " + std::to_string(pll.m_m.m_max_count) +
+                         " and M x spread at least 1, so it is " +
+                         format_short(PERCENT / pll.m_m.m_max_count, PERCENT_DECIMALS) +
+                         " % or more");
         return true;
     }
     PLL_PROP without_any = request.m_prop;
@@ -92,13 +92,13 @@ bool explain_obstacles(const REQUEST& request, const PLL& pll, LINES* lines)
     return false;
 }
 
-// "10 MHz, 2 MHz below its range of 12 to 100 MHz", of a period outside its range.
+// "10 MHz, 2 MHz below its range 12 to 100 MHz", of a period outside its range.
 std::string miss_of_period(double period, int min_period, int max_period)
 {
     const bool is_low = period > max_period;
     const double miss = std::abs(PS_MHZ / period - PS_MHZ / (is_low ? max_period : min_period));
     return format_period_as_mhz(period) + " MHz, " + format_short(miss, MHZ_DECIMALS) + " MHz " +
-           (is_low ? "below" : "above") + " its range of " + format_period_as_mhz(max_period) +
+           (is_low ? "below" : "above") + " its range " + format_period_as_mhz(max_period) +
            " to " + format_period_as_mhz(min_period) + " MHz";
 }
 
@@ -115,9 +115,9 @@ void explain_no_candidate(const REQUEST& request, const PLL& pll, LINES* lines)
     const bool vco_misses = vco_period > max_period || vco_period < min_period;
     lines->push_back(
         "closest: M " + std::to_string(pll.get_m()) + ", N " + std::to_string(pll.get_n()) +
-        (vco_misses ? ", with the VCO at " + miss_of_period(vco_period, min_period, max_period)
-                    : ", with the PFD at " +
-                          miss_of_period(pfd_period, pll.m_pfd_min_period, pll.m_pfd_max_period)));
+        (vco_misses
+             ? ", VCO " + miss_of_period(vco_period, min_period, max_period)
+             : ", PFD " + miss_of_period(pfd_period, pll.m_pfd_min_period, pll.m_pfd_max_period)));
     lines->push_back("missed: all outputs; without a VCO frequency none of them could be tried");
 }
 
@@ -135,10 +135,10 @@ void explain_missed_outputs(const REQUEST& request, const ANSWER& answer, LINES*
                            format_mhz_short(request.m_outputs[i].m_frequency) + " MHz, " +
                            format_error(output.m_error);
         if (tap.m_high >= tap.m_max_count || tap.m_low >= tap.m_max_count) {
-            line += "; its counter is at its largest count";
+            line += "\n  its counter is at its largest count";
         }
         if (static_cast<int>(i) == request.m_prop.m_feedback_tap) {
-            line += "; it is the feedback";
+            line += "\n  it is the feedback";
         }
         lines->push_back(line);
     }
@@ -161,10 +161,9 @@ void explain_delays(const REQUEST& request, LINES* lines)
         last = request.m_prop.m_taps[i].m_delay > request.m_prop.m_taps[last].m_delay ? i : last;
     }
     const int span = request.m_prop.m_taps[last].m_delay - request.m_prop.m_taps[first].m_delay;
-    lines->push_back("missed: the delay of output " + std::to_string(last + 1) + " is " +
-                     std::to_string(span) + " ps above that of output " +
-                     std::to_string(first + 1) + ", " +
-                     std::to_string(span - MAX_DELAY_CHAIN_VALUE) + " ps more than the " +
+    lines->push_back("missed: output " + std::to_string(last + 1) + " is delayed by " +
+                     std::to_string(span) + " ps more than output " + std::to_string(first + 1) +
+                     ", " + std::to_string(span - MAX_DELAY_CHAIN_VALUE) + " ps beyond the " +
                      std::to_string(MAX_DELAY_CHAIN_VALUE) + " ps of a chain");
 }
 

@@ -16,6 +16,11 @@ const char* const WIDE_REQUESTS[] = {
     "--in 1000MHz --out 1000MHz,phase=-123.456,duty=1,delay=-3000 --in2 999.999999MHz",
     "--in 1001/37MHz --out ratio=2147483647/2147483646 --bandwidth 999.999MHz",
     "--in 100MHz --out 50MHz,even,even-count,duty=37 --spread 0.5% --feedback 1",
+    "--in 3.5MHz --out ratio=11/2 --out 1kHz --feedback 2",
+    "--in 1ps --in2 30MHz --out 13.5MHz",
+    "--in 100MHz --out 50MHz,delay=-3000 --out 50MHz,delay=3000",
+    "--in 100MHz --in2 1MHz --out 50MHz --bandwidth 1GHz",
+    "--in 100MHz --out 50MHz --spread 0.1%",
 };
 
 // All but the texts of the library, which are quoted as they are.
