@@ -162,10 +162,13 @@ int PLL::find_vco_mult_div_values(int** mults, int** divs, int fin_period)
     if (mults == nullptr || divs == nullptr) {
         return 0;
     }
-    release_array(&m_impl->m_mults);
-    release_array(&m_impl->m_divs);
     *mults = nullptr;
     *divs = nullptr;
+    if (m_impl == nullptr) {
+        return 0;  // the first PLL found no memory for what all share
+    }
+    release_array(&m_impl->m_mults);
+    release_array(&m_impl->m_divs);
     check(m_m.m_min_count == 1, "m_m.m_min_count == 1", SOURCE);
     if (m_max_vco_post_scale < 1) {
         return 0;

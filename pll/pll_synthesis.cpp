@@ -187,6 +187,9 @@ bool synthesize_request(const PLL_PROP& request, PLL* pll)
 
 bool PLL::synthesize(const PLL_PROP& request)
 {
+    if (m_impl == nullptr) {
+        return false;  // the first PLL found no memory for what all share
+    }
     try {
         return synthesize_request(request, this);
     } catch (const std::bad_alloc&) {
