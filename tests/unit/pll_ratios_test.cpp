@@ -1,5 +1,6 @@
 // The list of VCO ratios.
 #include "error_guard.h"
+#include "failing_heap.h"
 #include "mem_alloc_sys.h"
 #include "pll.h"
 #include "synthesis_builders.h"
@@ -155,6 +156,19 @@ TEST(VcoRatios, LeaveThePllAlone)
     EXPECT_EQ(1, box.m_pll.get_n());
     EXPECT_EQ(1.0, box.m_pll.get_vco_period());
     EXPECT_EQ(PLL::PLL_SS_TOO_HIGH, box.m_pll.m_error);
+}
+
+TEST(VcoRatios, AreNoneWhenMemoryIsExhausted)
+{
+    FAILING_HEAP heap;
+    SMALL_PLL box(1, 4, 2);
+    long nth = 0;
+    do {
+        heap.fail_at(++nth);
+        const std::string list = list_ratios(box.m_pll, 4000);
+        EXPECT_EQ(heap.get_failures() == 0 ? "1/1 3/2 2/1 3/1 4/1" : "", list);
+    } while (heap.get_failures() != 0);
+    EXPECT_LT(2, nth);  // the two arrays at least
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 // The frame of a synthesis: early results, error values and what stays behind in the PLL.
 #include "error_guard.h"
+#include "failing_heap.h"
 #include "pll.h"
 #include "pll_prop.h"
 #include "synthesis_builders.h"
@@ -472,6 +473,43 @@ TEST(SynthesisReports, ClocksOutOfRangeOnceForEachWorkingPll)
         reports.expect_only("m_user_taps_count >= 0 && m_user_taps_count <= m_max_taps_count",
                             "pll", 2);
     }
+}
+
+// ---- Memory
+
+TEST(SynthesisWithoutMemory, FailsAndLeavesThePllUsable)
+{
+    FAILING_HEAP heap;
+    ONE_CANDIDATE box(1);
+    long nth = 0;
+    do {
+        heap.fail_at(++nth);
+        const bool met = box.synthesize();
+        EXPECT_EQ(heap.get_failures() == 0, met);
+    } while (heap.get_failures() != 0);
+    heap.fail_none();
+    EXPECT_TRUE(box.synthesize());
+    EXPECT_EQ(2, box.tap(0).m_count);
+}
+
+TEST(SynthesisWithoutMemory, TakesAPllThatFoundNoneAtItsBirth)
+{
+    FAILING_HEAP heap;
+    long failures = 0;
+    long nth = 0;
+    do {
+        heap.fail_from(++nth);
+        ONE_CANDIDATE box(1);
+        failures = heap.get_failures();
+        heap.fail_none();
+        // The automatic bandwidth needs no components, only the place that they are kept in.
+        const bool is_usable = PLL::m_impl != nullptr;
+        EXPECT_EQ(is_usable, box.synthesize());
+        int* mults = nullptr;
+        int* divs = nullptr;
+        EXPECT_EQ(is_usable ? 1 : 0, box.m_pll.find_vco_mult_div_values(&mults, &divs, 4000));
+    } while (failures != 0);
+    EXPECT_LT(2, nth);
 }
 
 }  // namespace
