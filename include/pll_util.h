@@ -13,7 +13,7 @@ public:
     static int phase_from_vco_tap_and_counter_start(int vco_tap, int counter_start);
 
     // The (tap, start) nearest to a phase, with a start of at most `max_counter_start`. Writes both
-    // and returns the phase that they realise; with a null output, an internal error and 0.
+    // and returns the phase that they realise; with a null output nothing is written and it is 0.
     static int phase_to_vco_tap_and_counter_start(int* vco_tap, int* counter_start, double phase,
                                                   int max_counter_start);
 
