@@ -69,16 +69,6 @@ void split_count(int count, PLL_OUTPUT_TAP* tap)
     tap->m_even = count % 2 == 0;
 }
 
-void take_carried_values(const PLL_OUTPUT_TAP& from, PLL_OUTPUT_TAP* to)
-{
-    to->m_next_phase_degree = from.m_next_phase_degree;
-    to->m_prev_phase_degree = from.m_prev_phase_degree;
-    to->m_next_duty_cycle = from.m_next_duty_cycle;
-    to->m_prev_duty_cycle = from.m_prev_duty_cycle;
-    to->m_smallest_duty_cycle_min = from.m_smallest_duty_cycle_min;
-    to->m_largest_duty_cycle_max = from.m_largest_duty_cycle_max;
-}
-
 // The output in the feedback path takes its share of M. Returns whether nothing is left over.
 bool divide_feedback(int count, ASSIGNMENT* a)
 {
@@ -175,7 +165,7 @@ void assign_output(int index, const PLL_OUTPUT_TAP& carried, ASSIGNMENT* a)
     split_count(count, &tap);
     tap.m_max_count = max_count;
     tap.m_previous_tap = PLL_ILLEGAL_TAP;
-    take_carried_values(carried, &tap);
+    copy_carried_values(carried, &tap);
 
     const double tap_error = add_frequency_error(m, n, count, wish, &a->m_score);
     const double error = add_vco_ratio_error(m, n, a->m_request, tap_error, &a->m_score);
@@ -191,6 +181,16 @@ void assign_output(int index, const PLL_OUTPUT_TAP& carried, ASSIGNMENT* a)
 }
 
 }  // namespace
+
+void copy_carried_values(const PLL_OUTPUT_TAP& from, PLL_OUTPUT_TAP* to)
+{
+    to->m_next_phase_degree = from.m_next_phase_degree;
+    to->m_prev_phase_degree = from.m_prev_phase_degree;
+    to->m_next_duty_cycle = from.m_next_duty_cycle;
+    to->m_prev_duty_cycle = from.m_prev_duty_cycle;
+    to->m_smallest_duty_cycle_min = from.m_smallest_duty_cycle_min;
+    to->m_largest_duty_cycle_max = from.m_largest_duty_cycle_max;
+}
 
 CANDIDATE_SCORE assign_candidate(const PLL& pll, const PLL_PROP& request,
                                  const SEARCH_LIMITS& limits, const SEARCH_POINT& point,

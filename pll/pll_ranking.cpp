@@ -80,14 +80,7 @@ void take(const PLL& candidate, SEARCH_RESULT* result)
 void carry_back(const PLL& candidate, int taps, PLL* best)
 {
     for (int i = 0; i < taps; ++i) {
-        const PLL_OUTPUT_TAP& from = candidate.m_taps[i];
-        PLL_OUTPUT_TAP& to = best->m_taps[i];
-        to.m_next_phase_degree = from.m_next_phase_degree;
-        to.m_prev_phase_degree = from.m_prev_phase_degree;
-        to.m_next_duty_cycle = from.m_next_duty_cycle;
-        to.m_prev_duty_cycle = from.m_prev_duty_cycle;
-        to.m_smallest_duty_cycle_min = from.m_smallest_duty_cycle_min;
-        to.m_largest_duty_cycle_max = from.m_largest_duty_cycle_max;
+        copy_carried_values(candidate.m_taps[i], &best->m_taps[i]);
     }
 }
 

@@ -131,6 +131,9 @@ CANDIDATE_SCORE assign_candidate(const PLL& pll, const PLL_PROP& request,
                                  const SEARCH_LIMITS& limits, const SEARCH_POINT& point,
                                  const PLL& best, PLL* candidate);
 
+// The next and previous values that are carried from candidate to candidate.
+void copy_carried_values(const PLL_OUTPUT_TAP& from, PLL_OUTPUT_TAP* to);
+
 // Costs `candidate`, whose counters stand, and keeps it in `result` when it beats the best.
 class RANKING
 {
