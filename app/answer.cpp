@@ -1,5 +1,7 @@
 #include "answer.h"
 
+#include "output_phase.h"
+
 namespace {
 
 // The numbers of both ratios fit an int, so the error fits 64 bits.
@@ -21,6 +23,7 @@ ANSWER::ANSWER(const REQUEST& request)
     for (std::size_t i = 0; i < request.m_outputs.size(); ++i) {
         OUTPUT_RESULT result;
         result.m_ratio = RATIONAL(m_achieved.m_taps[i].m_mult, m_achieved.m_taps[i].m_div);
+        result.m_phase = find_phase(request, m_pll, m_achieved, i);
         result.m_error = relative_error(result.m_ratio, request.m_outputs[i].m_ratio);
         const bool outside = request.m_tolerance && result.m_error.is_valid() &&
                              *request.m_tolerance < result.m_error.magnitude();

@@ -8,12 +8,24 @@
 #include <string>
 #include <vector>
 
+// The phase of an output in degrees of that output: 360 are one of its periods. Not a number where
+// there is none.
+struct OUTPUT_PHASE
+{
+    double m_asked;
+    double m_achieved;
+    double m_previous;  // the legal neighbours of the phase asked for
+    double m_next;
+    double m_step;  // one VCO tap
+};
+
 // How an output comes out.
 struct OUTPUT_RESULT
 {
     RATIONAL m_ratio;  // achieved, to the input
     RATIONAL m_error;  // relative to the ratio asked for; 0: exact
-    bool m_missed;     // not taken for met, by the library or by the tolerance asked for
+    OUTPUT_PHASE m_phase;
+    bool m_missed;  // not taken for met, by the library or by the tolerance asked for
 };
 
 class ANSWER

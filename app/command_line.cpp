@@ -37,7 +37,7 @@ const char* const PROGRAM_HELP =
 const char* const REQUEST_HELP =
     "\nEach --out is one output, numbered from 1: a frequency or ratio=A/B to the input, then any "
     "of\n"
-    "  phase=90         degrees (-360 to 360), or a part of the output's period such as 1.5ns\n"
+    "  phase=90         degrees of the output (-360 to 360: a period), or a time such as 1.5ns\n"
     "  duty=40          percent, whole, 1 to 99\n"
     "  delay=-250       ps, whole, -3000 to 3000\n"
     "  even             a counter without the half period\n"
@@ -68,7 +68,9 @@ const COMMAND_ENTRY COMMANDS[] = {
     {"dump", COMMAND::DUMP,
      "  pllcalc dump --in 100MHz --out 50MHz\n"
      "  pllcalc dump --compact --in 100MHz --out 50MHz\n",
-     "Prints the library's own reports of a request and its answer.", true},
+     "Prints the library's own reports of a request and its answer. Their phases are in degrees of "
+     "the\ninput clock.",
+     true},
     {"ratios", COMMAND::RATIOS,
      "  pllcalc ratios --in 100MHz\n"
      "  pllcalc ratios --in 37.037ns --format csv\n",

@@ -16,7 +16,6 @@ namespace {
 
 constexpr int MIN_DUTY = 1;
 constexpr int MAX_DUTY = 99;
-constexpr int MAX_PHASE = 360;  // degrees, either way
 
 const std::vector<std::string_view> KEYS = {"ratio", "phase", "duty",
                                             "delay", "even",  "even-count"};
@@ -139,6 +138,15 @@ OUTPUT_WISH read_clock(const std::string& argument, const OUTPUT_WORDS& words,
     return wish;
 }
 
+// The phase of an output in degrees of the input clock, which is how the library counts: 360 are
+// one period of the input.
+double phase_of_input(const OUTPUT_WISH& wish)
+{
+    const RATIONAL degrees = wish.m_phase / wish.m_ratio;
+    return degrees.is_valid() ? degrees.to_double()
+                              : wish.m_phase.to_double() / wish.m_ratio.to_double();
+}
+
 int read_duty(const std::string& argument, const std::string& text)
 {
     const RATIONAL percent = read_percentage(argument, text);
@@ -157,13 +165,13 @@ OUTPUT_WISH read_output(const std::string& argument, const std::string& text,
                         const RATIONAL& input_frequency, PLL_USER_TAP* tap)
 {
     const OUTPUT_WORDS words(argument, text);
-    const OUTPUT_WISH wish = read_clock(argument, words, input_frequency);
+    OUTPUT_WISH wish = read_clock(argument, words, input_frequency);
     tap->m_mult = static_cast<int>(wish.m_ratio.numerator());
     tap->m_div = static_cast<int>(wish.m_ratio.denominator());
     if (const auto phase = words.find_value("phase")) {
-        tap->m_phase =
-            read_phase(argument + " phase", *phase, wish.m_frequency, -MAX_PHASE, MAX_PHASE)
-                .to_double();
+        wish.m_phase =
+            read_phase(argument + " phase", *phase, wish.m_frequency, -MAX_PHASE, MAX_PHASE);
+        tap->m_phase = phase_of_input(wish);
     }
     if (const auto duty = words.find_value("duty")) {
         tap->m_duty = read_duty(argument + " duty", *duty);

@@ -200,8 +200,9 @@ RATIONAL read_ratio(const std::string& argument, std::string_view text)
 RATIONAL read_phase(const std::string& argument, std::string_view text, const RATIONAL& frequency,
                     int lowest, int highest)
 {
-    const std::string legal = "degrees from " + std::to_string(lowest) + " to " +
-                              std::to_string(highest) + ", or a time in ps, ns or us";
+    const std::string legal = "degrees of the output from " + std::to_string(lowest) + " to " +
+                              std::to_string(highest) +
+                              ", or a time in ps, ns or us of at most its period";
     const MEASURE measure = read_measure(argument, text);
     RATIONAL degrees = measure.m_value;
     if (!measure.m_unit.empty() && !equal_but_for_case(measure.m_unit, "deg")) {

@@ -21,8 +21,8 @@ RATIONAL read_frequency_in_hertz(const std::string& argument, std::string_view t
 // A positive ratio, no unit.
 RATIONAL read_ratio(const std::string& argument, std::string_view text);
 
-// Degrees, no unit or "deg", or a time that is taken as a part of the period of `frequency`.
-// Within `lowest` and `highest`, degrees.
+// Degrees of a clock of `frequency`, no unit or "deg", or a time that is taken as a part of its
+// period. Within `lowest` and `highest`, degrees.
 RATIONAL read_phase(const std::string& argument, std::string_view text, const RATIONAL& frequency,
                     int lowest, int highest);
 

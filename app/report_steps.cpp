@@ -15,8 +15,11 @@ constexpr double SLACK = 1e-9;  // of a step that ends on a bound
 std::string neighbour(double value, double step, int steps, double lowest, double highest,
                       int decimals)
 {
+    if (steps == 0) {
+        return format_fixed(value, decimals);
+    }
     const double moved = value + steps * step;
-    const bool is_legal = steps == 0 || (moved >= lowest - SLACK && moved <= highest + SLACK);
+    const bool is_legal = moved >= lowest - SLACK && moved <= highest + SLACK;
     return is_legal ? format_fixed(moved, decimals) : "-";
 }
 
@@ -24,7 +27,7 @@ void append_output(const REQUEST& request, const ANSWER& answer, int output, std
 {
     const PLL& pll = answer.get_pll();
     const PLL_USER_TAP& asked = request.m_prop.m_taps[output];
-    const double phase_step = pll.get_phase_degree_resolution();
+    const OUTPUT_PHASE& phase = answer.get_outputs()[static_cast<std::size_t>(output)].m_phase;
     const double duty_step = pll.get_duty_cycle_resolution(output);
     const RATIONAL frequency = request.m_input.m_frequency *
                                answer.get_outputs()[static_cast<std::size_t>(output)].m_ratio;
@@ -37,13 +40,9 @@ void append_output(const REQUEST& request, const ANSWER& answer, int output, std
                        {"step", "", ALIGN::RIGHT},
                        {"lowest", "", ALIGN::RIGHT},
                        {"highest", "", ALIGN::RIGHT}});
-    bounds.add_row({"phase deg", format_phase(asked.m_phase),
-                    format_phase(answer.get_achieved().m_taps[output].m_phase),
-                    format_phase(pll.get_prev_phase_degree(output)),
-                    format_phase(pll.get_next_phase_degree(output)),
-                    format_fixed(phase_step, PHASE_DECIMALS),
-                    format_fixed(pll.get_phase_degree_min(output), PHASE_DECIMALS),
-                    format_fixed(pll.get_phase_degree_max(output), PHASE_DECIMALS)});
+    bounds.add_row({"phase deg", format_phase(phase.m_asked), format_phase(phase.m_achieved),
+                    format_phase(phase.m_previous), format_phase(phase.m_next),
+                    format_phase(phase.m_step), format_phase(-MAX_PHASE), format_phase(MAX_PHASE)});
     bounds.add_row({"duty %", std::to_string(asked.m_duty),
                     format_fixed(pll.find_duty_cycle(output), DUTY_DECIMALS),
                     std::to_string(pll.get_prev_duty_cycle(output)),
@@ -59,9 +58,7 @@ void append_output(const REQUEST& request, const ANSWER& answer, int output, std
     for (int i = -STEPS_EACH_WAY; i <= STEPS_EACH_WAY; ++i) {
         steps.add_row(
             {std::string(i > 0 ? "+" : "") + std::to_string(i),
-             neighbour(answer.get_achieved().m_taps[output].m_phase, phase_step, i,
-                       pll.get_phase_degree_min(output), pll.get_phase_degree_max(output),
-                       PHASE_DECIMALS),
+             neighbour(phase.m_achieved, phase.m_step, i, -MAX_PHASE, MAX_PHASE, PHASE_DECIMALS),
              neighbour(pll.find_duty_cycle(output), duty_step, i, pll.get_duty_cycle_min(output),
                        pll.get_duty_cycle_max(output), DUTY_DECIMALS),
              i == 0 ? "<- the answer" : ""});

@@ -90,11 +90,11 @@ void append_shapes(const REQUEST& request, const ANSWER& answer, std::string* te
     for (std::size_t i = 0; i < request.m_outputs.size(); ++i) {
         const PLL_USER_TAP& asked = request.m_prop.m_taps[i];
         const PLL_USER_TAP& achieved = answer.get_achieved().m_taps[i];
+        const OUTPUT_PHASE& phase = answer.get_outputs()[i].m_phase;
         const int index = static_cast<int>(i);
-        table.add_row({std::to_string(i + 1), format_phase(asked.m_phase),
-                       format_phase(achieved.m_phase),
-                       format_phase(pll.get_prev_phase_degree(index)),
-                       format_phase(pll.get_next_phase_degree(index)), std::to_string(asked.m_duty),
+        table.add_row({std::to_string(i + 1), format_phase(phase.m_asked),
+                       format_phase(phase.m_achieved), format_phase(phase.m_previous),
+                       format_phase(phase.m_next), std::to_string(asked.m_duty),
                        format_fixed(pll.find_duty_cycle(index), DUTY_DECIMALS),
                        std::to_string(pll.get_prev_duty_cycle(index)),
                        std::to_string(pll.get_next_duty_cycle(index)),

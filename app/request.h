@@ -34,11 +34,15 @@ struct INPUT_CLOCK
     int m_library_period;  // ps, nearest to the period
 };
 
+// How far a phase may be asked for, either way, in degrees of the output.
+constexpr int MAX_PHASE = 360;
+
 // What an output was asked for, exactly.
 struct OUTPUT_WISH
 {
     RATIONAL m_ratio;      // to the input
     RATIONAL m_frequency;  // Hz
+    RATIONAL m_phase;      // degrees, 360 to a period of the output
 };
 
 struct REQUEST

@@ -5,7 +5,8 @@
 //               ^------------- M or an output counter -----------'
 //
 // Output i runs at fin x M / (N x K_i). Periods are in ps, frequencies of the loop in Hz, phases in
-// degrees, duty cycles in percent, resistances in ohm, capacitances in pF, currents in uA.
+// degrees of the input clock (360 are one period of the input, whatever the output), duty cycles in
+// percent, resistances in ohm, capacitances in pF, currents in uA.
 //
 // The library is single-threaded; PLL::m_impl, PLL::m_pll_manager and the m_default_* limits are
 // shared by the whole process.
@@ -176,9 +177,10 @@ public:
     static bool synthesize_best_bandwidth_using_table(PLL* pll, const PLL_PROP& request);
 
     // ---- Queries. An output index out of range is an internal error and reads the nearest output;
-    // `period` is that of the output clock, in ps.
+    // `period` is that of the input clock, in ps: its degrees are what phases count in. Bounds,
+    // neighbours and steps of a phase in degrees of an output are those here times its mult / div.
 
-    double get_phase_degree_resolution() const;  // degrees of the clock per VCO tap
+    double get_phase_degree_resolution() const;  // per VCO tap; with feedback from counter M
     double get_phase_ps_resolution(int period) const;
     double get_phase_degree_min(int tap) const;
     double get_phase_degree_max(int tap) const;

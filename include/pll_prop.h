@@ -11,6 +11,10 @@
 class PLL;
 
 // One output clock.
+//
+// Phases count degrees of the input clock: 360 are one period of the input, whatever the output.
+// phi degrees of the output itself are phi x m_div / m_mult here; only for an output as fast as the
+// input are the two the same.
 class PLL_API PLL_USER_TAP
 {
 public:
@@ -25,9 +29,9 @@ public:
     int m_delay;  // ps, wish and result
     int m_mult;   // output frequency = input frequency x m_mult / m_div
     int m_div;
-    double m_phase;                 // degrees of the output clock
+    double m_phase;                 // degrees of the input clock, see above
     int m_duty;                     // percent
-    double m_sclkout_phase;         // degrees, of the serial clock (counter start 1)
+    double m_sclkout_phase;         // likewise, of the serial clock (counter start 1)
     bool m_has_sclkout_phase;       // m_sclkout_phase is valid
     bool m_use_even_counter_mode;   // wish: a counter without the half period
     bool m_use_even_counter_value;  // wish: even high and low counts

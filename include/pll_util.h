@@ -30,7 +30,7 @@ public:
                                    int denominator);
 
     // numerator x (phase of tap and start - phase of the PLL's feedback path) / denominator. With N
-    // and M as the fraction: degrees of the clock that the PLL's input would have at that output.
+    // and M as the fraction: degrees of the PLL's input clock.
     static double user_phase(int numerator, int denominator, const PLL* pll, int vco_tap,
                              int counter_start);
 

@@ -1,7 +1,7 @@
 // Phases of a candidate.
 //
 // An output is delayed by its VCO tap (45 VCO degrees each) and its counter start (360 each), so a
-// phase of phi degrees of the output clock is M x phi / N VCO degrees after the reference. Delays
+// phase of phi degrees of the input clock is M x phi / N VCO degrees after the reference. Delays
 // can only be positive: when some phase is negative, the feedback path is delayed by the largest of
 // them instead, which moves the reference and with it every output ahead.
 #include "pll_arith.h"

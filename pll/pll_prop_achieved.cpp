@@ -2,9 +2,9 @@
 //
 // With M and N as the counts of feedback and input (M times the count of the feedback output, when
 // an output is fed back), the VCO runs at fin x M / N and an output behind counters c1, c2, ... at
-// fin x M / (N x c1 x c2 x ...). A VCO phase of p degrees is p x N / M degrees of a clock at the
-// input's frequency. The loop filter's pi is 3.14 everywhere: its figures are compared with tables
-// that were computed so.
+// fin x M / (N x c1 x c2 x ...). A VCO phase of p degrees is p x N / M degrees of the input clock,
+// in which phases are counted whatever the output. The loop filter's pi is 3.14 everywhere: its
+// figures are compared with tables that were computed so.
 #include "pll_prop.h"
 
 #include "pll.h"

@@ -20,8 +20,8 @@ show() {
     fi
 }
 
-show 0 "A video clock pair from a 74.25 MHz oscillator, the second in quadrature, and its double" \
-    synth --in 74.25MHz --out 74.25MHz --out 74.25MHz,phase=90 --out 148.5MHz
+show 0 "A video clock pair from a 27 MHz oscillator, the second in quadrature, and its half" \
+    synth --in 27MHz --out 148.5MHz --out 148.5MHz,phase=90 --out 74.25MHz
 
 show 0 "An audio clock from the video crystal: not exact, but within 50 ppm" \
     synth --in 27MHz --out 24.576MHz --tolerance 50ppm

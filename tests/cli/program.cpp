@@ -130,3 +130,10 @@ std::vector<std::string> split(const std::string& text, char separator)
     }
     return parts;
 }
+
+std::vector<std::string> words_of(const std::string& line)
+{
+    std::vector<std::string> words = split(line, ' ');
+    std::erase(words, std::string());
+    return words;
+}

@@ -29,3 +29,6 @@ RUN run_program(const char* program, const std::vector<std::string>& arguments,
 RUN run_pllcalc(const std::string& line);
 
 std::vector<std::string> split(const std::string& text, char separator);
+
+// The words of a line, without the blanks between them.
+std::vector<std::string> words_of(const std::string& line);
