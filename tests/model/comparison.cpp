@@ -2,53 +2,13 @@
 
 #include "field_compare.h"
 #include "model.h"
+#include "report_gatherer.h"
 
-#include "msg_internal_error.h"
 #include "verifier.h"
 
 #include <sstream>
 
 namespace {
-
-// Gathers the conditions that the library reports while it lives.
-class REPORT_GATHERER
-{
-public:
-    explicit REPORT_GATHERER(MODEL_REPORTS* reports)
-    {
-        MSG_INTERNAL_ERROR::set_handler(gather, reports);
-    }
-    ~REPORT_GATHERER() { MSG_INTERNAL_ERROR::set_handler(nullptr, nullptr); }
-    REPORT_GATHERER(const REPORT_GATHERER&) = delete;
-    REPORT_GATHERER& operator=(const REPORT_GATHERER&) = delete;
-
-private:
-    static void gather(const char* condition, const char* component, const char*, int,
-                       void* context)
-    {
-        std::string text = condition;
-        if (std::string(component) != "PLL") {
-            text += std::string(" by ") + component;
-        }
-        static_cast<MODEL_REPORTS*>(context)->push_back(text);
-    }
-};
-
-void compare_reports(const char* what, const MODEL_REPORTS& library, const MODEL_REPORTS& model,
-                     std::ostream& stream)
-{
-    if (library == model) {
-        return;
-    }
-    std::size_t i = 0;
-    while (i < library.size() && i < model.size() && library[i] == model[i]) {
-        ++i;
-    }
-    stream << what << ": library made " << library.size() << " reports, model " << model.size()
-           << "; number " << i << ": library "
-           << (i < library.size() ? library[i] : std::string("none")) << ", model "
-           << (i < model.size() ? model[i] : std::string("none")) << '\n';
-}
 
 MODEL_PLL start_of(const RANDOM_CASE& random_case, const REAL_CASE& real)
 {
