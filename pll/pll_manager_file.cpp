@@ -27,7 +27,7 @@ int open_for_reading(const char* name)
 
 }  // namespace
 
-PLL_INPUT_FILE::PLL_INPUT_FILE() : m_descriptor(-1), m_next(0), m_end(0) {}
+PLL_INPUT_FILE::PLL_INPUT_FILE() : m_descriptor(-1), m_next(0), m_end(0), m_block{} {}
 
 PLL_INPUT_FILE::~PLL_INPUT_FILE()
 {

@@ -6,8 +6,6 @@ const std::uint64_t FEWEST_SLOTS = 16;
 
 }  // namespace
 
-PLL_NAME_INDEX::PLL_NAME_INDEX() : m_room(0), m_count(0), m_mask(0), m_slots(nullptr) {}
-
 PLL_NAME_INDEX::~PLL_NAME_INDEX()
 {
     manager_release(m_slots);

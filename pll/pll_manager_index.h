@@ -27,7 +27,7 @@ inline std::uint64_t hash_name(const char* name, int tag = 0)
 class PLL_NAME_INDEX
 {
 public:
-    PLL_NAME_INDEX();
+    PLL_NAME_INDEX() : m_room(0), m_count(0), m_mask(0), m_slots(nullptr) {}
     ~PLL_NAME_INDEX();
     PLL_NAME_INDEX(const PLL_NAME_INDEX&) = delete;
     PLL_NAME_INDEX& operator=(const PLL_NAME_INDEX&) = delete;

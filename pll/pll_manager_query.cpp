@@ -99,6 +99,8 @@ PLL_QUERY::PLL_QUERY(const PLL_QUERY& other) : PLL_QUERY()
 
 // Exhausted memory leaves the query as it was: one that selects fewer devices than it was given
 // would promise too much.
+// The parts are copied into m_migration_info, which stays.
+// cppcheck-suppress operatorEqVarError
 PLL_QUERY& PLL_QUERY::operator=(const PLL_QUERY& other)
 {
     if (this != &other && copy_migration_parts(this, other)) {

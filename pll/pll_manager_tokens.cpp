@@ -48,8 +48,15 @@ int find_name(const char* name, const char* const* names, std::size_t count)
 
 bool is_cursor(char** line)
 {
-    return check(line != nullptr, "line != NULL", PLL_MANAGER_SOURCE) &&
-           check(*line != nullptr, "*line != NULL", PLL_MANAGER_SOURCE);
+    if (line == nullptr) {
+        report_error("line != NULL", PLL_MANAGER_SOURCE);
+        return false;
+    }
+    if (*line == nullptr) {
+        report_error("*line != NULL", PLL_MANAGER_SOURCE);
+        return false;
+    }
+    return true;
 }
 
 // Moves the cursor to the next word; false at a comment or the end of the line.

@@ -18,7 +18,7 @@ void TRACE_BUFFER::open(const char* path)
 
 void TRACE_BUFFER::close()
 {
-    sync();
+    write_out();
     if (m_file >= 0) {
         ::close(m_file);
         m_file = -1;
@@ -27,7 +27,7 @@ void TRACE_BUFFER::close()
 
 TRACE_BUFFER::int_type TRACE_BUFFER::overflow(int_type character)
 {
-    sync();
+    write_out();
     if (!traits_type::eq_int_type(character, traits_type::eof())) {
         sputc(traits_type::to_char_type(character));
     }
@@ -35,6 +35,12 @@ TRACE_BUFFER::int_type TRACE_BUFFER::overflow(int_type character)
 }
 
 int TRACE_BUFFER::sync()
+{
+    write_out();
+    return 0;
+}
+
+void TRACE_BUFFER::write_out()
 {
     const char* text = pbase();
     while (m_file >= 0 && text < pptr()) {
@@ -48,5 +54,4 @@ int TRACE_BUFFER::sync()
         text += written;
     }
     reset();
-    return 0;
 }

@@ -27,6 +27,7 @@ protected:
 private:
     static constexpr std::size_t SIZE = 1024;
 
+    void write_out();
     void reset() { setp(m_text, m_text + SIZE); }
 
     int m_file;

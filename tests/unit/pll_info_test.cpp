@@ -439,9 +439,13 @@ TEST(BandwidthSetting, IsNullWhenMemoryIsExhausted)
 {
     FAILING_HEAP heap;
     heap.fail_from(1);
-    EXPECT_EQ(nullptr, new PLL_BANDWIDTH_SETTING);
-    EXPECT_EQ(nullptr, new PLL_BANDWIDTH_SETTING[3]);
-    EXPECT_EQ(nullptr, new PLL_BANDWIDTH_SETTING_GROUP);
-    EXPECT_EQ(nullptr, new PLL_BANDWIDTH_SETTING_GROUP[3]);
+    const auto* const row = new PLL_BANDWIDTH_SETTING;
+    const auto* const rows = new PLL_BANDWIDTH_SETTING[3];
+    const auto* const group = new PLL_BANDWIDTH_SETTING_GROUP;
+    const auto* const groups = new PLL_BANDWIDTH_SETTING_GROUP[3];
+    EXPECT_EQ(nullptr, row);
+    EXPECT_EQ(nullptr, rows);
+    EXPECT_EQ(nullptr, group);
+    EXPECT_EQ(nullptr, groups);
     EXPECT_EQ(4, heap.get_failures());
 }
