@@ -4,8 +4,9 @@
 
 #include "model_fields.h"
 
+#include <bit>
 #include <cmath>
-#include <cstring>
+#include <cstdint>
 #include <iomanip>
 #include <limits>
 #include <ostream>
@@ -33,7 +34,7 @@ private:
         if (std::isnan(a) && std::isnan(b)) {
             return true;
         }
-        return std::memcmp(&a, &b, sizeof a) == 0;
+        return std::bit_cast<std::uint64_t>(a) == std::bit_cast<std::uint64_t>(b);
     }
 
     template <class A, class B>

@@ -66,8 +66,8 @@ void model_place_phases_and_duties(MODEL_PLL* self, MODEL_PLL* candidate, const 
                                    MODEL_REPORTS& reports);
 void model_correct_neighbours(MODEL_PLL* pll);
 
-// Duty cycle of output `tap` of `pll` and the choice of its halves.
-void model_place_duty(MODEL_PLL* pll, const MODEL_CLOCK& clock, int tap, MODEL_REPORTS& reports);
+// Duty cycle of output `i` of `pll` and the choice of its halves.
+void model_place_duty(MODEL_PLL* pll, const MODEL_CLOCK& clock, int i, MODEL_REPORTS& reports);
 
 // Chooses the row of the bandwidth table; false when there is none.
 bool model_choose_row(MODEL_PLL* pll, const MODEL_PROP& request, MODEL_REPORTS& reports);

@@ -448,6 +448,23 @@ bool make_final_checks(RUN* run, bool result, int error)
     return result && check_input_and_bandwidth(run);
 }
 
+// In ascending order, each ratio once.
+void list_ratio(const MODEL_RATIO& ratio, std::vector<MODEL_RATIO>* list)
+{
+    bool listed = false;
+    std::size_t place = list->size();
+    for (std::size_t i = list->size(); i-- > 0;) {
+        const MODEL_RATIO& other = (*list)[i];
+        listed = listed || (other.m_mult == ratio.m_mult && other.m_div == ratio.m_div);
+        if (std::int64_t{other.m_mult} * ratio.m_div >= std::int64_t{other.m_div} * ratio.m_mult) {
+            place = i;
+        }
+    }
+    if (!listed) {
+        list->insert(list->begin() + static_cast<std::ptrdiff_t>(place), ratio);
+    }
+}
+
 }  // namespace
 
 bool model_synthesize(MODEL_PLL* pll, const MODEL_PROP& request, const MODEL_PARTS& parts,
@@ -499,19 +516,7 @@ std::vector<MODEL_RATIO> model_list_ratios(const MODEL_PLL& pll, int fin_period,
                 }
                 MODEL_RATIO ratio = {};
                 model_normalize(&ratio.m_mult, &ratio.m_div, m, n, reports);
-                bool listed = false;
-                std::size_t place = list.size();
-                for (std::size_t i = list.size(); i-- > 0;) {
-                    listed =
-                        listed || (list[i].m_mult == ratio.m_mult && list[i].m_div == ratio.m_div);
-                    if (std::int64_t{list[i].m_mult} * ratio.m_div >=
-                        std::int64_t{list[i].m_div} * ratio.m_mult) {
-                        place = i;
-                    }
-                }
-                if (!listed) {
-                    list.insert(list.begin() + static_cast<std::ptrdiff_t>(place), ratio);
-                }
+                list_ratio(ratio, &list);
             }
         }
     }
