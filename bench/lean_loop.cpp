@@ -1,5 +1,7 @@
 #include "lean_loop.h"
 
+#include "lean_table.h"
+
 #include <algorithm>
 #include <cfloat>
 #include <cmath>
@@ -15,9 +17,8 @@ constexpr int SMALLEST_M = 2;
 constexpr int CUT_OFF_FACTOR = 4;
 constexpr int SMALL_M = 40;
 constexpr double TOLERANCE_PS = 1.0;
-constexpr double EXACT = 1e-12;
-constexpr double MET = 0.001;
 constexpr double WORST = 1e300;
+constexpr int FARTHEST = 0x40000000;
 constexpr double COST_OF_INACCURACY = 8192.0;
 constexpr double COST_OF_POST_SCALE = 65536.0;
 constexpr double EVEN_M_BONUS_PS = 200.0;
@@ -28,12 +29,6 @@ struct PERIODS
     double m_pfd_min, m_pfd_max;
 };
 
-struct CLOCK
-{
-    double m_mult, m_div, m_ratio;
-    int m_max_count;
-};
-
 // Everything the loops need, read once.
 struct JOB
 {
@@ -42,14 +37,8 @@ struct JOB
     bool m_auto, m_custom;
     double m_bandwidth;
     int m_product_min, m_product_max;  // of current and resistor
-    int m_clock_count;
-    CLOCK m_clocks[PLL_MAX_TAPS];
-};
-
-struct ERRORS
-{
-    double m_sum;       // of the clocks that miss
-    double m_relative;  // of all clocks
+    bool m_table;                      // a table chooses the loop filter
+    bool m_rule_is_error;
 };
 
 JOB read_job(const PLL& limits, const PLL_PROP& request)
@@ -61,18 +50,14 @@ JOB read_job(const PLL& limits, const PLL_PROP& request)
     job.m_n_max = limits.m_n.m_max_count;
     job.m_post_scale_max = limits.m_max_vco_post_scale;
     job.m_auto = request.m_bandwidth_type == BANDWIDTH_AUTO;
-    job.m_custom = request.m_bandwidth_type == BANDWIDTH_CUSTOM;
+    const PLL_BASIC_INFO* info = limits.m_info.m_basic_info;
+    job.m_table = info != nullptr && info->m_use_bandwidth_settings_table;
+    job.m_rule_is_error = job.m_table && info->m_is_pfd_bandwidth_rule_an_error;
+    job.m_custom = request.m_bandwidth_type == BANDWIDTH_CUSTOM && !job.m_table;
     job.m_bandwidth = request.m_bandwidth;
     const PLL_IMPL& parts = *PLL::m_impl;
     job.m_product_min = parts.m_charge_pump_currents.front() * parts.m_resistors.front();
     job.m_product_max = parts.m_charge_pump_currents.back() * parts.m_resistors.back();
-    job.m_clock_count = request.m_taps_count;
-    for (int i = 0; i < job.m_clock_count; ++i) {
-        const PLL_USER_TAP& tap = request.m_taps[i];
-        const double mult = tap.m_mult;
-        const double div = tap.m_div;
-        job.m_clocks[i] = {mult, div, mult / div, limits.m_taps[i].m_max_count};
-    }
     return job;
 }
 
@@ -88,47 +73,6 @@ bool bandwidth_is_feasible(const JOB& job, double kvco, int m)
 {
     const int product = int(2.0 * m * job.m_bandwidth * 3.14 / kvco);
     return job.m_product_min <= product && product <= job.m_product_max;
-}
-
-int counter_for(const CLOCK& clock, int m, int n)
-{
-    const double count = double(m) * clock.m_div / (double(n) * clock.m_mult) + 0.5;
-    if (count < 1.0) {
-        return 1;
-    }
-    constexpr int LARGEST = std::numeric_limits<int>::max();
-    return count > LARGEST ? LARGEST : int(count);
-}
-
-// How far the halves of a counter exceed what it can count.
-double excess_of(int count, int max_count)
-{
-    if (max_count == 1) {
-        return count > 1 ? count : 0;
-    }
-    const int high = count / 2;
-    const int low = count - high;
-    return double(std::max(high - max_count, 0)) + double(std::max(low - max_count, 0));
-}
-
-ERRORS errors_of(const JOB& job, int m, int n)
-{
-    ERRORS errors = {0.0, 0.0};
-    const double vco_ratio = double(m) / double(n);
-    for (int i = 0; i < job.m_clock_count; ++i) {
-        const CLOCK& clock = job.m_clocks[i];
-        const int count = counter_for(clock, m, n);
-        const double error = std::fabs(vco_ratio / count - clock.m_ratio);
-        if (error >= EXACT) {
-            const double relative = std::fabs(clock.m_div * error / clock.m_mult);
-            errors.m_relative += relative;
-            if (relative >= MET) {
-                errors.m_sum += error;
-            }
-        }
-        errors.m_sum += excess_of(count, clock.m_max_count);
-    }
-    return errors;
 }
 
 // Of equal costs: no larger N, a small M, a VCO near its centre, rather an even M.
@@ -147,16 +91,23 @@ bool wins_tie(const LEAN_ANSWER& best, double best_deviation, int m, int n, doub
 class SEARCH
 {
 public:
-    SEARCH(const PLL& limits, const JOB& job)
+    SEARCH(const PLL& limits, const PLL_PROP& request, const JOB& job)
         : m_limits(limits),
+          m_request(request),
           m_job(job),
+          m_clocks(read_lean_clocks(limits, request)),
           m_cut_off(double(job.m_m_max) + 1.0),
           m_best_deviation(WORST),
-          m_best{false, false, 0, 0, 0, WORST, 0, WORST}
+          m_miss(FARTHEST),
+          m_best{}
     {
+        m_best.m_m = 1;
+        m_best.m_n = 1;
+        m_best.m_error = WORST;
+        m_best.m_cost = WORST;
     }
 
-    LEAN_ANSWER run()
+    const LEAN_ANSWER& run()
     {
         for (int post_scale = 1; post_scale <= m_job.m_post_scale_max; ++post_scale) {
             const PERIODS periods = read_periods(m_limits, post_scale);
@@ -165,58 +116,108 @@ public:
                 if (m_job.m_auto && CUT_OFF_FACTOR * m_cut_off < m) {
                     break;
                 }
-                if (m_job.m_custom && !bandwidth_is_feasible(m_job, kvco, m)) {
-                    continue;
-                }
-                try_dividers(post_scale, m, periods);
+                try_dividers(post_scale, m, periods,
+                             m_job.m_custom && !bandwidth_is_feasible(m_job, kvco, m));
             }
         }
+        std::copy_n(m_clocks.m_carried, PLL_MAX_TAPS, m_best.m_carried);
         return m_best;
     }
 
 private:
-    void try_dividers(int post_scale, int m, const PERIODS& periods)
+    void try_dividers(int post_scale, int m, const PERIODS& periods, bool barred)
     {
+        if (barred && m_best.m_found) {
+            return;
+        }
         for (int n = m_job.m_n_min; n <= m_job.m_n_max; ++n) {
             const double pfd = m_job.m_fin * n;
             const double vco = pfd / m;
-            if (vco > periods.m_vco_max || pfd > periods.m_pfd_max) {
-                return;
+            const bool too_slow = vco > periods.m_vco_max || pfd > periods.m_pfd_max;
+            if (too_slow || vco < periods.m_vco_min || pfd < periods.m_pfd_min) {
+                if (!m_best.m_found) {
+                    take_miss(periods, m, n, vco);
+                }
+                if (too_slow) {
+                    return;
+                }
+            } else if (!barred) {
+                offer(post_scale, m, n, vco - periods.m_vco_center);
             }
-            if (vco >= periods.m_vco_min && pfd >= periods.m_pfd_min) {
-                offer(post_scale, m, n, std::fabs(vco - periods.m_vco_center));
-            }
+        }
+    }
+
+    void take_miss(const PERIODS& periods, int m, int n, double vco)
+    {
+        const int over = int(vco - (periods.m_vco_max - TOLERANCE_PS));
+        const int under = int(periods.m_vco_min + TOLERANCE_PS - vco);
+        const int distance = std::max(over, 0) + std::max(under, 0);
+        if (distance < m_miss) {
+            m_miss = distance;
+            m_best.m_m = m;
+            m_best.m_n = n;
         }
     }
 
     void offer(int post_scale, int m, int n, double deviation)
     {
-        const ERRORS errors = errors_of(m_job, m, n);
-        if (errors.m_sum != 0.0) {
-            if (errors.m_sum < m_best.m_error) {
-                m_best = {true, false, post_scale, m, n, errors.m_sum, 0, WORST};
+        LEAN_COUNTER counters[PLL_MAX_TAPS];
+        const LEAN_SCORE score = assign_lean_counters(m_clocks, m, n, counters);
+        if (score.m_error != 0.0) {
+            if (score.m_error < m_best.m_error) {
+                m_best.m_error = score.m_error;
+                take(post_scale, m, n, counters);
             }
             return;
         }
+        m_best.m_exact = true;
+        m_best.m_error = 0.0;
         ++m_best.m_met;
-        double cost = 0.0;
-        if (errors.m_relative > DBL_EPSILON) {
-            cost += errors.m_relative / MET + COST_OF_INACCURACY;
-        } else if (m < m_cut_off) {
-            m_cut_off = m;
-        }
+        offer_exact(post_scale, m, n, std::fabs(deviation), score.m_relative, counters);
+    }
+
+    void offer_exact(int post_scale, int m, int n, double deviation, double relative,
+                     LEAN_COUNTER* counters)
+    {
+        bool may_cut_off = relative <= DBL_EPSILON;
+        double cost = may_cut_off ? 0.0 : relative / LEAN_MET + COST_OF_INACCURACY;
         cost += (post_scale - 1) * COST_OF_POST_SCALE;
+        LEAN_ROW_CHOICE choice = {nullptr, 0.0, true};
+        if (m_job.m_table) {
+            choice = choose_lean_row(m_limits, m_request, m * post_scale, n);
+            cost += choice.m_cost;
+            may_cut_off = may_cut_off &&
+                          !(m_job.m_rule_is_error && (choice.m_row == nullptr || !choice.m_within));
+        }
+        cost = place_lean_phases(&m_clocks, m, n, cost, counters);
         if (cost < m_best.m_cost ||
             (cost == m_best.m_cost && wins_tie(m_best, m_best_deviation, m, n, deviation))) {
-            m_best = {true, true, post_scale, m, n, 0.0, m_best.m_met, cost};
+            m_best.m_cost = cost;
+            m_best.m_row = choice.m_row;
             m_best_deviation = deviation;
+            take(post_scale, m, n, counters);
+        }
+        if (may_cut_off && m < m_cut_off) {
+            m_cut_off = m;
         }
     }
 
+    void take(int post_scale, int m, int n, const LEAN_COUNTER* counters)
+    {
+        m_best.m_found = true;
+        m_best.m_post_scale = post_scale;
+        m_best.m_m = m;
+        m_best.m_n = n;
+        std::copy_n(counters, m_clocks.m_count, m_best.m_counters);
+    }
+
     const PLL& m_limits;
+    const PLL_PROP& m_request;
     const JOB& m_job;
+    LEAN_CLOCKS m_clocks;
     double m_cut_off;  // smallest M that met every clock to the last digit
     double m_best_deviation;
+    int m_miss;  // ps to the nearest illegal VCO
     LEAN_ANSWER m_best;
 };
 
@@ -230,18 +231,23 @@ bool is_equal(const LEAN_RATIO& a, const LEAN_RATIO& b)
     return a.m_mult == b.m_mult && a.m_div == b.m_div;
 }
 
-void append_ratios(const PLL& limits, const PERIODS& periods, int fin_period, int m,
-                   std::vector<LEAN_RATIO>* ratios)
+template <class TAKE>
+void for_each_legal_pair(const PLL& limits, int fin_period, TAKE take)
 {
-    for (int n = limits.m_n.m_min_count; n <= limits.m_n.m_max_count; ++n) {
-        const double pfd = double(fin_period) * n;
-        const double vco = pfd / m;
-        if (vco > periods.m_vco_max || pfd > periods.m_pfd_max) {
-            return;
-        }
-        if (vco >= periods.m_vco_min && pfd >= periods.m_pfd_min) {
-            const int divisor = std::gcd(m, n);
-            ratios->push_back({m / divisor, n / divisor});
+    for (int post_scale = 1; post_scale <= limits.m_max_vco_post_scale; ++post_scale) {
+        const PERIODS periods = read_periods(limits, post_scale);
+        for (int m = SMALLEST_M; m <= limits.m_m.m_max_count; ++m) {
+            for (int n = limits.m_n.m_min_count; n <= limits.m_n.m_max_count; ++n) {
+                const double pfd = double(fin_period) * n;
+                const double vco = pfd / m;
+                if (vco > periods.m_vco_max || pfd > periods.m_pfd_max) {
+                    break;
+                }
+                if (vco >= periods.m_vco_min && pfd >= periods.m_pfd_min) {
+                    const int divisor = std::gcd(m, n);
+                    take(LEAN_RATIO{m / divisor, n / divisor});
+                }
+            }
         }
     }
 }
@@ -251,18 +257,48 @@ void append_ratios(const PLL& limits, const PERIODS& periods, int fin_period, in
 LEAN_ANSWER lean_synthesis(const PLL& limits, const PLL_PROP& request)
 {
     const JOB job = read_job(limits, request);
-    return SEARCH(limits, job).run();
+    return SEARCH(limits, request, job).run();
 }
 
 void lean_vco_ratios(const PLL& limits, int fin_period, std::vector<LEAN_RATIO>* ratios)
 {
     ratios->clear();
-    for (int post_scale = 1; post_scale <= limits.m_max_vco_post_scale; ++post_scale) {
-        const PERIODS periods = read_periods(limits, post_scale);
-        for (int m = SMALLEST_M; m <= limits.m_m.m_max_count; ++m) {
-            append_ratios(limits, periods, fin_period, m, ratios);
-        }
-    }
+    for_each_legal_pair(limits, fin_period,
+                        [ratios](const LEAN_RATIO& ratio) { ratios->push_back(ratio); });
     std::sort(ratios->begin(), ratios->end(), is_smaller);
     ratios->erase(std::unique(ratios->begin(), ratios->end(), is_equal), ratios->end());
+}
+
+void INSERTED_RATIOS::list(const PLL& limits, int fin_period)
+{
+    m_mults.reset();
+    m_divs.reset();
+    m_count = 0;
+    for_each_legal_pair(limits, fin_period, [this](const LEAN_RATIO& ratio) { insert(ratio); });
+}
+
+void INSERTED_RATIOS::insert(const LEAN_RATIO& ratio)
+{
+    for (std::size_t i = 0; i < m_count; ++i) {
+        if (m_mults[i] == ratio.m_mult && m_divs[i] == ratio.m_div) {
+            return;
+        }
+    }
+    std::size_t place = 0;
+    while (place < m_count && is_smaller({m_mults[place], m_divs[place]}, ratio)) {
+        ++place;
+    }
+    m_mults = with_one_more(m_mults, place, ratio.m_mult);
+    m_divs = with_one_more(m_divs, place, ratio.m_div);
+    ++m_count;
+}
+
+INSERTED_RATIOS::ARRAY INSERTED_RATIOS::with_one_more(const ARRAY& array, std::size_t place,
+                                                      int value) const
+{
+    ARRAY longer = std::make_unique_for_overwrite<int[]>(m_count + 1);
+    std::copy_n(array.get(), place, longer.get());
+    longer[place] = value;
+    std::copy_n(array.get() + place, m_count - place, longer.get() + place + 1);
+    return longer;
 }

@@ -9,7 +9,6 @@ namespace {
 
 const char LEAN[] = "lean";
 const char LIBRARY[] = "library";
-const char MEDIAN[] = "median";
 constexpr int LABEL_WIDTH = 42;
 constexpr double US_PER_S = 1e6;
 
@@ -45,35 +44,59 @@ std::string library_name(const std::string& row, int fin_period)
 
 void RATIO_REPORTER::ReportRuns(const std::vector<Run>& runs)
 {
-    std::vector<Run> shown;
+    const Run* shortest = nullptr;
     for (const Run& run : runs) {
-        const bool is_single = run.run_type == Run::RT_Iteration && run.repetitions == 1;
         if (run.error_occurred) {
             ++m_failures;
-            shown.push_back(run);
-        } else if (is_single || run.aggregate_name == MEDIAN) {
-            take(run);
-            shown.push_back(run);
+            shortest = &run;
+            break;
+        }
+        const bool is_single = run.run_type == Run::RT_Iteration;
+        if (is_single && (shortest == nullptr ||
+                          run.cpu_accumulated_time / double(run.iterations) <
+                              shortest->cpu_accumulated_time / double(shortest->iterations))) {
+            shortest = &run;
         }
     }
-    ConsoleReporter::ReportRuns(shown);
+    if (shortest != nullptr) {
+        take(*shortest);
+        ConsoleReporter::ReportRuns({*shortest});
+    }
 }
 
 void RATIO_REPORTER::take(const Run& run)
 {
+    if (run.error_occurred) {
+        return;
+    }
     const std::string& name = run.run_name.function_name;
     const std::size_t side_at = name.rfind('/');
     const std::size_t period_at = name.rfind('/', side_at - 1);
     const std::string row = name.substr(0, period_at);
     const int period = std::atoi(name.c_str() + period_at + 1);
-    const double seconds =
-        run.GetAdjustedCPUTime() / benchmark::GetTimeUnitMultiplier(run.time_unit);
+    const double seconds = run.cpu_accumulated_time / double(run.iterations);
     if (m_pairs.find(row) == m_pairs.end()) {
         m_rows.push_back(row);
     }
     PAIR& pair = m_pairs[row][period];
     (name.substr(side_at + 1) == LEAN ? pair.m_lean : pair.m_library) = seconds;
     m_periods[period] = true;
+}
+
+std::vector<MEASURED_PAIR> RATIO_REPORTER::get_pairs(const std::string& work) const
+{
+    std::vector<MEASURED_PAIR> pairs;
+    for (const std::string& row : m_rows) {
+        if (row.compare(0, work.size(), work) != 0) {
+            continue;
+        }
+        for (const auto& [period, pair] : m_pairs.at(row)) {
+            if (is_measured(pair)) {
+                pairs.push_back({row, period, pair.m_lean * US_PER_S, pair.m_library * US_PER_S});
+            }
+        }
+    }
+    return pairs;
 }
 
 void RATIO_REPORTER::Finalize()

@@ -12,16 +12,29 @@
 std::string lean_name(const std::string& row, int fin_period);
 std::string library_name(const std::string& row, int fin_period);
 
+struct MEASURED_PAIR
+{
+    std::string m_row;
+    int m_fin_period;  // ps
+    double m_lean_us;
+    double m_library_us;
+
+    double get_ratio() const { return m_lean_us / m_library_us; }
+};
+
 class RATIO_REPORTER : public benchmark::ConsoleReporter
 {
 public:
     RATIO_REPORTER() : ConsoleReporter(OO_None), m_failures(0) {}
 
-    // Takes the medians of the repetitions.
+    // Takes the shortest of the repetitions: other load only ever adds.
     void ReportRuns(const std::vector<Run>& runs) override;
 
     // Prints the two tables and the geometric means.
     void Finalize() override;
+
+    // The pairs whose row begins with `work`.
+    std::vector<MEASURED_PAIR> get_pairs(const std::string& work) const;
 
     // Measurements that were given up because of a wrong answer.
     int get_failures() const { return m_failures; }
