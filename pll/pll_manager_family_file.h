@@ -5,6 +5,8 @@
 #include "pll_manager.h"
 #include "pll_manager_file.h"
 
+#include <span>
+
 // What must have been said before a statement can have an effect; without it the statement is
 // skipped, operands unseen.
 enum class PLL_SCOPE
@@ -129,6 +131,9 @@ struct PLL_KEYWORD
     PLL_OPERAND_KIND m_kind;
     SETTER m_set;
 };
+
+// All keywords, in alphabetical order.
+std::span<const PLL_KEYWORD> get_keywords();
 
 // The keyword `name`, whatever its case; null when there is none.
 const PLL_KEYWORD* find_keyword(const char* name);

@@ -332,6 +332,11 @@ constexpr SORTED_KEYWORDS BY_KEYWORD = sort_keywords();
 
 }  // namespace
 
+std::span<const PLL_KEYWORD> get_keywords()
+{
+    return BY_KEYWORD;
+}
+
 const PLL_KEYWORD* find_keyword(const char* name)
 {
     const auto row = std::lower_bound(

@@ -40,7 +40,7 @@ bool MODEL_WORDS::skip_to_word()
 std::string MODEL_WORDS::cut(const std::string& separators)
 {
     const std::size_t end = m_rest.find_first_of(separators);
-    const std::string word = m_rest.substr(0, end);
+    std::string word = m_rest.substr(0, end);
     m_rest = end == std::string::npos ? "" : m_rest.substr(end + 1);
     return word;
 }

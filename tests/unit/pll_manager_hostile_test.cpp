@@ -58,25 +58,6 @@ protected:
         return is_initialised;
     }
 
-    void use_variants(const std::string& name, const std::string& text)
-    {
-        for (std::size_t size = 0; size < text.size(); ++size) {
-            SCOPED_TRACE("cut at " + std::to_string(size));
-            write(name, text.substr(0, size));
-            use();
-        }
-        for (std::size_t i = 0; i < text.size(); ++i) {
-            const int bit = static_cast<int>(i % 8);
-            SCOPED_TRACE("bit " + std::to_string(bit) + " of byte " + std::to_string(i));
-            std::string flipped = text;
-            flipped[i] = static_cast<char>(flipped[i] ^ (1 << bit));
-            write(name, flipped);
-            use();
-        }
-        write(name, text);
-        EXPECT_TRUE(use());
-    }
-
     bool read_family()
     {
         PLL_MANAGER manager;
@@ -104,26 +85,6 @@ private:
 TEST_F(HostileDatabase, IsReadWhenItIsWhole)
 {
     EXPECT_TRUE(use());
-}
-
-TEST_F(HostileDatabase, MayHaveABrokenPathFile)
-{
-    use_variants("ddb_pll_path.txt", PATH_TEXT);
-}
-
-TEST_F(HostileDatabase, MayHaveABrokenFamilyFile)
-{
-    use_variants("family.txt", FAMILY_TEXT);
-}
-
-TEST_F(HostileDatabase, MayHaveABrokenTable)
-{
-    use_variants("table.txt", TABLE_TEXT);
-}
-
-TEST_F(HostileDatabase, MayHaveABrokenInclude)
-{
-    use_variants("inc.txt", INCLUDED_TEXT);
 }
 
 TEST_F(HostileDatabase, MayHaveLongLines)
