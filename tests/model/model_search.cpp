@@ -465,6 +465,19 @@ void list_ratio(const MODEL_RATIO& ratio, std::vector<MODEL_RATIO>* list)
     }
 }
 
+void list_ratios_of_m(const MODEL_PLL& pll, const LIMITS& limits, int fin_period, int m,
+                      std::vector<MODEL_RATIO>* list, MODEL_REPORTS& reports)
+{
+    for (int n = pll.m_n.m_min_count; n <= pll.m_n.m_max_count; ++n) {
+        const double pfd = static_cast<double>(fin_period) * n;
+        if (in_ranges(limits, pfd / m, pfd)) {
+            MODEL_RATIO ratio = {};
+            model_normalize(&ratio.m_mult, &ratio.m_div, m, n, reports);
+            list_ratio(ratio, list);
+        }
+    }
+}
+
 }  // namespace
 
 bool model_synthesize(MODEL_PLL* pll, const MODEL_PROP& request, const MODEL_PARTS& parts,
@@ -509,15 +522,7 @@ std::vector<MODEL_RATIO> model_list_ratios(const MODEL_PLL& pll, int fin_period,
         const LIMITS limits = {pll.m_vco_min_period[scale], pll.m_vco_max_period[scale], 0,
                                pll.m_pfd_min_period, pll.m_pfd_max_period};
         for (int m = 2; m <= pll.m_m.m_max_count; ++m) {
-            for (int n = pll.m_n.m_min_count; n <= pll.m_n.m_max_count; ++n) {
-                const double pfd = static_cast<double>(fin_period) * n;
-                if (!in_ranges(limits, pfd / m, pfd)) {
-                    continue;
-                }
-                MODEL_RATIO ratio = {};
-                model_normalize(&ratio.m_mult, &ratio.m_div, m, n, reports);
-                list_ratio(ratio, &list);
-            }
+            list_ratios_of_m(pll, limits, fin_period, m, &list, reports);
         }
     }
     return list;

@@ -241,11 +241,12 @@ bool VERIFIER::has_legal_factor(int post_scale) const
     const int common = may_multiply ? std::gcd(m_result.m_m.m_count, m_result.m_n.m_count) : 1;
     for (int factor = 1; factor <= common; ++factor) {
         bool legal = common % factor == 0;
+        const int divider = m_result.m_n.m_count / factor;
         for (const int fin : {m_request.m_fin_period, m_request.m_fin2_period}) {
             if (fin <= 0 && fin == m_request.m_fin2_period) {
                 continue;
             }
-            const double pfd = static_cast<double>(fin) * (m_result.m_n.m_count / factor);
+            const double pfd = static_cast<double>(fin) * divider;
             const double vco = pfd / (m_times_feedback() / factor);
             legal = legal && is_between(vco_min, vco, vco_max) &&
                     is_between(m_before.m_pfd_min_period, pfd, m_before.m_pfd_max_period);

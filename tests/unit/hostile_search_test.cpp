@@ -170,6 +170,23 @@ TEST(HostileRatios, TakeTimeByTheirOwnNumber)
     EXPECT_EQ(1, divs[0]);
 }
 
+void list_ratios(int fin, int field, int limit)
+{
+    SMALL_PLL box(1, 6, 4);
+    int* const fields[] = {&box.m_pll.m_vco_min_period[1],  &box.m_pll.m_vco_max_period[1],
+                           &box.m_pll.m_pfd_min_period,     &box.m_pll.m_pfd_max_period,
+                           &box.m_pll.m_max_vco_post_scale, &box.m_pll.m_n.m_min_count,
+                           &box.m_pll.m_m.m_min_count};
+    *fields[field] = limit;
+    int* mults = nullptr;
+    int* divs = nullptr;
+    const int count = box.m_pll.find_vco_mult_div_values(&mults, &divs, fin);
+    EXPECT_LE(0, count);
+    for (int i = 1; i < count; ++i) {
+        EXPECT_LE(1.0 * mults[i - 1] / divs[i - 1], 1.0 * mults[i] / divs[i]);
+    }
+}
+
 TEST(HostileRatios, TakeAnyInputAndLimits)
 {
     const int hostile[] = {0, 1, -1, 2, 4000, INT_MAXIMUM, INT_MINIMUM, INT_MINIMUM + 1};
@@ -179,20 +196,7 @@ TEST(HostileRatios, TakeAnyInputAndLimits)
     for (int fin : hostile) {
         for (int limit : hostile) {
             for (int field = 0; field < 7; ++field) {
-                SMALL_PLL box(1, 6, 4);
-                int* const fields[] = {
-                    &box.m_pll.m_vco_min_period[1],  &box.m_pll.m_vco_max_period[1],
-                    &box.m_pll.m_pfd_min_period,     &box.m_pll.m_pfd_max_period,
-                    &box.m_pll.m_max_vco_post_scale, &box.m_pll.m_n.m_min_count,
-                    &box.m_pll.m_m.m_min_count};
-                *fields[field] = limit;
-                int* mults = nullptr;
-                int* divs = nullptr;
-                const int count = box.m_pll.find_vco_mult_div_values(&mults, &divs, fin);
-                EXPECT_LE(0, count);
-                for (int i = 1; i < count; ++i) {
-                    EXPECT_LE(1.0 * mults[i - 1] / divs[i - 1], 1.0 * mults[i] / divs[i]);
-                }
+                list_ratios(fin, field, limit);
             }
         }
     }

@@ -69,6 +69,25 @@ TEST(HostileSteps, TakeAnyAchievedValue)
     }
 }
 
+void place_phase_on_counters(int m, int n, double phase, int feedback)
+{
+    PLL pll(2, 10);
+    PLL_PROP request(2);
+    pll.m_m.m_count = m;
+    pll.m_n.m_count = n;
+    pll.m_feedback_tap = feedback;
+    pll.m_m.m_max_count = n;
+    pll.m_m.m_max_vco_tap = 3;
+    request.m_taps[0].m_phase = phase;
+    request.m_taps[1].m_has_sclkout_phase = true;
+    request.m_taps[1].m_sclkout_phase = phase;
+    EXPECT_TRUE(pll.synthesize_best_phase_and_duty_cycle(&pll, request));
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_LE(0, pll.m_taps[i].m_vco_tap);
+        EXPECT_GT(PLL_VCO_TAPS_NUMBER, pll.m_taps[i].m_vco_tap);
+    }
+}
+
 TEST(HostileSteps, PlaceAnyPhaseOnAnyCounters)
 {
     EXPECTED_REPORTS reports;
@@ -76,23 +95,8 @@ TEST(HostileSteps, PlaceAnyPhaseOnAnyCounters)
     for (int m : HOSTILE_INTS) {
         for (int n : HOSTILE_INTS) {
             for (double phase : HOSTILE_DOUBLES) {
-                for (int feedback : {-1, 0}) {
-                    PLL pll(2, 10);
-                    PLL_PROP request(2);
-                    pll.m_m.m_count = m;
-                    pll.m_n.m_count = n;
-                    pll.m_feedback_tap = feedback;
-                    pll.m_m.m_max_count = n;
-                    pll.m_m.m_max_vco_tap = 3;
-                    request.m_taps[0].m_phase = phase;
-                    request.m_taps[1].m_has_sclkout_phase = true;
-                    request.m_taps[1].m_sclkout_phase = phase;
-                    EXPECT_TRUE(pll.synthesize_best_phase_and_duty_cycle(&pll, request));
-                    for (int i = 0; i < 2; ++i) {
-                        EXPECT_LE(0, pll.m_taps[i].m_vco_tap);
-                        EXPECT_GT(PLL_VCO_TAPS_NUMBER, pll.m_taps[i].m_vco_tap);
-                    }
-                }
+                place_phase_on_counters(m, n, phase, -1);
+                place_phase_on_counters(m, n, phase, 0);
             }
         }
     }
@@ -147,6 +151,20 @@ TEST(HostileSteps, WalkAnyCascade)
     }
 }
 
+void share_delays(int first, int second, int feedback)
+{
+    PLL pll(2, 10);
+    PLL_PROP request(2);
+    pll.m_feedback_tap = feedback;
+    request.m_taps[0].m_delay = first;
+    request.m_taps[1].m_delay = second;
+    const bool met = pll.synthesize_delay_chains(request);
+    EXPECT_EQ(met, pll.m_error == PLL::PLL_NO_ERROR);
+    for (int i = 0; met && i < 2; ++i) {
+        EXPECT_GE(MAX_DELAY_CHAIN_VALUE, pll.m_taps[i].m_delay);
+    }
+}
+
 TEST(HostileSteps, ShareAnyDelays)
 {
     EXPECTED_REPORTS reports;
@@ -154,18 +172,34 @@ TEST(HostileSteps, ShareAnyDelays)
     for (int first : HOSTILE_INTS) {
         for (int second : HOSTILE_INTS) {
             for (int feedback : HOSTILE_INTS) {
-                PLL pll(2, 10);
-                PLL_PROP request(2);
-                pll.m_feedback_tap = feedback;
-                request.m_taps[0].m_delay = first;
-                request.m_taps[1].m_delay = second;
-                const bool met = pll.synthesize_delay_chains(request);
-                EXPECT_EQ(met, pll.m_error == PLL::PLL_NO_ERROR);
-                for (int i = 0; met && i < 2; ++i) {
-                    EXPECT_GE(MAX_DELAY_CHAIN_VALUE, pll.m_taps[i].m_delay);
-                }
+                share_delays(first, second, feedback);
             }
         }
+    }
+}
+
+void choose_row(int m, int n, int post_scale, int feedback)
+{
+    PLL pll(1, 10);
+    DEVICE device(3);
+    device.add_row(2, 1e6, 1e6);
+    device.m_info.m_bandwidth_pfd_min_frequency_multiplier = n;
+    device.describe(pll);
+    PLL_PROP request(1);
+    request.m_fin_period = n;
+    request.m_fin2_period = m;
+    pll.m_m.m_count = m;
+    pll.m_n.m_count = n;
+    pll.m_vco_post_scale = post_scale;
+    pll.m_feedback_tap = feedback;
+    EXPECT_EQ(PLL::synthesize_best_bandwidth_using_table(&pll, request),
+              pll.m_bandwidth_legal_for_mult_div);
+}
+
+void choose_rows(int m, int n, int post_scale)
+{
+    for (int feedback : HOSTILE_INTS) {
+        choose_row(m, n, post_scale, feedback);
     }
 }
 
@@ -176,22 +210,7 @@ TEST(HostileSteps, ChooseARowForAnyCounters)
     for (int m : HOSTILE_INTS) {
         for (int n : HOSTILE_INTS) {
             for (int post_scale : HOSTILE_INTS) {
-                for (int feedback : HOSTILE_INTS) {
-                    PLL pll(1, 10);
-                    DEVICE device(3);
-                    device.add_row(2, 1e6, 1e6);
-                    device.m_info.m_bandwidth_pfd_min_frequency_multiplier = n;
-                    device.describe(pll);
-                    PLL_PROP request(1);
-                    request.m_fin_period = n;
-                    request.m_fin2_period = m;
-                    pll.m_m.m_count = m;
-                    pll.m_n.m_count = n;
-                    pll.m_vco_post_scale = post_scale;
-                    pll.m_feedback_tap = feedback;
-                    EXPECT_EQ(PLL::synthesize_best_bandwidth_using_table(&pll, request),
-                              pll.m_bandwidth_legal_for_mult_div);
-                }
+                choose_rows(m, n, post_scale);
             }
         }
     }

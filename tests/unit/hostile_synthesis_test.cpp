@@ -315,20 +315,28 @@ TEST(HostileSynthesis, IsMetUnspoilt)
     }
 }
 
+// Sets a field to each of the values, in every setting.
+template <class VALUE, std::size_t COUNT>
+void expect_defined_results(const FIELD& field, const VALUE (&values)[COUNT],
+                            void (*set)(const FIELD& field, VICTIM& victim, VALUE value))
+{
+    SCOPED_TRACE(field.m_name);
+    for (SETTING setting : SETTINGS) {
+        for (VALUE value : values) {
+            SCOPED_TRACE(value);
+            expect_defined_result(setting, [&](VICTIM& v) { set(field, v, value); });
+        }
+    }
+}
+
 TEST(HostileSynthesis, TakesAnyIntInAnyField)
 {
     EXPECTED_REPORTS reports;
     reports.accept_all();
     for (const FIELD& field : all_fields()) {
-        if (field.m_is_double) {
-            continue;
-        }
-        SCOPED_TRACE(field.m_name);
-        for (SETTING setting : SETTINGS) {
-            for (int value : HOSTILE_INTS) {
-                SCOPED_TRACE(value);
-                expect_defined_result(setting, [&](VICTIM& v) { field.m_set_int(v, value); });
-            }
+        if (!field.m_is_double) {
+            expect_defined_results<int>(
+                field, HOSTILE_INTS, [](const FIELD& f, VICTIM& v, int i) { f.m_set_int(v, i); });
         }
     }
 }
@@ -338,15 +346,10 @@ TEST(HostileSynthesis, TakesAnyDoubleInAnyField)
     EXPECTED_REPORTS reports;
     reports.accept_all();
     for (const FIELD& field : all_fields()) {
-        if (!field.m_is_double) {
-            continue;
-        }
-        SCOPED_TRACE(field.m_name);
-        for (SETTING setting : SETTINGS) {
-            for (double value : HOSTILE_DOUBLES) {
-                SCOPED_TRACE(value);
-                expect_defined_result(setting, [&](VICTIM& v) { field.m_set_double(v, value); });
-            }
+        if (field.m_is_double) {
+            expect_defined_results<double>(
+                field, HOSTILE_DOUBLES,
+                [](const FIELD& f, VICTIM& v, double d) { f.m_set_double(v, d); });
         }
     }
 }
@@ -380,6 +383,23 @@ TEST(HostileSynthesis, TakesAnyValuesInSeveralFields)
     }
 }
 
+void synthesize_with_components(const std::vector<int>& currents, const std::vector<int>& resistors,
+                                double bandwidth)
+{
+    VICTIM victim;
+    prepare(victim, SETTING::CUSTOM_BANDWIDTH);
+    victim.m_request.m_bandwidth = bandwidth;
+    victim.m_pll.clear_rci();
+    for (int current : currents) {
+        PLL::add_i(current);
+    }
+    for (int resistor : resistors) {
+        PLL::add_r(resistor);
+    }
+    const bool met = victim.synthesize();
+    EXPECT_EQ(!met, victim.m_pll.m_error != PLL::PLL_NO_ERROR);
+}
+
 TEST(HostileSynthesis, TakesAnyComponents)
 {
     const std::vector<int> lists[] = {
@@ -387,18 +407,7 @@ TEST(HostileSynthesis, TakesAnyComponents)
     for (const std::vector<int>& currents : lists) {
         for (const std::vector<int>& resistors : lists) {
             for (double bandwidth : HOSTILE_DOUBLES) {
-                VICTIM victim;
-                prepare(victim, SETTING::CUSTOM_BANDWIDTH);
-                victim.m_request.m_bandwidth = bandwidth;
-                victim.m_pll.clear_rci();
-                for (int current : currents) {
-                    PLL::add_i(current);
-                }
-                for (int resistor : resistors) {
-                    PLL::add_r(resistor);
-                }
-                const bool met = victim.synthesize();
-                EXPECT_EQ(!met, victim.m_pll.m_error != PLL::PLL_NO_ERROR);
+                synthesize_with_components(currents, resistors, bandwidth);
             }
         }
     }

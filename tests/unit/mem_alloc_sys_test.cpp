@@ -217,5 +217,5 @@ TEST(Adapter, HoldsText)
     const MEM_STRING text("a text that is too long for the string's own room",
                           MEM_ALLOCATOR<char>("text"));
     EXPECT_EQ(1U, MEM_MANAGER::get_live_blocks("text"));
-    EXPECT_EQ("a text that is too long for the string's own room", std::string(text.c_str()));
+    EXPECT_STREQ("a text that is too long for the string's own room", text.c_str());
 }
