@@ -14,9 +14,10 @@ RATIONAL relative_error(const RATIONAL& achieved, const RATIONAL& asked)
 
 ANSWER::ANSWER(const REQUEST& request)
     : m_pll(request.m_prop.m_taps_count, request.m_max_outputs),
-      m_achieved(request.m_prop.m_taps_count),
-      m_library_met(m_pll.synthesize(request.m_prop))
+      m_achieved(request.m_prop.m_taps_count)
 {
+    set_limits(request, &m_pll);
+    m_library_met = m_pll.synthesize(request.m_prop);
     m_achieved.m_fin_period = request.m_prop.m_fin_period;
     m_achieved.m_use_reconfig = request.m_prop.m_use_reconfig;
     m_achieved.set_properties_from_internals(m_pll);

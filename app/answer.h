@@ -47,7 +47,7 @@ public:
 private:
     PLL m_pll;
     PLL_PROP m_achieved;
-    bool m_library_met;
+    bool m_library_met = false;
     bool m_within_tolerance = true;
     std::vector<OUTPUT_RESULT> m_outputs;
 };
@@ -55,3 +55,9 @@ private:
 // Why the request is not met, a line each, most important first: the library's text, what was
 // closest and by how much. Empty when it is met.
 std::vector<std::string> explain_miss(const REQUEST& request, const ANSWER& answer);
+
+// The longest VCO period of a post-scale, which a spread may shorten.
+int vco_max_period(const REQUEST& request, const PLL& pll, int post_scale);
+
+// The post-scale of the answer; without one, that which the closest miss comes closest in.
+int settled_post_scale(const REQUEST& request, const ANSWER& answer);

@@ -10,7 +10,7 @@
 
 namespace {
 
-const char* const PROGRAM_HELP =
+const char* const PROGRAM_EXAMPLES =
     "Examples:\n"
     "  pllcalc synth --in 27MHz --out 148.5MHz --out 74.25MHz,phase=90,duty=40\n"
     "  pllcalc synth --in 100MHz --out ratio=11/2 --spread 0.5% --spread-rate 30kHz\n"
@@ -21,12 +21,9 @@ const char* const PROGRAM_HELP =
     "\n"
     "Usage: pllcalc COMMAND [OPTIONS]\n"
     "\n"
-    "Commands:\n"
-    "  synth   the settings for a request, and what they achieve\n"
-    "  steps   the legal phase steps and duty cycles around the answer to a request\n"
-    "  dump    the library's own reports of a request and its answer\n"
-    "  ratios  all VCO ratios that can be realised from an input clock\n"
-    "  errors  the error values and their texts\n"
+    "Commands:\n";
+
+const char* const PROGRAM_OPTIONS =
     "\n"
     "Options:\n"
     "  -h,--help   this text, or that of a command\n"
@@ -47,56 +44,101 @@ const char* const REQUEST_HELP =
     "formed\n"
     "exactly; the library takes an output within a thousandth for met, see --tolerance.\n";
 
+// How much of a device database a command asks for.
+enum class DEVICE_OPTIONS
+{
+    NONE,
+    FAMILY,  // the database, or a family of it
+    DEVICE
+};
+
 struct COMMAND_ENTRY
 {
     const char* m_name;
     COMMAND m_command;
+    const char* m_summary;
     const char* m_examples;
     const char* m_description;
     bool m_takes_request;
+    DEVICE_OPTIONS m_device_options;
+    bool m_takes_format;
 };
 
 const COMMAND_ENTRY COMMANDS[] = {
-    {"synth", COMMAND::SYNTH,
+    {"synth", COMMAND::SYNTH, "the settings for a request, and what they achieve",
      "  pllcalc synth --in 27MHz --out 148.5MHz --out 74.25MHz,phase=90,duty=40 --out 24.576MHz\n"
      "  pllcalc synth --in 1001/37MHz --out ratio=11/2 --exact\n"
      "  pllcalc synth --in 10ns --out 50MHz,delay=300 --bandwidth 1.2MHz --feedback 1\n",
-     "Computes the settings for a request and shows what they achieve.", true},
+     "Computes the settings for a request and shows what they achieve.", true,
+     DEVICE_OPTIONS::DEVICE, false},
     {"steps", COMMAND::STEPS,
+     "the legal phase steps and duty cycles around the answer to a request",
      "  pllcalc steps --in 100MHz --out 50MHz,phase=45 --out 25MHz,duty=30\n",
-     "Lists the legal phase steps and duty cycles around the answer to a request.", true},
-    {"dump", COMMAND::DUMP,
+     "Lists the legal phase steps and duty cycles around the answer to a request.", true,
+     DEVICE_OPTIONS::DEVICE, false},
+    {"dump", COMMAND::DUMP, "the library's own reports of a request and its answer",
      "  pllcalc dump --in 100MHz --out 50MHz\n"
      "  pllcalc dump --compact --in 100MHz --out 50MHz\n",
-     "Prints the library's own reports of a request and its answer. Their phases are in degrees of "
-     "the\ninput clock.",
-     true},
-    {"ratios", COMMAND::RATIOS,
+     "Prints the library's own reports of a request and its answer.", true, DEVICE_OPTIONS::DEVICE,
+     false},
+    {"ratios", COMMAND::RATIOS, "all VCO ratios that can be realised from an input clock",
      "  pllcalc ratios --in 100MHz\n"
      "  pllcalc ratios --in 37.037ns --format csv\n",
-     "Lists all VCO ratios that can be realised from an input clock, by ascending ratio.", false},
-    {"errors", COMMAND::ERRORS, "  pllcalc errors\n", "Lists the error values and their texts.",
-     false},
+     "Lists all VCO ratios that can be realised from an input clock, by ascending ratio.", false,
+     DEVICE_OPTIONS::DEVICE, true},
+    {"devices", COMMAND::DEVICES, "the families, parts and speed grades of a device database",
+     "  pllcalc devices --database data/sample\n"
+     "  pllcalc devices --database data/sample --family Sorrel --format csv\n",
+     "Lists the parts of a device database with their VCO, PFD and input ranges.", false,
+     DEVICE_OPTIONS::FAMILY, true},
+    {"device", COMMAND::DEVICE, "all that a device database knows of one PLL",
+     "  pllcalc device --database data/sample --family Lovage --part LV100-2\n"
+     "  pllcalc device --database data/sample --family Sorrel --type ENHANCED_PLL --part SR20-7 "
+     "--migrate Chervil:CH30-6\n",
+     "Shows all that a device database knows of one PLL, limits combined.", false,
+     DEVICE_OPTIONS::DEVICE, true},
+    {"table", COMMAND::TABLE, "the bandwidth settings table of a PLL, and the row for a request",
+     "  pllcalc table --database data/sample --family Tarragon --m 24\n"
+     "  pllcalc table --database data/sample --family Chervil --in 27MHz --out 148.5MHz\n",
+     "Shows the bandwidth settings table of a PLL and checks it; with a request, the rows that it\n"
+     "may take, what each costs, and which is taken.",
+     true, DEVICE_OPTIONS::DEVICE, true},
+    {"errors", COMMAND::ERRORS, "the error values and their texts", "  pllcalc errors\n",
+     "Lists the error values and their texts.", false, DEVICE_OPTIONS::NONE, false},
 };
+
+std::vector<std::string_view> list_commands()
+{
+    std::vector<std::string_view> names;
+    for (const COMMAND_ENTRY& entry : COMMANDS) {
+        names.emplace_back(entry.m_name);
+    }
+    return names;
+}
+
+std::string join_commands()
+{
+    std::string text;
+    for (const std::string_view name : list_commands()) {
+        text += (text.empty() ? "" : ", ") + std::string(name);
+    }
+    return text;
+}
 
 const COMMAND_ENTRY& find_command(std::string_view name)
 {
-    std::vector<std::string_view> names;
     for (const COMMAND_ENTRY& entry : COMMANDS) {
         if (name == entry.m_name) {
             return entry;
         }
-        names.emplace_back(entry.m_name);
     }
     const bool is_option = name.substr(0, 1) == "-";
-    if (is_option) {
-        names = {"--help", "--version"};
-    }
-    throw USAGE_ERROR(std::string(name),
-                      std::string(is_option ? "unknown option" : "unknown command") +
-                          "; legal are " +
-                          (is_option ? "--help, --version, or a command first: " : "") +
-                          "synth, steps, dump, ratios, errors" + suggest(name, names));
+    throw USAGE_ERROR(
+        std::string(name),
+        std::string(is_option ? "unknown option" : "unknown command") + "; legal are " +
+            (is_option ? "--help, --version, or a command first: " : "") + join_commands() +
+            suggest(name, is_option ? std::vector<std::string_view>{"--help", "--version"}
+                                    : list_commands()));
 }
 
 void add_text(CLI::App* app, const char* name, const char* unit, const char* description,
@@ -132,6 +174,43 @@ void add_request_options(CLI::App* app, REQUEST_WORDS* words)
         ->disable_flag_override();
 }
 
+void add_device_options(DEVICE_OPTIONS options, CLI::App* app, DEVICE_WORDS* words)
+{
+    if (options == DEVICE_OPTIONS::NONE) {
+        return;
+    }
+    add_text(app, "--database", "DIR", "device database (default: environment PLL_DATABASE)",
+             &words->m_database);
+    add_text(app, "--family", "NAME", "device family", &words->m_family);
+    if (options == DEVICE_OPTIONS::FAMILY) {
+        return;
+    }
+    add_text(app, "--type", "NAME", "PLL type", &words->m_type);
+    add_text(app, "--part", "NAME", "part (default: all, with the widest limits)", &words->m_part);
+    add_text(app, "--speed-grade", "NAME", "speed grade (default: all, likewise)",
+             &words->m_speed_grade);
+    app->add_option("--migrate", words->m_migrate, "a device to fit too; once for each")
+        ->option_text("FAMILY:PART:GRADE")
+        ->allow_extra_args(false);
+}
+
+void add_format_option(CLI::App* app, LIST_FORM* form)
+{
+    app->add_option_function<std::string>(
+           "--format",
+           [form](const std::string& text) {
+               if (text != "table" && text != "csv" && text != "json") {
+                   throw USAGE_ERROR("--format",
+                                     "'" + text + "' is not legal; expected table, csv or json");
+               }
+               *form = text == "csv"    ? LIST_FORM::CSV
+                       : text == "json" ? LIST_FORM::JSON
+                                        : LIST_FORM::TABLE;
+           },
+           "table, csv or json (default table)")
+        ->option_text("FORM");
+}
+
 void add_options(const COMMAND_ENTRY& entry, CLI::App* app, COMMAND_LINE* line)
 {
     app->set_help_flag("-h,--help", "this text");
@@ -146,17 +225,13 @@ void add_options(const COMMAND_ENTRY& entry, CLI::App* app, COMMAND_LINE* line)
     }
     if (entry.m_command == COMMAND::RATIOS) {
         add_text(app, "--in", "FREQ", "input clock", &line->m_request.m_in);
-        app->add_option_function<std::string>(
-               "--format",
-               [line](const std::string& text) {
-                   if (text != "table" && text != "csv") {
-                       throw USAGE_ERROR("--format",
-                                         "'" + text + "' is not legal; expected table or csv");
-                   }
-                   line->m_ratio_form = text == "csv" ? RATIO_FORM::CSV : RATIO_FORM::TABLE;
-               },
-               "table or csv (default table)")
-            ->option_text("FORM");
+    }
+    add_device_options(entry.m_device_options, app, &line->m_device);
+    if (entry.m_command == COMMAND::TABLE) {
+        add_text(app, "--m", "M", "only the rows of this effective M", &line->m_effective_m);
+    }
+    if (entry.m_takes_format) {
+        add_format_option(app, &line->m_list_form);
     }
 }
 
@@ -188,6 +263,18 @@ void add_options(const COMMAND_ENTRY& entry, CLI::App* app, COMMAND_LINE* line)
         throw USAGE_ERROR("--" + name, "takes no value");
     }
     throw USAGE_ERROR(name, "may be given once");
+}
+
+std::string write_program_help()
+{
+    constexpr std::size_t NAME_WIDTH = 9;
+    std::string text = PROGRAM_EXAMPLES;
+    for (const COMMAND_ENTRY& entry : COMMANDS) {
+        std::string name = entry.m_name;
+        name.resize(NAME_WIDTH, ' ');
+        text += "  " + name + entry.m_summary + "\n";
+    }
+    return text + PROGRAM_OPTIONS;
 }
 
 std::string write_help(const COMMAND_ENTRY& entry, CLI::App* app)
@@ -224,12 +311,12 @@ std::optional<COMMAND_LINE> read_command_line(int count, const char* const* word
                                               std::string* help)
 {
     if (count < 2) {
-        throw USAGE_ERROR("command", "missing; legal are synth, steps, dump, ratios, errors (see "
-                                     "pllcalc --help)");
+        throw USAGE_ERROR("command",
+                          "missing; legal are " + join_commands() + " (see pllcalc --help)");
     }
     const std::string_view name = words[1];
     if (name == "--help" || name == "-h" || name == "help") {
-        *help = PROGRAM_HELP;
+        *help = write_program_help();
         return std::nullopt;
     }
     if (name == "--version") {

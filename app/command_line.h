@@ -1,6 +1,7 @@
 // The command line of the program.
 #pragma once
 
+#include "device.h"
 #include "report.h"
 #include "request.h"
 
@@ -13,6 +14,9 @@ enum class COMMAND
     STEPS,
     DUMP,
     RATIOS,
+    DEVICES,
+    DEVICE,
+    TABLE,
     ERRORS
 };
 
@@ -20,8 +24,10 @@ struct COMMAND_LINE
 {
     COMMAND m_command;
     REQUEST_WORDS m_request;  // of ratios, the input alone
+    DEVICE_WORDS m_device;
+    std::optional<std::string> m_effective_m;  // of table, the M whose rows are wanted
     DUMP_FORM m_dump_form = DUMP_FORM::FULL;
-    RATIO_FORM m_ratio_form = RATIO_FORM::TABLE;
+    LIST_FORM m_list_form = LIST_FORM::TABLE;
 };
 
 // Reads the command line. None when it asks for help or the version: `help` then receives the text.

@@ -1,5 +1,6 @@
 #include "answer.h"
 #include "format.h"
+#include "table_choice.h"
 
 #include <algorithm>
 #include <cmath>
@@ -7,6 +8,8 @@
 namespace {
 
 constexpr int MHZ_DECIMALS = 3;
+constexpr int KHZ_DECIMALS = 3;
+constexpr double HZ_KHZ = 1e3;  // kHz = Hz / HZ_KHZ
 constexpr int PERCENT_DECIMALS = 3;
 constexpr double PERCENT = 100.0;
 constexpr double PS_MHZ = 1e6;             // MHz = PS_MHZ / ps
@@ -14,14 +17,6 @@ constexpr double MAX_DOWN_SPREAD = 0.006;  // of the library
 constexpr int BANDWIDTH_AUTO = 3;
 
 typedef std::vector<std::string> LINES;
-
-int vco_max_period(const REQUEST& request, const PLL& pll, int post_scale)
-{
-    const int spread_max = pll.get_ss_vco_max_period(post_scale);
-    const bool limited =
-        request.m_prop.m_down_spread > 0.0 && pll.m_ss_supported && spread_max != PLL_UNSET_MINIMUM;
-    return limited ? spread_max : pll.get_vco_max_period(post_scale);
-}
 
 // How far a period lies outside the VCO range of a post-scale; 0 inside.
 double vco_distance(const REQUEST& request, const PLL& pll, int post_scale)
@@ -58,6 +53,7 @@ const OBSTACLE OBSTACLES[] = {
 bool has_candidates(const REQUEST& request, const PLL_PROP& prop)
 {
     PLL pll(prop.m_taps_count, request.m_max_outputs);
+    set_limits(request, &pll);
     return pll.synthesize(prop) || pll.m_error != PLL::PLL_M_N_NOT_FOUND;
 }
 
@@ -202,11 +198,20 @@ void explain_error(const REQUEST& request, const ANSWER& answer, LINES* lines)
             explain_input("the second input", *request.m_input2, pll, lines);
         }
         break;
+    case PLL::PLL_NO_BANDWIDTH_FOR_MULT_DIV:
+        lines->push_back("missed: the loop filter; the table has no row for effective M " +
+                         std::to_string(effective_m(pll)));
+        break;
+    case PLL::PLL_NO_BANDWIDTH_FOR_FIN_MULT_DIV:
+        lines->push_back(
+            "missed: the loop filter; the best row has a bandwidth of up to " +
+            format_short(answer.get_achieved().m_bandwidth_max / HZ_KHZ, KHZ_DECIMALS) +
+            " kHz, the PFD allows " +
+            format_short(largest_bandwidth(request, pll) / HZ_KHZ, KHZ_DECIMALS) + " kHz");
+        break;
     case PLL::PLL_NO_ERROR:
     case PLL::PLL_M_N_NOT_FOUND_2:
     case PLL::PLL_SS_REQUIRES_LOW_BANDWIDTH:
-    case PLL::PLL_NO_BANDWIDTH_FOR_MULT_DIV:
-    case PLL::PLL_NO_BANDWIDTH_FOR_FIN_MULT_DIV:
     case PLL::MAX_PLL_ERROR_TYPE:
         break;
     }
@@ -224,6 +229,20 @@ void explain_tolerance(const REQUEST& request, const ANSWER& answer, LINES* line
 }
 
 }  // namespace
+
+int vco_max_period(const REQUEST& request, const PLL& pll, int post_scale)
+{
+    const int spread_max = pll.get_ss_vco_max_period(post_scale);
+    const bool limited =
+        request.m_prop.m_down_spread > 0.0 && pll.m_ss_supported && spread_max != PLL_UNSET_MINIMUM;
+    return limited ? spread_max : pll.get_vco_max_period(post_scale);
+}
+
+int settled_post_scale(const REQUEST& request, const ANSWER& answer)
+{
+    return answer.has_outputs() ? answer.get_pll().m_vco_post_scale
+                                : nearest_post_scale(request, answer.get_pll());
+}
 
 std::vector<std::string> explain_miss(const REQUEST& request, const ANSWER& answer)
 {

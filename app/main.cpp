@@ -2,14 +2,21 @@
 
 #include "answer.h"
 #include "command_line.h"
+#include "device.h"
+#include "input_error.h"
 #include "internal_errors.h"
 #include "output.h"
+#include "quantity.h"
 #include "report.h"
 #include "usage_error.h"
 
 #include <cstdio>
+#include <limits>
+#include <memory>
 #include <new>
+#include <optional>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -33,16 +40,72 @@ EXIT_STATUS list_ratios(const COMMAND_LINE& line, std::string* text)
         throw USAGE_ERROR("--in", "the input clock is needed, such as --in 27MHz");
     }
     int count = 0;
-    *text = report_ratios(read_input("--in", *line.m_request.m_in), line.m_ratio_form, &count);
+    const std::unique_ptr<DEVICE> device = open_device(line.m_device);
+    *text = report_ratios(read_input("--in", *line.m_request.m_in), device.get(), line.m_list_form,
+                          &count);
     if (count == 0) {
         write_error("no VCO ratio can be realised from this input clock");
     }
     return count == 0 ? STATUS_NOT_MET : STATUS_MET;
 }
 
+EXIT_STATUS list_devices(const COMMAND_LINE& line, std::string* text)
+{
+    std::vector<std::string> failures;
+    *text = report_devices(line.m_device, line.m_list_form, &failures);
+    for (const std::string& failure : failures) {
+        write_error(failure.c_str());
+    }
+    return failures.empty() ? STATUS_MET : STATUS_IO_FAILED;
+}
+
+EXIT_STATUS show_device(const COMMAND_LINE& line, std::string* text)
+{
+    *text = report_device(*require_device(line.m_device), line.m_list_form);
+    return STATUS_MET;
+}
+
+bool has_request(const REQUEST_WORDS& words)
+{
+    return words.m_in || !words.m_outs.empty();
+}
+
+EXIT_STATUS choose_row(const COMMAND_LINE& line, std::string* text)
+{
+    const std::unique_ptr<DEVICE> device = require_device(line.m_device);
+    const REQUEST request = read_request(line.m_request, device.get());
+    const ANSWER answer(request);
+    *text = report_choices(request, answer, line.m_list_form);
+    return answer.is_met() ? STATUS_MET : STATUS_NOT_MET;
+}
+
+EXIT_STATUS show_table(const COMMAND_LINE& line, std::string* text)
+{
+    if (has_request(line.m_request)) {
+        if (line.m_effective_m) {
+            throw USAGE_ERROR("--m", "not together with a request, which chooses M itself");
+        }
+        return choose_row(line, text);
+    }
+    std::optional<int> effective_m;
+    if (line.m_effective_m) {
+        effective_m = read_integer("--m", *line.m_effective_m, 0, std::numeric_limits<int>::max());
+    }
+    const std::unique_ptr<DEVICE> device = require_device(line.m_device);
+    std::vector<std::string> findings;
+    *text = report_table(*device, effective_m, line.m_list_form, &findings);
+    if (line.m_list_form != LIST_FORM::TABLE) {
+        for (const std::string& finding : findings) {
+            write_error(finding.c_str());
+        }
+    }
+    return findings.empty() ? STATUS_MET : STATUS_NOT_MET;
+}
+
 EXIT_STATUS answer_request(const COMMAND_LINE& line, std::string* text)
 {
-    const REQUEST request = read_request(line.m_request);
+    const std::unique_ptr<DEVICE> device = open_device(line.m_device);
+    const REQUEST request = read_request(line.m_request, device.get());
     const ANSWER answer(request);
     if (line.m_command == COMMAND::STEPS) {
         *text = report_steps(request, answer);
@@ -66,6 +129,12 @@ EXIT_STATUS run_command(int count, const char* const* words, std::string* text)
         return STATUS_MET;
     case COMMAND::RATIOS:
         return list_ratios(*line, text);
+    case COMMAND::DEVICES:
+        return list_devices(*line, text);
+    case COMMAND::DEVICE:
+        return show_device(*line, text);
+    case COMMAND::TABLE:
+        return show_table(*line, text);
     case COMMAND::SYNTH:
     case COMMAND::STEPS:
     case COMMAND::DUMP:
@@ -100,6 +169,9 @@ int main(int count, char** words)
     } catch (const USAGE_ERROR& error) {
         write_error(error.what());
         return STATUS_USAGE;
+    } catch (const INPUT_ERROR& error) {
+        write_error(error.what());
+        return STATUS_IO_FAILED;
     } catch (const std::bad_alloc&) {
         write_error("out of memory");
         return STATUS_IO_FAILED;

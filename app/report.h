@@ -2,19 +2,23 @@
 #pragma once
 
 #include "answer.h"
+#include "device.h"
 #include "request.h"
 
+#include <optional>
 #include <string>
+#include <vector>
 
 enum class DUMP_FORM
 {
     FULL,
     COMPACT
 };
-enum class RATIO_FORM
+enum class LIST_FORM
 {
     TABLE,
-    CSV
+    CSV,
+    JSON
 };
 
 // The answer to a request: whether it is met, settings, and what they achieve.
@@ -29,8 +33,30 @@ std::string report_steps(const REQUEST& request, const ANSWER& answer);
 // The library's own reports of request, settings and achieved properties.
 std::string report_dump(const REQUEST& request, const ANSWER& answer, DUMP_FORM form);
 
-// All VCO ratios that can be realised from an input clock; `count` receives how many.
-std::string report_ratios(const INPUT_CLOCK& input, RATIO_FORM form, int* count);
+// All VCO ratios that a device, or none: the built-in limits, can realise from an input clock;
+// `count` receives how many.
+std::string report_ratios(const INPUT_CLOCK& input, const DEVICE* device, LIST_FORM form,
+                          int* count);
+
+// The parts of a database, or of one family of it, with their ranges. Families that cannot be read
+// are left out and told in `failures`; the one asked for by name throws as DATABASE does.
+std::string report_devices(const DEVICE_WORDS& words, LIST_FORM form,
+                           std::vector<std::string>* failures);
+
+// All that the database knows of a device.
+std::string report_device(const DEVICE& device, LIST_FORM form);
+
+// The bandwidth settings table of a device, or its rows for one effective M. `findings` receives
+// the lines of the library's check.
+std::string report_table(const DEVICE& device, std::optional<int> effective_m, LIST_FORM form,
+                         std::vector<std::string>* findings);
+
+// The rows that an answer could have taken, their costs, and which it took.
+std::string report_choices(const REQUEST& request, const ANSWER& answer, LIST_FORM form);
+
+// The devices of a request and, where they are several, which of them set the limits that the
+// answer meets. Empty without a device.
+std::string report_origins(const REQUEST& request, const ANSWER& answer);
 
 // The error values of the library with their texts.
 std::string report_errors();

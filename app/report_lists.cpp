@@ -1,6 +1,8 @@
 #include "report.h"
 
+#include "device.h"
 #include "format.h"
+#include "record_list.h"
 #include "text_table.h"
 
 #include "pll.h"
@@ -29,36 +31,36 @@ std::string report_dump(const REQUEST& request, const ANSWER& answer, DUMP_FORM 
     return stream.str();
 }
 
-std::string report_ratios(const INPUT_CLOCK& input, RATIO_FORM form, int* count)
+std::string report_ratios(const INPUT_CLOCK& input, const DEVICE* device, LIST_FORM form,
+                          int* count)
 {
     PLL pll(1, PLL_MAX_TAPS);
+    if (device != nullptr) {
+        device->init(&pll);
+    }
     int* mults = nullptr;
     int* divs = nullptr;
     *count = pll.find_vco_mult_div_values(&mults, &divs, input.m_library_period);
-    std::string text;
-    if (form == RATIO_FORM::CSV) {
-        text = "vco_mult,vco_div,vco_mhz\n";
-    }
+    RECORD_LIST records({"vco_mult", "vco_div", "vco_mhz"});
     TEXT_TABLE table(
         {{"VCO / input", "", ALIGN::RIGHT}, {"", "", ALIGN::RIGHT}, {"VCO", "MHz", ALIGN::RIGHT}});
     for (int i = 0; i < *count; ++i) {
+        constexpr int MHZ_EXPONENT = 6;
         const RATIONAL ratio(mults[i], divs[i]);
         const RATIONAL vco = input.m_frequency * ratio;
-        if (form == RATIO_FORM::CSV) {
-            constexpr int MHZ_EXPONENT = 6;
-            text += std::to_string(mults[i]) + "," + std::to_string(divs[i]) + "," +
-                    RATIONAL(vco.rounded().numerator(), power_of_ten(MHZ_EXPONENT))
-                        .to_decimal(MHZ_EXPONENT) +
-                    "\n";
-        } else {
-            table.add_row({ratio.to_fraction(), ratio.to_decimal(RATIO_DECIMALS), format_mhz(vco)});
-        }
+        records.add(
+            {RECORD_VALUE::number(mults[i]), RECORD_VALUE::number(divs[i]),
+             RECORD_VALUE::number(RATIONAL(vco.rounded().numerator(), power_of_ten(MHZ_EXPONENT))
+                                      .to_decimal(MHZ_EXPONENT))});
+        table.add_row({ratio.to_fraction(), ratio.to_decimal(RATIO_DECIMALS), format_mhz(vco)});
     }
-    if (form == RATIO_FORM::TABLE && *count > 0) {
+    if (form != LIST_FORM::TABLE) {
+        return form == LIST_FORM::CSV ? records.to_csv() : records.to_json();
+    }
+    std::string text;
+    if (*count > 0) {
         table.append_to(&text);
-        text += "\n";
-        text += std::to_string(*count);
-        text += " ratios\n";
+        text += "\n" + std::to_string(*count) + " ratios\n";
     }
     return text;
 }

@@ -75,6 +75,9 @@ void append_output(const REQUEST& request, const ANSWER& answer, int output, std
 std::string report_steps(const REQUEST& request, const ANSWER& answer)
 {
     std::string text = report_verdict(request, answer);
+    if (request.m_device != nullptr) {
+        text += "\n" + report_origins(request, answer);
+    }
     for (int i = 0; answer.has_outputs() && i < request.m_prop.m_taps_count; ++i) {
         append_output(request, answer, i, &text);
     }

@@ -1,6 +1,7 @@
 #include "report.h"
 
 #include "format.h"
+#include "report_loop_filter.h"
 #include "text_table.h"
 
 namespace {
@@ -10,12 +11,8 @@ constexpr int KHZ_DECIMALS = 3;
 constexpr int MHZ_DECIMALS = 6;
 constexpr int PERIOD_DECIMALS = 3;
 constexpr int PERCENT_DECIMALS = 4;
-constexpr int COMPONENT_DECIMALS = 1;
 constexpr double PERCENT = 100.0;
-constexpr double HZ_PER_KHZ = 1e3;
 constexpr double PS_KHZ = 1e9;  // kHz = PS_KHZ / ps
-constexpr int CUSTOM_BANDWIDTH = 4;
-const char* const BANDWIDTH_NAMES[] = {"high", "medium", "low", "auto"};
 
 const PLL_OUTPUT_TAP& tap_of(const ANSWER& answer, std::size_t output)
 {
@@ -149,36 +146,6 @@ void append_counters(const ANSWER& answer, std::string* text)
     table.append_to(text);
 }
 
-std::string name_of_bandwidth(const PLL_PROP& asked)
-{
-    if (asked.m_bandwidth_type == CUSTOM_BANDWIDTH) {
-        return format_fixed(asked.m_bandwidth / HZ_PER_KHZ, KHZ_DECIMALS);
-    }
-    return BANDWIDTH_NAMES[asked.m_bandwidth_type];
-}
-
-void append_loop_filter(const REQUEST& request, const ANSWER& answer, std::string* text)
-{
-    TEXT_TABLE table({{"filter R", "ohm", ALIGN::RIGHT},
-                      {"C", "pF", ALIGN::RIGHT},
-                      {"C high", "pF", ALIGN::RIGHT},
-                      {"pump I", "uA", ALIGN::RIGHT},
-                      {"bandwidth", "asked kHz", ALIGN::RIGHT},
-                      {"achieved", "kHz", ALIGN::RIGHT},
-                      {"zero", "kHz", ALIGN::RIGHT},
-                      {"pole", "kHz", ALIGN::RIGHT}});
-    const PLL& pll = answer.get_pll();
-    const PLL_PROP& achieved = answer.get_achieved();
-    table.add_row({format_fixed(pll.m_r, COMPONENT_DECIMALS),
-                   format_fixed(pll.m_c_fixed, COMPONENT_DECIMALS),
-                   format_fixed(pll.m_c_high, COMPONENT_DECIMALS),
-                   format_fixed(pll.m_i, COMPONENT_DECIMALS), name_of_bandwidth(request.m_prop),
-                   format_fixed(achieved.m_bandwidth / HZ_PER_KHZ, KHZ_DECIMALS),
-                   format_fixed(achieved.m_f_zero / HZ_PER_KHZ, KHZ_DECIMALS),
-                   format_fixed(achieved.m_f_pole / HZ_PER_KHZ, KHZ_DECIMALS)});
-    table.append_to(text);
-}
-
 void append_spread(const REQUEST& request, const ANSWER& answer, std::string* text)
 {
     const PLL_PROP& asked = request.m_prop;
@@ -258,7 +225,7 @@ std::string report_verdict(const REQUEST& request, const ANSWER& answer)
 std::string report_synthesis(const REQUEST& request, const ANSWER& answer)
 {
     std::string text = report_verdict(request, answer);
-    text += "\n";
+    text += "\n" + report_origins(request, answer);
     append_input("input  ", request.m_input, &text);
     if (request.m_input2) {
         append_input("input2 ", *request.m_input2, &text);

@@ -1,9 +1,11 @@
 #include "request.h"
 
+#include "device.h"
 #include "output_words.h"
 #include "quantity.h"
 #include "usage_error.h"
 
+#include "pll.h"
 #include "pll_info.h"
 
 #include <limits>
@@ -122,21 +124,23 @@ INPUT_CLOCK read_input(const std::string& argument, const std::string& text)
     return input;
 }
 
-REQUEST read_request(const REQUEST_WORDS& words)
+REQUEST read_request(const REQUEST_WORDS& words, const DEVICE* device)
 {
     if (!words.m_in) {
         throw USAGE_ERROR("--in", "the input clock is needed, such as --in 27MHz");
     }
+    const int device_outputs = device != nullptr ? device->get_max_outputs() : PLL_MAX_TAPS;
     const int max_outputs =
-        words.m_max_outputs ? read_integer("--max-outputs", *words.m_max_outputs, 1, PLL_MAX_TAPS)
-                            : PLL_MAX_TAPS;
+        words.m_max_outputs ? read_integer("--max-outputs", *words.m_max_outputs, 1, device_outputs)
+                            : device_outputs;
     const int count = count_outputs(words, max_outputs);
     REQUEST request{read_input("--in", *words.m_in),
                     std::nullopt,
                     {},
                     max_outputs,
                     std::nullopt,
-                    PLL_PROP(count)};
+                    PLL_PROP(count),
+                    device};
     PLL_PROP* prop = &request.m_prop;
     prop->m_fin_period = request.m_input.m_library_period;
     if (words.m_in2) {
@@ -168,4 +172,12 @@ REQUEST read_request(const REQUEST_WORDS& words)
         request.m_tolerance = read_tolerance("--tolerance", *words.m_tolerance);
     }
     return request;
+}
+
+void set_limits(const REQUEST& request, PLL* pll)
+{
+    if (request.m_device != nullptr) {
+        request.m_device->init(pll);
+        pll->m_max_taps_count = request.m_max_outputs;
+    }
 }

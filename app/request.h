@@ -9,6 +9,9 @@
 #include <string>
 #include <vector>
 
+class DEVICE;
+class PLL;
+
 // What the command line holds, unread.
 struct REQUEST_WORDS
 {
@@ -53,8 +56,12 @@ struct REQUEST
     int m_max_outputs;                    // of the device
     std::optional<RATIONAL> m_tolerance;  // largest error of an output, a part of one
     PLL_PROP m_prop;                      // what the library is asked for
+    const DEVICE* m_device;               // not owned; null: the built-in limits
 };
 
-// Both throw a USAGE_ERROR.
+// Both throw a USAGE_ERROR, or an INPUT_ERROR for a device of which the database says too little.
 INPUT_CLOCK read_input(const std::string& argument, const std::string& text);
-REQUEST read_request(const REQUEST_WORDS& words);
+REQUEST read_request(const REQUEST_WORDS& words, const DEVICE* device);
+
+// Gives the limits of the request's device to a PLL. Throws an INPUT_ERROR likewise.
+void set_limits(const REQUEST& request, PLL* pll);

@@ -5,8 +5,13 @@
 
 namespace {
 
+char lower_case(char c)
+{
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
 // Insertions, deletions and replacements that turn one word into the other (Levenshtein), row by
-// row of the table of prefixes.
+// row of the table of prefixes. Cases do not differ.
 std::size_t edit_distance(std::string_view from, std::string_view to)
 {
     std::vector<std::size_t> row(to.size() + 1);
@@ -15,7 +20,8 @@ std::size_t edit_distance(std::string_view from, std::string_view to)
         std::size_t diagonal = row[0];
         row[0] = i + 1;
         for (std::size_t j = 0; j < to.size(); ++j) {
-            const std::size_t replaced = diagonal + (from[i] == to[j] ? 0 : 1);
+            const std::size_t replaced =
+                diagonal + (lower_case(from[i]) == lower_case(to[j]) ? 0 : 1);
             diagonal = row[j + 1];
             row[j + 1] = std::min({replaced, row[j] + 1, diagonal + 1});
         }

@@ -1,6 +1,6 @@
 // Transcripts of the program: files of "$ pllcalc ..." lines, each followed by what the program
-// writes to standard output, to standard error, and its exit status. PLL_UPDATE_GOLDEN=1 writes
-// them anew.
+// writes to standard output, to standard error, and its exit status. @DATA@ stands for the folder
+// data of the tree. PLL_UPDATE_GOLDEN=1 writes them anew.
 
 #include "program.h"
 
@@ -35,7 +35,7 @@ std::string replay(const std::string& transcript)
             const std::string words =
                 line.size() > PROMPT.size() ? line.substr(PROMPT.size() + 1) : std::string();
             const RUN run = run_pllcalc(words);
-            text += line + "\n" + run.m_output + run.m_errors + "[exit status " +
+            text += line + "\n" + hide_data_folder(run.m_output + run.m_errors) + "[exit status " +
                     std::to_string(run.m_status) + "]\n\n";
         } else if (in_header) {
             text += line + "\n";

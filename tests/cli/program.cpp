@@ -90,6 +90,16 @@ const std::string& empty_directory()
     _exit(CANNOT_START);
 }
 
+const std::string DATA_MARK = "@DATA@";
+
+std::string replace_all(std::string text, const std::string& from, const std::string& to)
+{
+    for (std::size_t at = 0; (at = text.find(from, at)) != std::string::npos; at += to.size()) {
+        text.replace(at, from.size(), to);
+    }
+    return text;
+}
+
 }  // namespace
 
 RUN run_program(const char* program, const std::vector<std::string>& arguments, OUTPUT_TO output)
@@ -118,7 +128,16 @@ RUN run_program(const char* program, const std::vector<std::string>& arguments, 
 
 RUN run_pllcalc(const std::string& line)
 {
-    return run_program(PLLCALC, split(line, ' '));
+    std::vector<std::string> words = split(line, ' ');
+    for (std::string& word : words) {
+        word = replace_all(word, DATA_MARK, PLL_DATA_DIR);
+    }
+    return run_program(PLLCALC, words);
+}
+
+std::string hide_data_folder(const std::string& text)
+{
+    return replace_all(text, PLL_DATA_DIR, DATA_MARK);
 }
 
 std::vector<std::string> split(const std::string& text, char separator)

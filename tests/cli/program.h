@@ -25,8 +25,12 @@ struct RUN
 RUN run_program(const char* program, const std::vector<std::string>& arguments,
                 OUTPUT_TO output = OUTPUT_TO::CAPTURED);
 
-// Runs pllcalc with the words of a line, separated by single blanks.
+// Runs pllcalc with the words of a line, separated by single blanks. @DATA@ in them stands for the
+// folder data of the tree.
 RUN run_pllcalc(const std::string& line);
+
+// The text with @DATA@ for that folder.
+std::string hide_data_folder(const std::string& text);
 
 std::vector<std::string> split(const std::string& text, char separator);
 

@@ -1,0 +1,53 @@
+// A list of records for other programs to read, as CSV or JSON.
+#pragma once
+
+#include <string>
+#include <vector>
+
+class RECORD_VALUE
+{
+public:
+    static RECORD_VALUE none() { return {KIND::NONE, ""}; }
+    static RECORD_VALUE number(const std::string& digits) { return {KIND::NUMBER, digits}; }
+    static RECORD_VALUE number(int value) { return {KIND::NUMBER, std::to_string(value)}; }
+    static RECORD_VALUE text(const std::string& text) { return {KIND::TEXT, text}; }
+    static RECORD_VALUE truth(bool value) { return {KIND::NUMBER, value ? "true" : "false"}; }
+
+    // Nothing, or a text that is quoted where it must be.
+    std::string to_csv() const;
+    std::string to_json() const;
+
+private:
+    enum class KIND
+    {
+        NONE,
+        NUMBER,  // and truth: stands as it is
+        TEXT
+    };
+
+    RECORD_VALUE(KIND kind, const std::string& text) : m_kind(kind), m_text(text) {}
+
+    KIND m_kind;
+    std::string m_text;
+};
+
+class RECORD_LIST
+{
+public:
+    explicit RECORD_LIST(std::vector<std::string> keys) : m_keys(std::move(keys)) {}
+
+    // As many values as keys.
+    void add(std::vector<RECORD_VALUE> values) { m_records.push_back(std::move(values)); }
+
+    // A line of keys and a line for each record.
+    std::string to_csv() const;
+    // An array with an object for each record.
+    std::string to_json() const;
+
+private:
+    std::vector<std::string> m_keys;
+    std::vector<std::vector<RECORD_VALUE>> m_records;
+};
+
+// A JSON string with its quotes; bytes that are no UTF-8 stand for themselves in Latin-1.
+std::string json_string(const std::string& text);

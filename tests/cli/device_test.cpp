@@ -1,0 +1,225 @@
+// Devices of a database as the program finds and uses them, where a transcript does not say it all.
+
+#include "program.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+
+namespace {
+
+const std::string SAMPLE = std::string(PLL_DATA_DIR) + "/sample";
+
+// The variable that names a database, for as long as it lives.
+class DATABASE_VARIABLE
+{
+public:
+    explicit DATABASE_VARIABLE(const std::string& directory)
+    {
+        setenv("PLL_DATABASE", directory.c_str(), 1);
+    }
+    ~DATABASE_VARIABLE() { unsetenv("PLL_DATABASE"); }
+    DATABASE_VARIABLE(const DATABASE_VARIABLE&) = delete;
+    DATABASE_VARIABLE& operator=(const DATABASE_VARIABLE&) = delete;
+};
+
+// A database of one family, written for a test.
+class OWN_DATABASE
+{
+public:
+    explicit OWN_DATABASE(const std::string& family_file)
+    {
+        char name[] = "/tmp/pllcalc_database_XXXXXX";
+        EXPECT_NE(nullptr, mkdtemp(name));
+        m_directory = name;
+        std::ofstream(m_directory + "/ddb_pll_path.txt") << "Own . own.txt\n";
+        std::ofstream(m_directory + "/own.txt") << family_file;
+    }
+    ~OWN_DATABASE() { std::filesystem::remove_all(m_directory); }
+    OWN_DATABASE(const OWN_DATABASE&) = delete;
+    OWN_DATABASE& operator=(const OWN_DATABASE&) = delete;
+
+    const std::string& get_directory() const { return m_directory; }
+    RUN run(const std::string& command, const std::string& words) const
+    {
+        return run_pllcalc(command + " --database " + m_directory + words);
+    }
+
+private:
+    std::string m_directory;
+};
+
+const char* const OWN_FAMILY =
+    "family Own\npll FAST_PLL\nnumber_of_output_counters 2\nm_counter_max 64\nn_counter_max 8\n"
+    "vco_post_scale_counter_max 1\noutput_counter_high_low_max 32\ncharge_pump_current 10\n"
+    "speed_grade 1\npart P1\nvco_min 1000\nvco_max 2500\nvco_center 1500\nvco_gain 1000\n"
+    "pfd_min 3000\npfd_max 100000\ninput_min 1500\n";
+
+TEST(CliDevice, EnvironmentNamesTheDatabaseAndTheCommandLineWins)
+{
+    const std::string words = "devices --format csv";
+    const RUN by_option = run_pllcalc(words + " --database " + SAMPLE);
+    ASSERT_EQ(0, by_option.m_status);
+    {
+        const DATABASE_VARIABLE variable(SAMPLE);
+        EXPECT_EQ(by_option.m_output, run_pllcalc(words).m_output);
+        EXPECT_EQ(4, run_pllcalc(words + " --database /nonexistent").m_status);
+    }
+    const DATABASE_VARIABLE variable("/nonexistent");
+    EXPECT_EQ(by_option.m_output, run_pllcalc(words + " --database " + SAMPLE).m_output);
+    EXPECT_EQ(4, run_pllcalc(words).m_status);
+}
+
+TEST(CliDevice, EmptyEnvironmentNamesNoDatabase)
+{
+    const DATABASE_VARIABLE variable("");
+    EXPECT_EQ(2, run_pllcalc("devices").m_status);
+}
+
+TEST(CliDevice, EnvironmentAloneLeavesRequestsOnTheBuiltInLimits)
+{
+    const std::string request = "synth --in 27MHz --out 148.5MHz";
+    const RUN built_in = run_pllcalc(request);
+    const DATABASE_VARIABLE variable(SAMPLE);
+    EXPECT_EQ(built_in.m_output, run_pllcalc(request).m_output);
+    EXPECT_NE(built_in.m_output, run_pllcalc(request + " --family Chervil").m_output);
+}
+
+TEST(CliDevice, NamesAreBlindToCase)
+{
+    const RUN spelled = run_pllcalc("device --database " + SAMPLE +
+                                    " --family Sorrel --type FAST_PLL --part SR20-6 --speed-grade "
+                                    "6 --migrate Lovage:LV100-3:3");
+    const RUN shouted = run_pllcalc("device --database " + SAMPLE +
+                                    " --family SORREL --type fast_pll --part sr20-6 --speed-grade "
+                                    "6 --migrate LOVAGE:lv100-3:3");
+    ASSERT_EQ(0, spelled.m_status);
+    EXPECT_EQ(spelled.m_output, shouted.m_output);
+}
+
+TEST(CliDevice, TheOnlyChoiceNeedsNoName)
+{
+    const OWN_DATABASE database(OWN_FAMILY);
+    const RUN run = database.run("synth", " --in 100MHz --out 50MHz");
+    EXPECT_EQ("", run.m_errors);
+    EXPECT_EQ(0, run.m_status);
+    EXPECT_NE(std::string::npos,
+              run.m_output.find("device FAST_PLL of Own, part P1, speed grade 1\n"))
+        << run.m_output;
+}
+
+TEST(CliDevice, EveryCommandThatNeedsLimitsTakesThoseOfTheDevice)
+{
+    const OWN_DATABASE database(OWN_FAMILY);
+    // The built-in limits reach 300 MHz, this VCO 400 MHz.
+    for (const char* command : {"synth", "steps", "dump"}) {
+        SCOPED_TRACE(command);
+        const std::string request = " --in 100MHz --out 300MHz --vco-ratio 3";
+        EXPECT_EQ(0, run_pllcalc(command + request).m_status);
+        EXPECT_EQ(1, database.run(command, request).m_status);
+    }
+    EXPECT_NE(run_pllcalc("ratios --in 100MHz").m_output,
+              database.run("ratios", " --in 100MHz").m_output);
+}
+
+struct MISSING_CASE
+{
+    const char* m_line;  // of the family file, left out
+    const char* m_message;
+};
+
+constexpr MISSING_CASE MISSING_CASES[] = {
+    {"vco_min 1000\n", "does not give vco_min\n"},
+    {"pfd_max 100000\n", "does not give pfd_max\n"},
+    {"output_counter_high_low_max 32\n", "does not give output_counter_high_low_max\n"},
+};
+
+TEST(CliDevice, WithoutWhatNoSettingIsPossibleTheDatabaseIsRefused)
+{
+    for (const MISSING_CASE& c : MISSING_CASES) {
+        SCOPED_TRACE(c.m_line);
+        std::string family = OWN_FAMILY;
+        family.erase(family.find(c.m_line), std::string(c.m_line).size());
+        const OWN_DATABASE database(family);
+        const RUN run = database.run("synth", " --in 100MHz --out 50MHz");
+        EXPECT_EQ(4, run.m_status);
+        EXPECT_EQ("", run.m_output);
+        EXPECT_NE(std::string::npos, run.m_errors.find(c.m_message)) << run.m_errors;
+        EXPECT_EQ(0, database.run("device", "").m_status);
+    }
+}
+
+TEST(CliDevice, DeviceWithoutOutputCountersIsRefused)
+{
+    std::string family = OWN_FAMILY;
+    family.replace(family.find("counters 2"), std::string("counters 2").size(), "counters 0");
+    const OWN_DATABASE database(family);
+    const RUN run = database.run("synth", " --in 100MHz --out 50MHz");
+    EXPECT_EQ(4, run.m_status);
+    EXPECT_NE(std::string::npos, run.m_errors.find("gives it no output counter")) << run.m_errors;
+}
+
+TEST(CliDevice, ListGoesOnBehindAFamilyThatCannotBeRead)
+{
+    const OWN_DATABASE database(OWN_FAMILY);
+    std::ofstream(database.get_directory() + "/ddb_pll_path.txt")
+        << "Gone . gone.txt\nBroken . broken.txt\nNameless\nOwn . own.txt\n";
+    std::ofstream(database.get_directory() + "/broken.txt") << "family Broken\nno_such_word 1\n";
+    const RUN run = database.run("devices", " --format csv");
+    EXPECT_EQ(4, run.m_status);
+    EXPECT_NE(std::string::npos, run.m_output.find("Own,FAST_PLL,P1,1,true,400,1000,"))
+        << run.m_output;
+    EXPECT_NE(std::string::npos, run.m_errors.find("gone.txt: No such file or directory\n"));
+    EXPECT_NE(std::string::npos, run.m_errors.find("broken.txt: its text is at fault"));
+    EXPECT_NE(std::string::npos,
+              run.m_errors.find("cannot read family Nameless: the path file names no file for it"));
+    EXPECT_EQ(2, database.run("device", " --family Goner").m_status);
+    EXPECT_EQ(4, database.run("device", " --family Gone").m_status);
+}
+
+// The words of the line below the one that starts so.
+std::vector<std::string> words_below(const std::string& text, const std::string& head)
+{
+    const std::size_t at = text.find(head);
+    if (at == std::string::npos) {
+        return {};
+    }
+    std::vector<std::string> words = split(split(text.substr(at), '\n')[2], ' ');
+    words.erase(std::remove(words.begin(), words.end(), ""), words.end());
+    return words;
+}
+
+TEST(CliTable, RowThatIsCalledTakenIsTheOneThatASynthesisTakes)
+{
+    int rows_behind_the_first = 0;
+    for (const char* bandwidth : {"high", "medium", "low", "auto", "300kHz", "1MHz", "9MHz"}) {
+        for (const char* input : {"10MHz", "27MHz", "100MHz"}) {
+            const std::string words = " --database " + SAMPLE +
+                                      " --family Sorrel --type ENHANCED_PLL --part SR20-6 --in " +
+                                      input + " --out ratio=5 --bandwidth " + bandwidth;
+            SCOPED_TRACE(words);
+            const RUN synth = run_pllcalc("synth" + words);
+            const std::vector<std::string> filter = words_below(synth.m_output, "filter R");
+            ASSERT_LE(4U, filter.size()) << synth.m_output;
+            const RUN table = run_pllcalc("table --format csv" + words);
+            int taken = 0;
+            for (const std::string& line : split(table.m_output, '\n')) {
+                const std::vector<std::string> cells = split(line, ',');
+                if (cells[10] == "true") {
+                    ++taken;
+                    EXPECT_EQ(filter[0], cells[3] + ".0");
+                    EXPECT_EQ(filter[2], cells[4] + ".0");
+                    EXPECT_EQ(filter[3], cells[2] + ".0");
+                    rows_behind_the_first += cells[1] == "1" ? 0 : 1;
+                }
+            }
+            EXPECT_EQ(1, taken);
+        }
+    }
+    EXPECT_LT(0, rows_behind_the_first);
+}
+
+}  // namespace
