@@ -10,19 +10,10 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 
 namespace {
 
 const std::string PROMPT = "$ pllcalc";
-
-std::string read_file(const std::filesystem::path& path)
-{
-    std::ifstream stream(path);
-    std::ostringstream text;
-    text << stream.rdbuf();
-    return text.str();
-}
 
 // The transcript with its commands run anew; lines before the first command are kept.
 std::string replay(const std::string& transcript)
