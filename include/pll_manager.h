@@ -13,6 +13,7 @@
 class PLL;
 class PLL_MANAGER;
 class PLL_NAME_INDEX;
+class PLL_READ_OBSERVER;
 
 // One part in one PLL type.
 class PLL_API PLL_PART_INFO
@@ -168,6 +169,11 @@ public:
     PLL_RECONFIG_TYPE_ENUM find_reconfig_type_enum(const char* name) const;
     CDB_PLL_COUNTER_TYPE_ENUM find_counter_type_enum(const char* name) const;
 
+    // From now on `observer`, which must outlive the reading, hears what the readers see; null: no
+    // one does. See pll_observer.h.
+    void set_observer(PLL_READ_OBSERVER* observer);
+    PLL_READ_OBSERVER* get_observer() const;
+
     int m_number_of_families;
     PLL_FAMILY_INFO** m_families;  // owned, in creation order
 
@@ -176,6 +182,7 @@ public:
 
 private:
     PLL_NAME_INDEX* m_family_index;  // owned, null until a family was looked up
+    PLL_READ_OBSERVER* m_observer;   // not owned
 };
 
 // Reads the table file of every entry into the family; false when one of them fails.
@@ -185,6 +192,11 @@ PLL_API bool pll_read_bandwidth_settings_table_files(PLL_FAMILY_INFO* family,
 // Reads one table file into the family's record of `type`.
 PLL_API bool pll_read_bandwidth_settings_table_file(PLL_FAMILY_INFO* family, PLL_TYPE_ENUM type,
                                                     const char* file_name);
+
+// Likewise, and `observer`, which may be null, hears what the reader sees.
+PLL_API bool pll_read_bandwidth_settings_table_file(PLL_FAMILY_INFO* family, PLL_TYPE_ENUM type,
+                                                    const char* file_name,
+                                                    PLL_READ_OBSERVER* observer);
 
 // Read one number, or the format word, which ends at the first blank. True when the stream is still
 // good afterwards.

@@ -90,7 +90,8 @@ PLL_FAMILY_INFO::~PLL_FAMILY_INFO()
     manager_destroy(m_speed_grade_index);
 }
 
-PLL_MANAGER::PLL_MANAGER() : m_number_of_families(0), m_families(nullptr), m_family_index(nullptr)
+PLL_MANAGER::PLL_MANAGER()
+    : m_number_of_families(0), m_families(nullptr), m_family_index(nullptr), m_observer(nullptr)
 {
 }
 
@@ -251,6 +252,16 @@ bool rebuild_listed_speed_grades(PLL_FAMILY_INFO* family)
     family->m_listed_speed_grades = names;
     family->m_number_of_listed_speed_grades = count;
     return true;
+}
+
+void PLL_MANAGER::set_observer(PLL_READ_OBSERVER* observer)
+{
+    m_observer = observer;
+}
+
+PLL_READ_OBSERVER* PLL_MANAGER::get_observer() const
+{
+    return m_observer;
 }
 
 int PLL_MANAGER::get_number_of_families() const

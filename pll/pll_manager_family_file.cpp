@@ -16,8 +16,11 @@
 #include "pll_manager_locale.h"
 #include "pll_manager_memory.h"
 #include "pll_manager_records.h"
+#include "pll_manager_table_file.h"
+#include "pll_manager_watch.h"
 #include "pll_report_error.h"
 
+#include <cstring>
 #include <exception>
 
 namespace {
@@ -67,18 +70,27 @@ bool read_operands(const PLL_MANAGER& manager, PLL_OPERAND_KIND kind, char* line
     return false;
 }
 
-PLL_INCLUDE_STACK::PLL_INCLUDE_STACK() : m_depth(0), m_opened_files(0) {}
+PLL_INCLUDE_STACK::PLL_INCLUDE_STACK() : m_depth(0), m_opened_files(0), m_names() {}
+
+PLL_INCLUDE_STACK::~PLL_INCLUDE_STACK()
+{
+    for (int i = 0; i < m_depth; ++i) {
+        manager_release(m_names[i]);
+    }
+}
 
 bool PLL_INCLUDE_STACK::is_full() const
 {
     return m_depth >= MAX_DEPTH || m_opened_files >= MAX_OPENED_FILES;
 }
 
-bool PLL_INCLUDE_STACK::open(const char* name)
+bool PLL_INCLUDE_STACK::open(char* name)
 {
     if (!m_files[m_depth].open(name)) {
+        manager_release(name);
         return false;
     }
+    m_names[m_depth] = name;
     ++m_depth;
     ++m_opened_files;
     return true;
@@ -89,6 +101,7 @@ bool PLL_INCLUDE_STACK::read_line(char* line)
     while (m_depth > 0 && m_files[m_depth - 1].is_at_end()) {
         --m_depth;
         m_files[m_depth].close();
+        manager_release(m_names[m_depth]);
     }
     if (m_depth == 0) {
         return false;
@@ -105,6 +118,7 @@ PLL_FAMILY_FILE_READER::PLL_FAMILY_FILE_READER(PLL_MANAGER* manager, const char*
       m_part(nullptr),
       m_reconfig(nullptr),
       m_path(path),
+      m_file_name(nullptr),
       m_table_files(TABLE_FILE_ALLOCATOR(PLL_MANAGER_SOURCE))
 {
 }
@@ -118,32 +132,62 @@ PLL_FAMILY_FILE_READER::~PLL_FAMILY_FILE_READER()
 
 bool PLL_FAMILY_FILE_READER::read(const char* file_name)
 {
+    m_file_name = file_name;
+    if (m_manager->get_observer() == nullptr) {
+        return read_file(nullptr);
+    }
+    PLL_STATEMENT_WATCH watch(*this, m_manager->get_observer());
+    return read_file(&watch);
+}
+
+bool PLL_FAMILY_FILE_READER::read_file(PLL_STATEMENT_WATCH* watch)
+{
     bool is_out_of_memory = false;
-    return open(file_name, &is_out_of_memory) && read_statements() && finish_family();
+    if (!open(m_file_name, &is_out_of_memory)) {
+        if (watch != nullptr && !is_out_of_memory) {
+            watch->tell_of_top_file(PLL_FINDING::FAMILY_FILE_NOT_OPENED, m_path, m_file_name);
+        }
+        return false;
+    }
+    return read_statements(watch) && finish_family();
 }
 
 bool PLL_FAMILY_FILE_READER::open(const char* name, bool* is_out_of_memory)
 {
-    const PLL_MANAGER_TEXT full_name(manager_join(m_path, "/", name));
-    *is_out_of_memory = full_name.get() == nullptr;
-    return !*is_out_of_memory && m_files.open(full_name.get());
+    char* const full_name = manager_join(m_path, "/", name);
+    *is_out_of_memory = full_name == nullptr;
+    return !*is_out_of_memory && m_files.open(full_name);
+}
+
+bool PLL_FAMILY_FILE_READER::is_reading(const char* path, const char* file_name) const
+{
+    return path != nullptr && std::strcmp(path, m_path) == 0 &&
+           std::strcmp(file_name, m_file_name) == 0;
 }
 
 // A file without a statement is an error.
-bool PLL_FAMILY_FILE_READER::read_statements()
+bool PLL_FAMILY_FILE_READER::read_statements(PLL_STATEMENT_WATCH* watch)
 {
     bool has_statement = false;
     char line[PLL_LINE_SIZE];
     while (m_files.read_line(line)) {
+        const bool is_watched = watch != nullptr && watch->begin(line);
         char* operands = line;
         const char* const keyword = m_manager->find_unquoted_string_token(&operands);
         if (keyword == nullptr) {
             continue;
         }
-        if (!read_statement(keyword, operands)) {
+        const bool is_ok = read_statement(keyword, operands);
+        if (is_watched) {
+            watch->end(is_ok);
+        }
+        if (!is_ok) {
             return false;
         }
         has_statement = true;
+    }
+    if (!has_statement && watch != nullptr) {
+        watch->tell_of_top_file(PLL_FINDING::NO_STATEMENT, m_path, m_file_name);
     }
     return has_statement;
 }
@@ -185,7 +229,7 @@ bool PLL_FAMILY_FILE_READER::finish_family()
 {
     return m_family == nullptr ||
            (rebuild_listed_speed_grades(m_family) &&
-            pll_read_bandwidth_settings_table_files(m_family, &m_table_files));
+            read_table_files(m_family, m_table_files, m_manager->get_observer()));
 }
 
 bool PLL_FAMILY_FILE_READER::set_table_file(const char* name)

@@ -57,16 +57,29 @@ class PLL_INCLUDE_STACK
 {
 public:
     PLL_INCLUDE_STACK();
+    ~PLL_INCLUDE_STACK();
+    PLL_INCLUDE_STACK(const PLL_INCLUDE_STACK&) = delete;
+    PLL_INCLUDE_STACK& operator=(const PLL_INCLUDE_STACK&) = delete;
 
     // True when no further file may be opened: the stack is full, or so many files were read that
     // they must include each other.
     bool is_full() const;
 
+    // True when it is for the depth of the stack.
+    bool is_deep() const { return m_depth >= MAX_DEPTH; }
+
     // Opens a file and reads on in it; false when it cannot be opened. Only legal while not full.
-    bool open(const char* name);
+    // Takes the name over.
+    bool open(char* name);
 
     // Reads the next line, closing files that are at their end; false when all are.
     bool read_line(char* line);
+
+    // The file that the last line came from and its name, until a file is opened.
+    const PLL_INPUT_FILE& current() const { return m_files[m_depth - 1]; }
+    const char* current_name() const { return m_names[m_depth - 1]; }
+
+    int opened_files() const { return m_opened_files; }
 
 private:
     static constexpr int MAX_DEPTH = 8;
@@ -75,7 +88,10 @@ private:
     int m_depth;
     int m_opened_files;
     PLL_INPUT_FILE m_files[MAX_DEPTH];
+    char* m_names[MAX_DEPTH];  // owned
 };
+
+class PLL_STATEMENT_WATCH;
 
 // Reads one family file with what it includes, and keeps what its statements refer to.
 class PLL_FAMILY_FILE_READER
@@ -99,6 +115,9 @@ public:
 
     bool is_in_scope(PLL_SCOPE scope) const;
 
+    // True for the family's directory and file that are being read.
+    bool is_reading(const char* path, const char* file_name) const;
+
     // The records that statements write to; only within their scopes.
     PLL_BASIC_INFO* basic_info() const { return &m_family->m_basic_infos[m_type]; }
     PLL_TIMING_INFO* timing_info() const { return &m_part->m_timing_info; }
@@ -112,11 +131,13 @@ public:
     PLL_RECONFIG_INFO* m_reconfig;
 
 private:
-    bool read_statements();
+    bool read_file(PLL_STATEMENT_WATCH* watch);
+    bool read_statements(PLL_STATEMENT_WATCH* watch);
     bool read_statement(const char* keyword, char* operands);
     bool finish_family();
 
     const char* m_path;
+    const char* m_file_name;  // of the file at the bottom; null before it is read
     PLL_TYPE_BANDWIDTH_FILE_LIST m_table_files;  // at most one entry for each PLL type; owned
 };
 

@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
+#include <limits>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -27,7 +28,10 @@ int open_for_reading(const char* name)
 
 }  // namespace
 
-PLL_INPUT_FILE::PLL_INPUT_FILE() : m_descriptor(-1), m_next(0), m_end(0), m_block{} {}
+PLL_INPUT_FILE::PLL_INPUT_FILE()
+    : m_descriptor(-1), m_next(0), m_end(0), m_line_number(0), m_line_length(0), m_block{}
+{
+}
 
 PLL_INPUT_FILE::~PLL_INPUT_FILE()
 {
@@ -52,6 +56,7 @@ void PLL_INPUT_FILE::close()
     m_descriptor = -1;
     m_next = 0;
     m_end = 0;
+    m_line_number = 0;
 }
 
 bool PLL_INPUT_FILE::fill()
@@ -91,6 +96,10 @@ void PLL_INPUT_FILE::read_line(char* line)
         --length;
     }
     line[std::min(length, ROOM)] = '\0';
+    m_line_length = length;
+    if (m_line_number < std::numeric_limits<int>::max()) {
+        ++m_line_number;
+    }
 }
 
 char* PLL_INPUT_FILE::take_block(std::size_t* size)

@@ -25,6 +25,10 @@ public:
     // `line`, which has PLL_LINE_SIZE characters. What a longer line has beyond them is dropped.
     void read_line(char* line);
 
+    // Of the line read last: its number, from 1, and its characters, those that were dropped too.
+    int line_number() const { return m_line_number; }
+    std::size_t line_length() const { return m_line_length; }
+
     // Hands out what is buffered, reading on when that is nothing: `size` characters, valid until
     // the next call; 0 at the end.
     char* take_block(std::size_t* size);
@@ -37,5 +41,7 @@ private:
     int m_descriptor;  // -1: not open
     std::size_t m_next;
     std::size_t m_end;
+    int m_line_number;
+    std::size_t m_line_length;
     char m_block[BLOCK_SIZE];
 };

@@ -5,6 +5,7 @@
 #include "pll_manager.h"
 #include "pll_manager_file.h"
 #include "pll_manager_memory.h"
+#include "pll_manager_watch.h"
 #include "pll_report_error.h"
 
 #include <cstring>
@@ -58,6 +59,47 @@ PATH_LINE read_path_line(PLL_MANAGER* manager, const char* directory, char* line
     return PATH_LINE::FAMILY;
 }
 
+// What can be told of a line that named a family.
+void watch_path_line(PLL_LINE_WATCH* watch, PLL_MANAGER* manager)
+{
+    PLL_READ_STATEMENT event;
+    event.m_kind = PLL_READ_KIND::PATH_LINE;
+    const char* const name = watch->next_name();
+    event.m_place = watch->place_of(name);
+    event.m_family = manager->create_family_info(name);
+    watch->next_name();  // sub-directory
+    watch->next_name();  // file
+    watch->tell_of_rest("");
+    tell(watch->get_observer(), event);
+}
+
+// Reads the lines of an open path file; false when it names no family.
+bool read_path_lines(PLL_MANAGER* manager, const char* directory, const char* name,
+                     PLL_INPUT_FILE* file)
+{
+    PLL_LINE_WATCH watch(manager->get_observer(), *manager);
+    bool names_a_family = false;
+    while (!file->is_at_end()) {
+        char line[PLL_LINE_SIZE];
+        file->read_line(line);
+        if (watch.get_observer() != nullptr) {
+            watch.copy(line, *file, name);
+        }
+        const PATH_LINE result = read_path_line(manager, directory, line);
+        if (result == PATH_LINE::OUT_OF_MEMORY) {
+            return false;
+        }
+        if (result == PATH_LINE::FAMILY && watch.get_observer() != nullptr) {
+            watch_path_line(&watch, manager);
+        }
+        names_a_family = names_a_family || result == PATH_LINE::FAMILY;
+    }
+    if (!names_a_family && manager->get_observer() != nullptr) {
+        tell_of_file(manager->get_observer(), PLL_FINDING::NO_FAMILY, name);
+    }
+    return names_a_family;
+}
+
 }  // namespace
 
 bool PLL_MANAGER::read(const char* path)
@@ -67,21 +109,17 @@ bool PLL_MANAGER::read(const char* path)
     }
     const PLL_MANAGER_TEXT directory(manager_join(path, ends_with_slash(path) ? "" : "/"));
     const PLL_MANAGER_TEXT name(manager_join(directory.get(), PATH_FILE_NAME));
-    PLL_INPUT_FILE file;
-    if (name.get() == nullptr || !file.open(name.get())) {
+    if (name.get() == nullptr) {
         return false;
     }
-    bool names_a_family = false;
-    while (!file.is_at_end()) {
-        char line[PLL_LINE_SIZE];
-        file.read_line(line);
-        const PATH_LINE result = read_path_line(this, directory.get(), line);
-        if (result == PATH_LINE::OUT_OF_MEMORY) {
-            return false;
+    PLL_INPUT_FILE file;
+    if (!file.open(name.get())) {
+        if (m_observer != nullptr) {
+            tell_of_file(m_observer, PLL_FINDING::PATH_FILE_NOT_OPENED, name.get());
         }
-        names_a_family = names_a_family || result == PATH_LINE::FAMILY;
+        return false;
     }
-    return names_a_family;
+    return read_path_lines(this, directory.get(), name.get(), &file);
 }
 
 PLL_FAMILY_INFO* PLL_MANAGER::read_family_info(const char* family)
@@ -93,9 +131,11 @@ PLL_FAMILY_INFO* PLL_MANAGER::read_family_info(const char* family)
     if (record->m_number_of_parts > 0) {
         return record;
     }
-    if (record->m_file_name == nullptr ||
-        !read_family_info_from_file(record->m_path, record->m_file_name)) {
+    if (record->m_file_name == nullptr) {
+        if (m_observer != nullptr) {
+            tell_of_file(m_observer, PLL_FINDING::FAMILY_WITHOUT_FILE, record->m_name, record);
+        }
         return nullptr;
     }
-    return record;
+    return read_family_info_from_file(record->m_path, record->m_file_name) ? record : nullptr;
 }

@@ -5,8 +5,10 @@
 // Words are ended by NULs in the line itself, which is why every reader takes a cursor into it.
 #include "gen_string.h"
 #include "pll_manager.h"
+#include "pll_manager_family_file.h"
 #include "pll_manager_locale.h"
 #include "pll_manager_memory.h"
+#include "pll_observer.h"
 #include "pll_report_error.h"
 
 #include <algorithm>
@@ -34,7 +36,9 @@ const char* const COUNTER_TYPE_STRINGS[] = {"L0", "L1", "G0", "G1", "G2",    "G3
                                             "C4", "C5", "M",  "N",  "L0TAP", "L1TAP"};
 static_assert(std::size(COUNTER_TYPE_STRINGS) == CDB_PLL_COUNTER_TYPE_MAX);
 
-const char* const TRUE_WORDS[] = {"true", "yes", "on"};
+// Flags: the first of them are true, every other word is false, these in earnest.
+const char* const FLAG_STRINGS[] = {"true", "yes", "on", "false", "no", "off"};
+const std::size_t NUMBER_OF_TRUE_WORDS = 3;
 
 // The place of `name` in `names`, their number when it is none of them.
 int find_name(const char* name, const char* const* names, std::size_t count)
@@ -44,6 +48,12 @@ int find_name(const char* name, const char* const* names, std::size_t count)
         std::find_if(names, end,
                      [name](const char* other) { return gen_stricmp(name, other) == 0; }) -
         names);
+}
+
+template <std::size_t COUNT>
+const char* word_at(const char* const (&words)[COUNT], int index)
+{
+    return index >= 0 && index < static_cast<int>(COUNT) ? words[index] : nullptr;
 }
 
 bool is_cursor(char** line)
@@ -202,8 +212,8 @@ int PLL_MANAGER::find_counter_type_array(char** line, CDB_PLL_COUNTER_TYPE_ENUM*
 bool PLL_MANAGER::find_bool_token(char** line) const
 {
     const char* const word = find_unquoted_string_token(line);
-    const int number_of_words = static_cast<int>(std::size(TRUE_WORDS));
-    return word != nullptr && find_name(word, TRUE_WORDS, std::size(TRUE_WORDS)) < number_of_words;
+    const int number_of_words = static_cast<int>(NUMBER_OF_TRUE_WORDS);
+    return word != nullptr && find_name(word, FLAG_STRINGS, NUMBER_OF_TRUE_WORDS) < number_of_words;
 }
 
 PLL_TYPE_ENUM PLL_MANAGER::find_pll_type_enum(const char* name) const
@@ -222,4 +232,26 @@ CDB_PLL_COUNTER_TYPE_ENUM PLL_MANAGER::find_counter_type_enum(const char* name) 
 {
     return static_cast<CDB_PLL_COUNTER_TYPE_ENUM>(
         find_name(name, COUNTER_TYPE_STRINGS, std::size(COUNTER_TYPE_STRINGS)));
+}
+
+const char* pll_get_word(PLL_VOCABULARY vocabulary, int index)
+{
+    const std::span<const PLL_KEYWORD> keywords = get_keywords();
+    switch (vocabulary) {
+    case PLL_VOCABULARY::NONE:
+        return nullptr;
+    case PLL_VOCABULARY::KEYWORDS:
+        return index >= 0 && index < static_cast<int>(keywords.size())
+                   ? keywords[static_cast<std::size_t>(index)].m_keyword
+                   : nullptr;
+    case PLL_VOCABULARY::PLL_TYPES:
+        return word_at(PLL_TYPE_STRINGS, index);
+    case PLL_VOCABULARY::RECONFIG_TYPES:
+        return word_at(RECONFIG_TYPE_STRINGS, index);
+    case PLL_VOCABULARY::COUNTERS:
+        return word_at(COUNTER_TYPE_STRINGS, index);
+    case PLL_VOCABULARY::FLAGS:
+        return word_at(FLAG_STRINGS, index);
+    }
+    return nullptr;
 }
