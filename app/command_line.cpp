@@ -1,5 +1,6 @@
 #include "command_line.h"
 
+#include "lint_options.h"
 #include "suggestion.h"
 #include "usage_error.h"
 
@@ -29,7 +30,8 @@ const char* const PROGRAM_OPTIONS =
     "  -h,--help   this text, or that of a command\n"
     "  --version   the version\n"
     "\n"
-    "Exit status: 0 met, 1 not met, 2 bad usage, 4 input or output failed, 5 internal error.\n";
+    "Exit status: 0 met, 1 not met, 2 bad usage, 4 input or output failed, 5 internal error;\n"
+    "of lint: 0 clean, 1 warnings with -Werror, 3 errors, 4 unreadable.\n";
 
 const char* const REQUEST_HELP =
     "\nEach --out is one output, numbered from 1: a frequency or ratio=A/B to the input, then any "
@@ -79,8 +81,9 @@ const COMMAND_ENTRY COMMANDS[] = {
     {"dump", COMMAND::DUMP, "the library's own reports of a request and its answer",
      "  pllcalc dump --in 100MHz --out 50MHz\n"
      "  pllcalc dump --compact --in 100MHz --out 50MHz\n",
-     "Prints the library's own reports of a request and its answer.", true, DEVICE_OPTIONS::DEVICE,
-     false},
+     "Prints the library's own reports of a request and its answer. Their phases are in degrees of "
+     "the\ninput clock.",
+     true, DEVICE_OPTIONS::DEVICE, false},
     {"ratios", COMMAND::RATIOS, "all VCO ratios that can be realised from an input clock",
      "  pllcalc ratios --in 100MHz\n"
      "  pllcalc ratios --in 37.037ns --format csv\n",
@@ -105,6 +108,8 @@ const COMMAND_ENTRY COMMANDS[] = {
      true, DEVICE_OPTIONS::DEVICE, true},
     {"errors", COMMAND::ERRORS, "the error values and their texts", "  pllcalc errors\n",
      "Lists the error values and their texts.", false, DEVICE_OPTIONS::NONE, false},
+    {"lint", COMMAND::LINT, "what is wrong with the files of a device database", LINT_EXAMPLES,
+     "Looks for mistakes in the files of a device database.", false, DEVICE_OPTIONS::NONE, false},
 };
 
 std::vector<std::string_view> list_commands()
@@ -222,6 +227,9 @@ void add_options(const COMMAND_ENTRY& entry, CLI::App* app, COMMAND_LINE* line)
                "--compact", [line] { line->m_dump_form = DUMP_FORM::COMPACT; },
                "tab-separated values")
             ->disable_flag_override();
+    }
+    if (entry.m_command == COMMAND::LINT) {
+        add_lint_options(app, &line->m_lint);
     }
     if (entry.m_command == COMMAND::RATIOS) {
         add_text(app, "--in", "FREQ", "input clock", &line->m_request.m_in);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "device.h"
+#include "lint.h"
 #include "report.h"
 #include "request.h"
 
@@ -17,7 +18,8 @@ enum class COMMAND
     DEVICES,
     DEVICE,
     TABLE,
-    ERRORS
+    ERRORS,
+    LINT
 };
 
 struct COMMAND_LINE
@@ -28,6 +30,7 @@ struct COMMAND_LINE
     std::optional<std::string> m_effective_m;  // of table, the M whose rows are wanted
     DUMP_FORM m_dump_form = DUMP_FORM::FULL;
     LIST_FORM m_list_form = LIST_FORM::TABLE;
+    LINT_REQUEST m_lint;
 };
 
 // Reads the command line. None when it asks for help or the version: `help` then receives the text.

@@ -2,14 +2,36 @@
 
 #include "msg_internal_error.h"
 
+#include <algorithm>
 #include <cstdio>
+#include <iterator>
+#include <string_view>
 
 namespace {
 
+// The promises that the values of a database can break.
+const std::string_view CONDITIONS_OF_DATABASES[] = {
+    "bandwidth_setting->m_m < bandwidth_settings_table_size",
+    "vco_post_scale <= PLL_VCO_POST_SCALE_MAX",
+    "m_vco_post_scale_counter_max <= PLL_VCO_POST_SCALE_MAX",
+};
+
+bool has_written = false;
+
 void write_report(const char* condition, const char* component, const char* source, int line, void*)
 {
+    has_written = true;
     std::fprintf(stderr, "pllcalc: internal error: %s (component %s, source %s, line %d)\n",
                  condition, component, source, line);
+}
+
+void write_other_report(const char* condition, const char* component, const char* source, int line,
+                        void* context)
+{
+    const auto* const end = std::end(CONDITIONS_OF_DATABASES);
+    if (std::find(std::begin(CONDITIONS_OF_DATABASES), end, condition) == end) {
+        write_report(condition, component, source, line, context);
+    }
 }
 
 }  // namespace
@@ -21,5 +43,15 @@ void watch_internal_errors()
 
 bool had_internal_errors()
 {
-    return MSG_INTERNAL_ERROR::get_report_count() != 0;
+    return has_written;
+}
+
+DATABASE_REPORTS::DATABASE_REPORTS()
+{
+    MSG_INTERNAL_ERROR::set_handler(write_other_report, nullptr);
+}
+
+DATABASE_REPORTS::~DATABASE_REPORTS()
+{
+    watch_internal_errors();
 }

@@ -5,6 +5,7 @@
 #include "device.h"
 #include "input_error.h"
 #include "internal_errors.h"
+#include "lint.h"
 #include "output.h"
 #include "quantity.h"
 #include "report.h"
@@ -25,6 +26,7 @@ enum EXIT_STATUS
     STATUS_MET = 0,
     STATUS_NOT_MET = 1,
     STATUS_USAGE = 2,
+    STATUS_LINT_ERRORS = 3,
     STATUS_IO_FAILED = 4,
     STATUS_INTERNAL_ERROR = 5
 };
@@ -117,6 +119,23 @@ EXIT_STATUS answer_request(const COMMAND_LINE& line, std::string* text)
     return answer.is_met() ? STATUS_MET : STATUS_NOT_MET;
 }
 
+EXIT_STATUS lint_database(const LINT_REQUEST& request, std::string* text)
+{
+    std::string problem;
+    switch (lint(request, text, &problem)) {
+    case LINT_VERDICT::CLEAN:
+        break;
+    case LINT_VERDICT::WARNINGS:
+        return STATUS_NOT_MET;
+    case LINT_VERDICT::ERRORS:
+        return STATUS_LINT_ERRORS;
+    case LINT_VERDICT::UNREADABLE:
+        write_error(problem.c_str());
+        return STATUS_IO_FAILED;
+    }
+    return STATUS_MET;
+}
+
 EXIT_STATUS run_command(int count, const char* const* words, std::string* text)
 {
     const std::optional<COMMAND_LINE> line = read_command_line(count, words, text);
@@ -135,6 +154,8 @@ EXIT_STATUS run_command(int count, const char* const* words, std::string* text)
         return show_device(*line, text);
     case COMMAND::TABLE:
         return show_table(*line, text);
+    case COMMAND::LINT:
+        return lint_database(line->m_lint, text);
     case COMMAND::SYNTH:
     case COMMAND::STEPS:
     case COMMAND::DUMP:

@@ -193,11 +193,6 @@ PLL_API bool pll_read_bandwidth_settings_table_files(PLL_FAMILY_INFO* family,
 PLL_API bool pll_read_bandwidth_settings_table_file(PLL_FAMILY_INFO* family, PLL_TYPE_ENUM type,
                                                     const char* file_name);
 
-// Likewise, and `observer`, which may be null, hears what the reader sees.
-PLL_API bool pll_read_bandwidth_settings_table_file(PLL_FAMILY_INFO* family, PLL_TYPE_ENUM type,
-                                                    const char* file_name,
-                                                    PLL_READ_OBSERVER* observer);
-
 // Read one number, or the format word, which ends at the first blank. True when the stream is still
 // good afterwards.
 PLL_API bool pll_read_field(std::istream& stream, int& value);

@@ -155,3 +155,8 @@ public:
     virtual void on_statement(const PLL_READ_STATEMENT& statement) = 0;
     virtual void on_finding(const PLL_READ_FINDING& finding) = 0;
 };
+
+// pll_read_bandwidth_settings_table_file (pll_manager.h) under the eyes of an observer; null: none.
+PLL_API bool pll_observe_bandwidth_settings_table_file(PLL_FAMILY_INFO* family, PLL_TYPE_ENUM type,
+                                                       const char* file_name,
+                                                       PLL_READ_OBSERVER* observer);

@@ -312,16 +312,19 @@ PLL_READ_STATEMENT PLL_STATEMENT_WATCH::statement() const
     if (!m_is_in_scope) {
         return event;
     }
-    event.m_family = m_reader.m_family;
-    event.m_type = m_reader.m_type;
+    event.m_family = is_keyword("include") || is_keyword("pll") ? nullptr : m_reader.m_family;
+    event.m_type = is_keyword("pll") ? m_reader.m_type : PLL_TYPE_MAX;
     switch (m_row->m_scope) {
     case PLL_SCOPE::ANYWHERE:
+        break;
     case PLL_SCOPE::PLL_TYPE:
+        event.m_type = m_reader.m_type;
         break;
     case PLL_SCOPE::FAMILY:
         event.m_speed_grade = m_reader.m_speed_grade;
         break;
     case PLL_SCOPE::SPEED_GRADE:
+        event.m_type = m_reader.m_type;
         event.m_speed_grade = m_reader.m_speed_grade;
         event.m_part = m_reader.m_part;
         break;

@@ -270,6 +270,9 @@ TABLE create_table(const PLL_BASIC_INFO& info, PLL_TABLE_WATCH* watch)
         }
         return {0, nullptr};
     }
+    if (watch != nullptr) {
+        watch->set_largest_m(static_cast<int>(groups - 1));
+    }
     return {static_cast<int>(groups),
             new PLL_BANDWIDTH_SETTING_GROUP[static_cast<std::size_t>(groups)]};
 }
@@ -328,8 +331,8 @@ bool pll_read_field(std::istream& stream, MEM_STRING& value)
     }
 }
 
-bool pll_read_bandwidth_settings_table_file(PLL_FAMILY_INFO* family, PLL_TYPE_ENUM type,
-                                            const char* file_name, PLL_READ_OBSERVER* observer)
+bool pll_observe_bandwidth_settings_table_file(PLL_FAMILY_INFO* family, PLL_TYPE_ENUM type,
+                                               const char* file_name, PLL_READ_OBSERVER* observer)
 {
     const bool has_family = check(family != nullptr, "family_info != 0", PLL_MANAGER_SOURCE);
     const bool has_name =
@@ -353,7 +356,7 @@ bool pll_read_bandwidth_settings_table_file(PLL_FAMILY_INFO* family, PLL_TYPE_EN
 bool pll_read_bandwidth_settings_table_file(PLL_FAMILY_INFO* family, PLL_TYPE_ENUM type,
                                             const char* file_name)
 {
-    return pll_read_bandwidth_settings_table_file(family, type, file_name, nullptr);
+    return pll_observe_bandwidth_settings_table_file(family, type, file_name, nullptr);
 }
 
 bool read_table_files(PLL_FAMILY_INFO* family, const PLL_TYPE_BANDWIDTH_FILE_LIST& files,
@@ -362,8 +365,8 @@ bool read_table_files(PLL_FAMILY_INFO* family, const PLL_TYPE_BANDWIDTH_FILE_LIS
     bool are_read = true;
     for (const PLL_TYPE_BANDWIDTH_FILE_NAME* file : files) {
         are_read = check(file != nullptr, "pll_type_bandwidth_file != 0", PLL_MANAGER_SOURCE) &&
-                   pll_read_bandwidth_settings_table_file(family, file->m_type,
-                                                          file->m_file_name.c_str(), observer) &&
+                   pll_observe_bandwidth_settings_table_file(family, file->m_type,
+                                                             file->m_file_name.c_str(), observer) &&
                    are_read;
     }
     return are_read;

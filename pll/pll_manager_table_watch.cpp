@@ -56,6 +56,7 @@ PLL_TABLE_WATCH::PLL_TABLE_WATCH(PLL_READ_OBSERVER* observer, const PLL_FAMILY_I
       m_family(family),
       m_type(type),
       m_text(file_name),
+      m_largest_m(0),
       m_row_offset(0),
       m_field_offset(0),
       m_word()
@@ -162,6 +163,7 @@ void PLL_TABLE_WATCH::end_row(const PLL_TABLE_POSITION& end, bool is_read, int m
         if (row == nullptr && is_read) {
             PLL_READ_FINDING finding = finding_here(PLL_FINDING::ROW_WITHOUT_GROUP);
             finding.m_value = m;
+            finding.m_limit = m_largest_m;
             tell(m_observer, finding);
             event.m_reason = PLL_FINDING::ROW_WITHOUT_GROUP;
         }

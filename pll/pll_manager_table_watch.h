@@ -52,6 +52,7 @@ public:
     // A finding on the table as a whole.
     void tell_of_table(PLL_FINDING finding, long long value = 0, long long limit = 0);
 
+    void set_largest_m(int largest_m) { m_largest_m = largest_m; }
     void format_word(const char* word, bool is_read);
 
     // Offsets where the reader is; it has not looked for the next word yet.
@@ -77,6 +78,7 @@ private:
     const PLL_FAMILY_INFO* m_family;
     PLL_TYPE_ENUM m_type;
     PLL_TEXT_WALK m_text;
+    int m_largest_m;
     std::int64_t m_row_offset;
     std::int64_t m_field_offset;
     PLL_SOURCE_PLACE m_place;  // of the word taken last

@@ -1,0 +1,14 @@
+// The words of "pllcalc lint".
+#pragma once
+
+#include "lint.h"
+
+namespace CLI {
+class App;
+}
+
+inline constexpr char LINT_EXAMPLES[] = "  pllcalc lint data/sample\n"
+                                        "  pllcalc lint data/sample/sorrel/sorrel_pll.txt -Werror\n"
+                                        "  pllcalc lint data/sample --format sarif\n";
+
+void add_lint_options(CLI::App* app, LINT_REQUEST* request);
