@@ -65,7 +65,7 @@ MODEL_ROW random_row(int m, RANDOM* random)
 // A row that the format does not allow, or that has no group.
 std::string odd_row(int size, RANDOM* random)
 {
-    switch (random->between(0, 7)) {
+    switch (random->between(0, 8)) {
     case 0:
         return "\n";
     case 1:
@@ -79,6 +79,8 @@ std::string odd_row(int size, RANDOM* random)
     case 5:
         return " \t\n";
     case 6:
+        return "\r\n";
+    case 7:
         return "1 1 1 1 1e999 1 1 1 1 1 1 1 1\n";
     default:
         return "1 1 1 1 nan 1 1 1 1 1 1 1 1\n";

@@ -143,6 +143,34 @@ TEST(FamilyFile, TakesNamesInQuotesAndKeywordsInAnyCase)
     EXPECT_EQ(7, family.m_basic_infos[FAST_PLL].m_n_counter_max);
 }
 
+// A carriage return counts as a part of the line break only right before it; elsewhere it is a
+// character of the name that an open quote begins.
+TEST(FamilyFile, TakesACarriageReturnOffTheEndOfALineOnly)
+{
+    DATABASE database;
+    EXPECT_TRUE(database.read("family \"Fam\r\n"));
+    EXPECT_TRUE(database.read("family \"Two\r\r\n"));
+    EXPECT_TRUE(database.read("family \"Three\r"));
+    EXPECT_STREQ("Fam", database.m_manager.get_family(0));
+    EXPECT_STREQ("Two\r", database.m_manager.get_family(1));
+    EXPECT_STREQ("Three\r", database.m_manager.get_family(2));
+}
+
+TEST(FamilyFile, KeepsTheFirst1023CharactersOfALine)
+{
+    DATABASE database;
+    const std::string head = "family \"";
+    const std::string name(1023 - head.size(), 'x');
+    for (const char* rest : {"\n", "\r\n", "y\n", "y\r\nfamily Fam\n", "y\"", "\ryy\n"}) {
+        SCOPED_TRACE(rest);
+        EXPECT_TRUE(database.read(head + name + rest));
+        EXPECT_EQ(name, database.m_manager.get_family(0));
+    }
+    EXPECT_EQ(2, database.m_manager.get_number_of_families());
+    EXPECT_TRUE(database.read(head + name.substr(1) + "\r\n"));
+    EXPECT_EQ(name.substr(1), database.m_manager.get_family(2));
+}
+
 TEST(FamilyFile, HoldsTheWholeOfADevice)
 {
     DATABASE database;
