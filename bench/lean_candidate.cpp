@@ -47,6 +47,13 @@ double cut(int max_count, LEAN_COUNTER* counter)
     return excess;
 }
 
+// Halves are rounded up, as the library does.
+int rounded(double value)
+{
+    const double raised = value + 0.5;
+    return int(raised);
+}
+
 struct PLACE
 {
     int m_tap;
@@ -55,7 +62,7 @@ struct PLACE
 
 PLACE place_phase(double vco_phase, int max_start)
 {
-    const int start = std::min(int(vco_phase + 0.5) / CIRCLE + 1, max_start);
+    const int start = std::min(rounded(vco_phase) / CIRCLE + 1, max_start);
     const int rest = int(vco_phase - (CIRCLE * start - CIRCLE)) % CIRCLE;
     const int tap = int((rest + 0.5 * TAP_STEP) / TAP_STEP);
     if (tap < PLL_VCO_TAPS_NUMBER) {
@@ -104,7 +111,7 @@ double split_for_duty(const LEAN_CLOCK& clock, LEAN_COUNTER* counter)
         counter->m_low = 0;
         return 0.0;
     }
-    const int half_periods = int(2.0 * count * clock.m_duty / PERCENT + 0.5);
+    const int half_periods = rounded(2.0 * count * clock.m_duty / PERCENT);
     counter->m_even = half_periods % 2 == 0;
     counter->m_high = (half_periods + 1) / 2;
     counter->m_low = (2 * count - half_periods) / 2;
@@ -136,11 +143,6 @@ double duty_of(const LEAN_COUNTER& counter)
     }
     const double high = counter.m_even ? counter.m_high : counter.m_high - 0.5;
     return high * PERCENT / counter.m_count;
-}
-
-int rounded(double value)
-{
-    return int(value + 0.5);
 }
 
 void narrow_duties(const LEAN_CLOCK& clock, const LEAN_COUNTER& counter, double duty,

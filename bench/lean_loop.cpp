@@ -232,22 +232,28 @@ bool is_equal(const LEAN_RATIO& a, const LEAN_RATIO& b)
 }
 
 template <class TAKE>
+void take_row(const PLL& limits, const PERIODS& periods, int fin_period, int m, TAKE take)
+{
+    for (int n = limits.m_n.m_min_count; n <= limits.m_n.m_max_count; ++n) {
+        const double pfd = double(fin_period) * n;
+        const double vco = pfd / m;
+        if (vco > periods.m_vco_max || pfd > periods.m_pfd_max) {
+            return;
+        }
+        if (vco >= periods.m_vco_min && pfd >= periods.m_pfd_min) {
+            const int divisor = std::gcd(m, n);
+            take(LEAN_RATIO{m / divisor, n / divisor});
+        }
+    }
+}
+
+template <class TAKE>
 void for_each_legal_pair(const PLL& limits, int fin_period, TAKE take)
 {
     for (int post_scale = 1; post_scale <= limits.m_max_vco_post_scale; ++post_scale) {
         const PERIODS periods = read_periods(limits, post_scale);
         for (int m = SMALLEST_M; m <= limits.m_m.m_max_count; ++m) {
-            for (int n = limits.m_n.m_min_count; n <= limits.m_n.m_max_count; ++n) {
-                const double pfd = double(fin_period) * n;
-                const double vco = pfd / m;
-                if (vco > periods.m_vco_max || pfd > periods.m_pfd_max) {
-                    break;
-                }
-                if (vco >= periods.m_vco_min && pfd >= periods.m_pfd_min) {
-                    const int divisor = std::gcd(m, n);
-                    take(LEAN_RATIO{m / divisor, n / divisor});
-                }
-            }
+            take_row(limits, periods, fin_period, m, take);
         }
     }
 }

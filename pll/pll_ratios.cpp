@@ -1,7 +1,17 @@
 // All VCO ratios M / N that the counters can make from one input clock, reduced and in ascending
-// order. Equal fractions are met several times (2/1, 4/2, ...), so all legal pairs are gathered
-// first, then sorted, then made unique.
+// order.
+//
+// A ratio m / n, reduced, is on the list when some multiple (k x m, k x n) of it is a legal pair.
+// The VCO period fin x N / M is the same double for all its multiples, since fin x N is exact and
+// the division is rounded correctly, and it falls when the ratio grows (or rises, for a negative
+// input period). So the listed ratios are the fractions of the box M maximum x N maximum from a
+// smallest to a largest one, less those without a multiple that the PFD allows. They are walked in
+// ascending order, each once.
+//
+// Where the PFD allows only large N, most fractions on such a walk could be without a legal
+// multiple. Then all legal pairs are gathered, reduced, sorted and made unique instead.
 #include "pll_arith.h"
+#include "pll_farey.h"
 #include "pll_report_error.h"
 #include "pll_search.h"
 #include "pll_util.h"
@@ -13,12 +23,17 @@
 namespace {
 
 constexpr const char* SOURCE = "pll";
+constexpr int SMALLEST_M = 2;
+constexpr int STEPS_PER_SORTED_PAIR = 8;  // what sorting a pair costs, in steps of a walk
+constexpr double ANY_PERIOD = std::numeric_limits<double>::infinity();
 
 struct RATIO
 {
     int m_mult;
     int m_div;
 };
+
+typedef MEM_VECTOR<RATIO> RATIOS;
 
 bool is_same(const RATIO& a, const RATIO& b)
 {
@@ -30,86 +45,231 @@ bool is_smaller(const RATIO& a, const RATIO& b)
     return std::int64_t{a.m_mult} * b.m_div < std::int64_t{b.m_mult} * a.m_div;
 }
 
-class RATIO_LIST
+// The fractions of the box that a post-scale's VCO range allows, from the smallest to the largest.
+struct RATIO_RANGE
+{
+    FAREY_FRACTION m_first;
+    FAREY_FRACTION m_last;
+};
+
+N_RANGE legal_for_pfd(const PLL& pll, int fin_period)
+{
+    const N_RANGE counts{pll.m_n.m_min_count, pll.m_n.m_max_count};
+    if (counts.is_empty()) {
+        return counts;
+    }
+    const PERIOD_RANGE pfd{double(pll.m_pfd_min_period), double(pll.m_pfd_max_period)};
+    return ROW_PERIODS(fin_period, 1.0, {-ANY_PERIOD, ANY_PERIOD}, pfd).legal_window(counts);
+}
+
+std::int64_t size_of(N_RANGE range)
+{
+    return range.is_empty() ? 0 : range.m_last - range.m_first + 1;
+}
+
+// At once, so that the number of allocations does not depend on that of ratios.
+void reserve_for(std::int64_t count, RATIOS* ratios)
+{
+    if (std::uint64_t(count) > ratios->max_size()) {
+        throw std::bad_alloc();
+    }
+    ratios->reserve(std::size_t(count));
+}
+
+// Where the legal pairs lie, and the ways to list their ratios. N below 1 make no fractions that
+// could be walked or sorted.
+class RATIO_BOX
 {
 public:
-    RATIO_LIST(const PLL& pll, int fin_period) : m_pll(pll), m_fin_period(fin_period) {}
+    RATIO_BOX(const PLL& pll, int fin_period);
 
-    void collect(int post_scale);
-    void sort_and_unite();
-    const MEM_VECTOR<RATIO>& get_ratios() const { return m_ratios; }
+    // Appends the ratios. Throws std::bad_alloc without memory for all legal pairs.
+    void list(RATIOS* ratios) const;
 
 private:
-    N_RANGE legal_for_pfd(PERIOD_RANGE pfd, N_RANGE counts) const;
-    void add(int m, N_RANGE window);
-    void insert(const RATIO& ratio);
+    void measure(int post_scale);
+    void join_ranges();
+    void walk(const RATIO_RANGE& range, RATIOS* ratios) const;
+    bool has_legal_multiple(const FAREY_FRACTION& ratio) const;
+    void gather(RATIOS* ratios) const;
+    void gather_row(int m, N_RANGE window, RATIOS* ratios) const;
+    static void insert(const RATIO& ratio, RATIOS* ratios);
+
+    // Calls take(m, window) for every M of which some of the N in `counts` suit the VCO.
+    template <class TAKE>
+    void for_each_row(int post_scale, int first_m, N_RANGE counts, TAKE take) const;
 
     const PLL& m_pll;
     int m_fin_period;  // ps
-    MEM_VECTOR<RATIO> m_ratios{MEM_ALLOCATOR<RATIO>(SOURCE)};
+    int m_last_post_scale;
+    bool m_has_fractions;
+    N_RANGE m_pfd_counts;  // the N that the PFD allows
+    int m_range_count;
+    RATIO_RANGE m_ranges[PLL_VCO_POST_SCALE_MAX];  // ascending, without a fraction in common
+    std::int64_t m_pairs;                          // legal ones
+    std::int64_t m_steps;                          // pairs that suit the VCO: no walk is longer
 };
 
-void RATIO_LIST::collect(int post_scale)
+RATIO_BOX::RATIO_BOX(const PLL& pll, int fin_period)
+    : m_pll(pll),
+      m_fin_period(fin_period),
+      m_last_post_scale(std::min(pll.m_max_vco_post_scale, PLL_VCO_POST_SCALE_MAX)),
+      m_has_fractions(pll.m_n.m_min_count > 0),
+      m_pfd_counts(legal_for_pfd(pll, fin_period)),
+      m_range_count(0),
+      m_pairs(0),
+      m_steps(0)
+{
+    for (int post_scale = 1; post_scale <= m_last_post_scale; ++post_scale) {
+        measure(post_scale);
+    }
+    join_ranges();
+}
+
+template <class TAKE>
+void RATIO_BOX::for_each_row(int post_scale, int first_m, N_RANGE counts, TAKE take) const
 {
     const PERIOD_RANGE vco{double(m_pll.get_vco_min_period(post_scale)),
                            double(m_pll.get_vco_max_period(post_scale))};
-    const PERIOD_RANGE pfd{double(m_pll.m_pfd_min_period), double(m_pll.m_pfd_max_period)};
-    const N_RANGE counts{m_pll.m_n.m_min_count, m_pll.m_n.m_max_count};
-    const N_RANGE all = counts.is_empty() ? counts : legal_for_pfd(pfd, counts);
-    if (all.is_empty() || vco.m_min > vco.m_max + 2 * PERIOD_TOLERANCE) {
+    if (m_pfd_counts.is_empty() || vco.m_min > vco.m_max + 2 * PERIOD_TOLERANCE) {
         return;
     }
-    for (std::int64_t m = 2; m <= m_pll.m_m.m_max_count; ++m) {
-        const ROW_PERIODS periods(m_fin_period, double(m), vco, pfd);
+    for (std::int64_t m = first_m; m <= m_pll.m_m.m_max_count; ++m) {
+        const ROW_PERIODS periods(m_fin_period, double(m), vco, {-ANY_PERIOD, ANY_PERIOD});
         // The slowest VCO of a row gets faster from row to row.
-        if (m_fin_period > 0 && periods.vco(all.m_last) >= 0.0 &&
-            periods.is_vco_too_fast(all.m_last)) {
+        if (m_fin_period > 0 && periods.vco(counts.m_last) >= 0.0 &&
+            periods.is_vco_too_fast(counts.m_last)) {
             return;
         }
-        add(int(m), periods.legal_window(all));
+        const N_RANGE window = periods.legal_window(counts);
+        if (!window.is_empty()) {
+            take(int(m), window);
+        }
     }
 }
 
-N_RANGE RATIO_LIST::legal_for_pfd(PERIOD_RANGE pfd, N_RANGE counts) const
+// The smallest fraction of a row is that with its largest N. Rows come by ascending M, so the first
+// of equal fractions is the reduced one.
+void RATIO_BOX::measure(int post_scale)
 {
-    constexpr double ANY = std::numeric_limits<double>::infinity();
-    return ROW_PERIODS(m_fin_period, 1.0, {-ANY, ANY}, pfd).legal_window(counts);
+    const N_RANGE counts = m_has_fractions ? N_RANGE{1, m_pfd_counts.m_last} : m_pfd_counts;
+    const std::int64_t steps_before = m_steps;
+    RATIO_RANGE range = {};
+    for_each_row(post_scale, 1, counts, [&](int m, N_RANGE window) {
+        if (m >= SMALLEST_M) {
+            m_pairs += size_of({std::max(window.m_first, m_pfd_counts.m_first), window.m_last});
+        }
+        if (!m_has_fractions) {
+            return;
+        }
+        const FAREY_FRACTION first = {std::uint32_t(m), std::uint32_t(window.m_last)};
+        const FAREY_FRACTION last = {std::uint32_t(m), std::uint32_t(window.m_first)};
+        const bool is_first_row = m_steps == steps_before;
+        range.m_first = is_first_row || first < range.m_first ? first : range.m_first;
+        range.m_last = is_first_row || range.m_last < last ? last : range.m_last;
+        m_steps += size_of(window);
+    });
+    if (m_steps != steps_before) {
+        m_ranges[m_range_count++] = range;
+    }
 }
 
-void RATIO_LIST::add(int m, N_RANGE window)
+void RATIO_BOX::join_ranges()
+{
+    if (m_range_count < 2) {
+        return;
+    }
+    RATIO_RANGE& low = m_ranges[0];
+    RATIO_RANGE& high = m_ranges[1];
+    if (high.m_first < low.m_first) {
+        std::swap(low, high);
+    }
+    if (!(low.m_last < high.m_first)) {
+        low.m_last = std::max(low.m_last, high.m_last);
+        m_range_count = 1;
+    }
+}
+
+void RATIO_BOX::list(RATIOS* ratios) const
+{
+    if (m_has_fractions) {
+        reserve_for(m_pairs, ratios);
+    }
+    if (!m_has_fractions || m_steps / STEPS_PER_SORTED_PAIR > m_pairs) {
+        gather(ratios);
+        return;
+    }
+    for (int i = 0; i < m_range_count; ++i) {
+        walk(m_ranges[i], ratios);
+    }
+}
+
+void RATIO_BOX::walk(const RATIO_RANGE& range, RATIOS* ratios) const
+{
+    const FAREY_FRACTION box = {std::uint32_t(m_pll.m_m.m_max_count),
+                                std::uint32_t(m_pfd_counts.m_last)};
+    FAREY_WALK walk(box, range.m_first);
+    bool is_last = false;
+    while (!is_last) {
+        const FAREY_FRACTION ratio = walk.get();
+        if (has_legal_multiple(ratio)) {
+            ratios->push_back({int(ratio.m_mult), int(ratio.m_div)});
+        }
+        is_last = ratio == range.m_last || !walk.go_on();
+    }
+}
+
+// Multiples with too small an M or an N too small for the PFD are skipped; the next one decides.
+bool RATIO_BOX::has_legal_multiple(const FAREY_FRACTION& ratio) const
+{
+    const std::int64_t m = ratio.m_mult;
+    const std::int64_t n = ratio.m_div;
+    if (m >= SMALLEST_M && n >= m_pfd_counts.m_first) {
+        return true;
+    }
+    const std::int64_t factor_for_m = m >= SMALLEST_M ? 1 : SMALLEST_M;
+    const std::int64_t factor = std::max(factor_for_m, (m_pfd_counts.m_first + n - 1) / n);
+    return factor * m <= m_pll.m_m.m_max_count && factor * n <= m_pfd_counts.m_last;
+}
+
+void RATIO_BOX::gather(RATIOS* ratios) const
+{
+    for (int post_scale = 1; post_scale <= m_last_post_scale; ++post_scale) {
+        for_each_row(post_scale, SMALLEST_M, m_pfd_counts,
+                     [&](int m, N_RANGE window) { gather_row(m, window, ratios); });
+    }
+    if (m_has_fractions) {
+        std::sort(ratios->begin(), ratios->end(), is_smaller);
+        ratios->erase(std::unique(ratios->begin(), ratios->end(), is_same), ratios->end());
+    }
+}
+
+void RATIO_BOX::gather_row(int m, N_RANGE window, RATIOS* ratios) const
 {
     for (std::int64_t n = window.m_first; n <= window.m_last; ++n) {
         RATIO ratio{};
         PLL_UTIL::normalize_fraction(&ratio.m_mult, &ratio.m_div, m, int(n));
-        if (m_pll.m_n.m_min_count > 0) {
-            m_ratios.push_back(ratio);
+        if (m_has_fractions) {
+            ratios->push_back(ratio);
         } else {
-            insert(ratio);
+            insert(ratio, ratios);
         }
     }
 }
 
 // With divisors below 1 the comparison orders nothing, so the place depends on what came before.
-void RATIO_LIST::insert(const RATIO& ratio)
+void RATIO_BOX::insert(const RATIO& ratio, RATIOS* ratios)
 {
-    for (const RATIO& listed : m_ratios) {
+    for (const RATIO& listed : *ratios) {
         if (is_same(listed, ratio)) {
             return;
         }
     }
-    auto place = m_ratios.begin();
-    while (place != m_ratios.end() && is_smaller(*place, ratio)) {
+    auto place = ratios->begin();
+    while (place != ratios->end() && is_smaller(*place, ratio)) {
         ++place;
     }
-    m_ratios.insert(place, ratio);
-}
-
-void RATIO_LIST::sort_and_unite()
-{
-    if (m_pll.m_n.m_min_count > 0) {
-        std::sort(m_ratios.begin(), m_ratios.end(), is_smaller);
-        m_ratios.erase(std::unique(m_ratios.begin(), m_ratios.end(), is_same), m_ratios.end());
-    }
+    ratios->insert(place, ratio);
 }
 
 void release_array(int** array)
@@ -125,7 +285,7 @@ int* new_array(std::size_t count)
 }
 
 // Puts the list into the library's two arrays. Returns how long it is; 0 without memory for both.
-int publish(const MEM_VECTOR<RATIO>& ratios, PLL_IMPL* impl)
+int publish(const RATIOS& ratios, PLL_IMPL* impl)
 {
     if (ratios.empty()) {
         return 0;
@@ -146,13 +306,10 @@ int publish(const MEM_VECTOR<RATIO>& ratios, PLL_IMPL* impl)
 
 int list_ratios(const PLL& pll, int fin_period)
 {
-    RATIO_LIST list(pll, fin_period);
-    const int last = std::min(pll.m_max_vco_post_scale, PLL_VCO_POST_SCALE_MAX);
-    for (int post_scale = 1; post_scale <= last; ++post_scale) {
-        list.collect(post_scale);
-    }
-    list.sort_and_unite();
-    return publish(list.get_ratios(), PLL::m_impl);
+    const RATIO_BOX box(pll, fin_period);
+    RATIOS ratios{MEM_ALLOCATOR<RATIO>(SOURCE)};
+    box.list(&ratios);
+    return publish(ratios, PLL::m_impl);
 }
 
 }  // namespace

@@ -7,7 +7,11 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
+#include <numeric>
+#include <random>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -169,6 +173,187 @@ TEST(VcoRatios, AreNoneWhenMemoryIsExhausted)
         EXPECT_EQ(heap.get_failures() == 0 ? "1/1 3/2 2/1 3/1 4/1" : "", list);
     } while (heap.get_failures() != 0);
     EXPECT_LT(2, nth);  // the two arrays at least
+}
+
+// ---- Beside the listing by insertion
+
+struct INSERTED_LIST
+{
+    std::vector<int> m_mults;
+    std::vector<int> m_divs;
+
+    void insert(int mult, int div)
+    {
+        std::size_t place = 0;
+        while (place < m_mults.size() && m_mults[place] * div < m_divs[place] * mult) {
+            ++place;
+        }
+        if (place < m_mults.size() && m_mults[place] == mult && m_divs[place] == div) {
+            return;
+        }
+        m_mults.insert(m_mults.begin() + std::ptrdiff_t(place), mult);
+        m_divs.insert(m_divs.begin() + std::ptrdiff_t(place), div);
+    }
+};
+
+INSERTED_LIST insert_ratios(const PLL& pll, int fin)
+{
+    INSERTED_LIST list;
+    for (int post_scale = 1; post_scale <= pll.m_max_vco_post_scale; ++post_scale) {
+        const double vco_min = pll.m_vco_min_period[post_scale];
+        const double vco_max = pll.m_vco_max_period[post_scale];
+        for (int m = 2; m <= pll.m_m.m_max_count; ++m) {
+            for (int n = pll.m_n.m_min_count; n <= pll.m_n.m_max_count; ++n) {
+                const double pfd = double(fin) * n;
+                const double vco = pfd / m;
+                if (vco_min - 1 <= vco && vco <= vco_max + 1 && pll.m_pfd_min_period - 1 <= pfd &&
+                    pfd <= pll.m_pfd_max_period + 1) {
+                    const int divisor = std::gcd(m, n);
+                    list.insert(m / divisor, n / divisor);
+                }
+            }
+        }
+    }
+    return list;
+}
+
+void expect_inserted_list(PLL& pll, int fin)
+{
+    const INSERTED_LIST expected = insert_ratios(pll, fin);
+    int* mults = nullptr;
+    int* divs = nullptr;
+    const int count = pll.find_vco_mult_div_values(&mults, &divs, fin);
+    EXPECT_EQ(expected.m_mults, std::vector<int>(mults, mults + count));
+    EXPECT_EQ(expected.m_divs, std::vector<int>(divs, divs + count));
+}
+
+class RANDOM_BOXES
+{
+public:
+    explicit RANDOM_BOXES(unsigned seed) : m_generator(seed) {}
+
+    int pick(int least, int most)
+    {
+        return std::uniform_int_distribution<int>(least, most)(m_generator);
+    }
+
+    // Limits of all kinds: wide and tight, with and without legal pairs. Returns the input period.
+    int make(PLL* pll)
+    {
+        const int fin = pick(1, 400);
+        pll->m_m.m_max_count = pick(1, 40);
+        pll->m_n.m_max_count = pick(1, 40);
+        pll->m_n.m_min_count = pick(0, 2) == 0 ? pick(1, 40) : 1;
+        pll->m_pfd_min_period = fin * pick(0, 30) + pick(-2, 2);
+        pll->m_pfd_max_period = pll->m_pfd_min_period + fin * pick(0, 40) + pick(-2, 2);
+        pll->m_max_vco_post_scale = pick(1, 2);
+        for (int post_scale = 1; post_scale <= 2; ++post_scale) {
+            pll->m_vco_min_period[post_scale] = pick(1, 2 * fin);
+            pll->m_vco_max_period[post_scale] =
+                pll->m_vco_min_period[post_scale] + pick(-2, 1) * pick(0, 2) + pick(0, fin);
+        }
+        return pick(0, 9) == 0 ? turn_back(pll, fin) : fin;
+    }
+
+private:
+    // The same box for an input whose period is negative.
+    int turn_back(PLL* pll, int fin)
+    {
+        turn_back(&pll->m_pfd_min_period, &pll->m_pfd_max_period);
+        turn_back(&pll->m_vco_min_period[1], &pll->m_vco_max_period[1]);
+        turn_back(&pll->m_vco_min_period[2], &pll->m_vco_max_period[2]);
+        return -fin;
+    }
+
+    static void turn_back(int* least, int* most)
+    {
+        const int turned = -*least;
+        *least = -*most;
+        *most = turned;
+    }
+
+    std::mt19937 m_generator;
+};
+
+TEST(VcoRatios, AreThoseOfTheListingByInsertion)
+{
+    constexpr int BOXES = 20000;
+    RANDOM_BOXES boxes(20);
+    PLL pll(1, PLL_MAX_TAPS);
+    for (int i = 0; i < BOXES && !testing::Test::HasFailure(); ++i) {
+        SCOPED_TRACE("box " + std::to_string(i) + " of seed 20");
+        expect_inserted_list(pll, boxes.make(&pll));
+    }
+}
+
+TEST(VcoRatios, AreThoseOfTheListingByInsertionWhereOnlyLargeNAreLegal)
+{
+    PLL pll(1, PLL_MAX_TAPS);
+    pll.m_vco_min_period[1] = 1;
+    pll.m_vco_max_period[1] = 100000;
+    for (int n_min : {1, 2, 8, 20, 59, 60}) {
+        SCOPED_TRACE(n_min);
+        pll.m_n.m_min_count = n_min;
+        pll.m_n.m_max_count = 60;
+        pll.m_m.m_max_count = 200;
+        expect_inserted_list(pll, 651);
+        pll.m_m.m_max_count = 10;
+        expect_inserted_list(pll, 6510);
+    }
+}
+
+TEST(VcoRatios, AreThoseOfTheListingByInsertionAtTheBuiltInLimits)
+{
+    PLL pll(1, PLL_MAX_TAPS);
+    for (int fin : {5000, 10000, 20000, 40000}) {
+        SCOPED_TRACE(fin);
+        expect_inserted_list(pll, fin);
+    }
+}
+
+TEST(VcoRatios, AreAsManyAtTheShortestInputPeriodAsCoprimePairsAreLegal)
+{
+    PLL pll(1, PLL_MAX_TAPS);
+    int* mults = nullptr;
+    int* divs = nullptr;
+    EXPECT_EQ(36455, pll.find_vco_mult_div_values(&mults, &divs, 651));
+    pll.m_max_vco_post_scale = 2;
+    pll.set_vco_min_period(1000, -1);
+    pll.set_vco_max_period(3334, -1);
+    EXPECT_EQ(44246, pll.find_vco_mult_div_values(&mults, &divs, 651));
+}
+
+TEST(VcoRatios, KeepThePlacesOfDivisorsBelowOne)
+{
+    SMALL_PLL box(1, 3, 1);
+    box.set_vco(-10, 0, 10);
+    box.set_pfd(-10, 10);
+    box.m_pll.m_n.m_min_count = 0;
+    EXPECTED_REPORTS reports;
+    EXPECT_EQ("2/1 3/1 1/0", list_ratios(box.m_pll, 4));
+    reports.expect_only("x > 0 && y > 0", "pll_util", 4);
+}
+
+// ---- Memory
+
+long count_allocations(const FAILING_HEAP& heap, PLL* pll, int fin)
+{
+    const long before = heap.get_allocations();
+    int* mults = nullptr;
+    int* divs = nullptr;
+    EXPECT_LT(0, pll->find_vco_mult_div_values(&mults, &divs, fin));
+    return heap.get_allocations() - before;
+}
+
+TEST(VcoRatios, TakeThreeBlocksHoweverManyTheyAre)
+{
+    FAILING_HEAP heap;
+    heap.fail_none();
+    PLL pll(1, PLL_MAX_TAPS);
+    EXPECT_EQ(3, count_allocations(heap, &pll, 40000));
+    EXPECT_EQ(3, count_allocations(heap, &pll, 651));
+    pll.m_n.m_min_count = 500;  // so few N that pairs are gathered and sorted
+    EXPECT_EQ(3, count_allocations(heap, &pll, 651));
 }
 
 }  // namespace
