@@ -1,4 +1,5 @@
 // What the README shows is what there is: its transcripts, its host and what that prints, its map.
+#include "document.h"
 #include "program.h"
 
 #include <gtest/gtest.h>
@@ -9,30 +10,11 @@
 namespace {
 
 const std::filesystem::path TREE = PLL_SOURCE_TREE;
-const std::string INDENT = "    ";
-const std::string PROMPT = INDENT + "$ pllcalc ";
+const std::string PROMPT = DOCUMENT_INDENT + "$ pllcalc ";
 
 std::vector<std::string> read_readme()
 {
     return split(read_file(TREE / "README.md"), '\n');
-}
-
-// The indented lines from `first` on, without their indent and the empty lines behind them.
-std::string block_from(const std::vector<std::string>& lines, std::size_t first)
-{
-    std::string text;
-    std::string empty_lines;
-    for (std::size_t i = first; i < lines.size(); ++i) {
-        if (lines[i].empty()) {
-            empty_lines += "\n";
-        } else if (lines[i].rfind(INDENT, 0) == 0) {
-            text += empty_lines + lines[i].substr(INDENT.size()) + "\n";
-            empty_lines.clear();
-        } else {
-            break;
-        }
-    }
-    return text;
 }
 
 // What stands between the fence that opens with "```cpp" and its end.

@@ -1,10 +1,12 @@
 // Every file of a database, cut at every length and with a bit of every byte flipped: whatever the
-// reader makes of it, it ends, takes nothing along and leaves the host's locale.
+// reader makes of it, it ends, takes nothing along and leaves the host's locale; and an observer
+// hears the truth.
 #include "error_guard.h"
 #include "mem_alloc_sys.h"
 #include "pll.h"
 #include "pll_manager.h"
 #include "pll_manager_family_file.h"
+#include "pll_observer.h"
 #include "sample_files.h"
 #include "temp_dir.h"
 
@@ -13,6 +15,7 @@
 #include <algorithm>
 #include <cctype>
 #include <clocale>
+#include <cstring>
 #include <set>
 #include <sstream>
 #include <string>
@@ -33,6 +36,54 @@ TEST(SampleFiles, UseEveryKeyword)
         EXPECT_EQ(1U, words.count(keyword.m_keyword)) << keyword.m_keyword;
     }
 }
+
+// Reads every text that it is handed, and counts what makes reading fail.
+class LISTENER : public PLL_READ_OBSERVER
+{
+public:
+    void on_statement(const PLL_READ_STATEMENT& statement) override
+    {
+        listen(statement.m_place);
+        m_letters += std::strlen(statement.m_keyword);
+        m_letters += statement.m_family == nullptr ? 0 : std::strlen(statement.m_family->m_name);
+        m_letters += statement.m_part == nullptr ? 0 : std::strlen(statement.m_part->m_name);
+        m_letters += statement.m_speed_grade == nullptr ? 0 : std::strlen(statement.m_speed_grade);
+        m_has_failed = m_has_failed || statement.m_result == PLL_READ_RESULT::FAILED;
+    }
+
+    void on_finding(const PLL_READ_FINDING& finding) override
+    {
+        listen(finding.m_place);
+        m_letters += std::strlen(finding.m_keyword) + std::strlen(finding.m_word) +
+                     std::strlen(finding.m_needed);
+        m_has_error = m_has_error || pll_is_read_error(finding.m_finding);
+        EXPECT_STRNE("", pll_get_finding_name(finding.m_finding));
+    }
+
+    // Whether anything made reading fail since the last call.
+    bool take_error()
+    {
+        EXPECT_TRUE(m_has_error || !m_has_failed);
+        const bool has_error = m_has_error;
+        m_has_error = false;
+        m_has_failed = false;
+        return has_error;
+    }
+
+private:
+    void listen(const PLL_SOURCE_PLACE& place)
+    {
+        m_letters += std::strlen(place.m_file);
+        EXPECT_LE(0, place.m_line);
+        EXPECT_LE(0, place.m_column);
+        EXPECT_LE(0, place.m_length);
+        EXPECT_GE(PLL_LINE_SIZE, place.m_column + place.m_length);
+    }
+
+    std::size_t m_letters = 0;
+    bool m_has_error = false;
+    bool m_has_failed = false;
+};
 
 class BrokenFile : public testing::TestWithParam<SAMPLE_FILE>
 {
@@ -64,6 +115,27 @@ protected:
     {
         write_file(m_dir.file(GetParam().m_name), text);
         use();
+        use_observed();
+    }
+
+    // An observer changes nothing, and hears of an error exactly when reading fails.
+    void use_observed()
+    {
+        PLL_MANAGER plain;
+        PLL_MANAGER observed;
+        LISTENER listener;
+        EXPECTED_REPORTS plain_reports;
+        const bool has_families = plain.read(m_dir.path().c_str());
+        const bool has_family = plain.read_family_info("Fam") != nullptr;
+        const std::size_t count = plain_reports.count();
+
+        EXPECTED_REPORTS observed_reports;
+        observed.set_observer(&listener);
+        EXPECT_EQ(has_families, observed.read(m_dir.path().c_str()));
+        EXPECT_EQ(!has_families, listener.take_error());
+        EXPECT_EQ(has_family, observed.read_family_info("Fam") != nullptr);
+        EXPECT_EQ(!has_family, listener.take_error());
+        EXPECT_EQ(count, observed_reports.count());
     }
 
 private:

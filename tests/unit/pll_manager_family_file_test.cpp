@@ -105,6 +105,17 @@ TEST(FamilyFile, KeepsWhatStoodBeforeAnError)
     EXPECT_EQ(0, database.family("Fam").m_number_of_listed_speed_grades);
 }
 
+TEST(FamilyFile, ReadsNoTableAfterAnError)
+{
+    DATABASE database;
+    database.write("table.txt", "SIMPLE_V1 \n\n0 20 30\n");
+    const std::string text = TYPE_HEAD + "bandwidth_settings_table_file table.txt\n";
+    EXPECT_FALSE(database.read(text + "frob\n"));
+    EXPECT_FALSE(database.basic().m_use_bandwidth_settings_table);
+    EXPECT_TRUE(database.read(text));
+    EXPECT_TRUE(database.basic().m_use_bandwidth_settings_table);
+}
+
 TEST(FamilyFile, WithoutPathOrNameIsReported)
 {
     EXPECTED_REPORTS reports;

@@ -325,6 +325,10 @@ TEST(Keywords, StoreVcoLimitsOfOnePostScale)
         expect_vco(database.timing(), row, PLL_UNSET_MINIMUM, 700);
         EXPECT_TRUE(database.read(PART_HEAD + keyword + "1 300\n"));
         expect_vco(database.timing(), row, 300, 700);
+        EXPECT_TRUE(database.read(PART_HEAD + keyword + "0 200\n"));
+        EXPECT_EQ(200, (database.timing().*row.m_field)[0]);
+        EXPECT_EQ(300, (database.timing().*row.m_field)[1]);
+        EXPECT_EQ(700, (database.timing().*row.m_field)[2]);
         EXPECT_FALSE(database.read(PART_HEAD + keyword + "1\n"));
         EXPECT_FALSE(database.read(PART_HEAD + keyword + "x 1\n"));
     }

@@ -103,6 +103,16 @@ TEST(PathFile, ThatIsNoRegularFileIsFalse)
     std::filesystem::create_directory(database.m_dir.file(PATH_FILE));
     EXPECT_FALSE(database.m_manager.read(database.m_dir.path().c_str()));
     EXPECT_FALSE(database.m_manager.read("/nowhere/at/all"));
+    EXPECT_EQ(0, database.m_manager.get_number_of_families());
+}
+
+TEST(PathFile, MayBeALink)
+{
+    DATABASE database;
+    database.write("paths", "Alpha a a.txt\n");
+    std::filesystem::create_symlink("paths", database.m_dir.file(PATH_FILE));
+    EXPECT_TRUE(database.m_manager.read(database.m_dir.path().c_str()));
+    EXPECT_EQ(1, database.m_manager.get_number_of_families());
 }
 
 TEST(PathFile, WithoutADirectoryIsReported)

@@ -207,6 +207,20 @@ TEST(MigrationOrder, NeedsNoTypeAndNoManager)
     EXPECT_TRUE(without_manager({"A", nullptr, nullptr}, {"B", nullptr, nullptr}));
 }
 
+// A table that failed leaves its size and its flag; the family that it belongs to has not loaded.
+TEST(MigrationOrder, DoesNotLookAtTheTableOfAFamilyThatDoesNotLoad)
+{
+    PLL_MANAGER manager;
+    fill(&manager);
+    PLL_FAMILY_INFO* const failed = manager.create_family_info("Z");
+    failed->m_basic_infos[FAST_PLL].m_use_bandwidth_settings_table = true;
+    const PLL_MIGRATION_PART_INFO_COMPARE is_before(&manager, FAST_PLL);
+    EXPECT_TRUE(is_before({"B", nullptr, nullptr}, {"Z", nullptr, nullptr}));
+    EXPECT_FALSE(is_before({"Z", nullptr, nullptr}, {"B", nullptr, nullptr}));
+    manager.create_part_info(failed, "p", "6", FAST_PLL);
+    EXPECT_TRUE(is_before({"Z", nullptr, nullptr}, {"B", nullptr, nullptr}));
+}
+
 TEST(MigrationOrder, LoadsBothFamiliesWhenTheirNamesDiffer)
 {
     PLL_MANAGER manager;

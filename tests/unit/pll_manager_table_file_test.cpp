@@ -222,6 +222,15 @@ TEST(TableFile, ReportsARowWithoutAGroupAndGoesOn)
     EXPECT_EQ(0U, table.all_rows());
 }
 
+TEST(TableFile, ReportsARowWithoutAGroupThatFailedToo)
+{
+    EXPECTED_REPORTS reports;
+    TABLE_FIXTURE table;
+    EXPECT_FALSE(table.read("SIMPLE_V1 \n\n3 1 1\n99 word\n4 1 1\n"));
+    reports.expect_only(GROUP_CONDITION, SOURCE);
+    EXPECT_EQ(1U, table.all_rows());
+}
+
 // ---- Files and sizes
 
 TEST(TableFile, ThatIsUnusedIsNoTable)
