@@ -103,8 +103,9 @@ const COMMAND_ENTRY COMMANDS[] = {
     {"table", COMMAND::TABLE, "the bandwidth settings table of a PLL, and the row for a request",
      "  pllcalc table --database data/sample --family Tarragon --m 24\n"
      "  pllcalc table --database data/sample --family Chervil --in 27MHz --out 148.5MHz\n",
-     "Shows the bandwidth settings table of a PLL and checks it; with a request, the rows that it\n"
-     "may take, what each costs, and which is taken.",
+     "Shows the bandwidth settings table of a PLL and checks it (exit status 1 when it finds "
+     "fault);\n"
+     "with a request, the rows that it may take, what each costs, and which is taken.",
      true, DEVICE_OPTIONS::DEVICE, true},
     {"errors", COMMAND::ERRORS, "the error values and their texts", "  pllcalc errors\n",
      "Lists the error values and their texts.", false, DEVICE_OPTIONS::NONE, false},
@@ -171,7 +172,7 @@ void add_request_options(CLI::App* app, REQUEST_WORDS* words)
     add_text(app, "--vco-ratio", "A/B", "VCO to input, to be met too", &words->m_vco_ratio);
     app->add_flag("--reconfig", words->m_reconfig, "the PLL is reconfigured at run time")
         ->disable_flag_override();
-    add_text(app, "--max-outputs", "COUNT", "outputs of the device, 1 to 10 (default 10)",
+    add_text(app, "--max-outputs", "COUNT", "outputs of the device (default: its own, built in 10)",
              &words->m_max_outputs);
     add_text(app, "--tolerance", "PART", "largest error of an output, such as 50ppm, for 'met'",
              &words->m_tolerance);

@@ -1,12 +1,14 @@
 #!/usr/bin/env bash
-# demo.sh PLLCALC: three requests of a board designer and one that is impossible, with the answers.
+# demo.sh PLLCALC: three requests of a board designer and one that is impossible, with the answers;
+# then a device of the sample database, requests to it, and the row of its table that they take.
 set -euo pipefail
 
 if [[ $# -ne 1 || ! -x $1 ]]; then
     echo "usage: demo.sh PLLCALC" >&2
     exit 2
 fi
-pllcalc=$1
+pllcalc=$(realpath "$1")
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 # show STATUS TITLE WORD...: runs a request, which must end with the status.
 show() {
@@ -31,3 +33,20 @@ show 0 "A low-bandwidth clock whose spectrum is spread by half a percent" \
 
 show 1 "Video and audio clocks from one PLL: impossible, with what comes closest" \
     synth --in 27MHz --out 148.5MHz --out 24.576MHz
+
+database=(--database data/sample)
+device=("${database[@]}" --family Chervil --part CH30-6)
+
+show 0 "A family of invented devices, from the sample database" \
+    devices "${database[@]}" --family Chervil
+
+show 0 "One of these devices: all that the database knows of its PLL" device "${device[@]}"
+
+show 0 "The video clocks from this device, whose loop filter is set by a table" \
+    synth "${device[@]}" --in 27MHz --out 148.5MHz --out 74.25MHz --bandwidth high
+
+show 0 "Which row of the table that took, and why" \
+    table "${device[@]}" --in 27MHz --out 148.5MHz --out 74.25MHz --bandwidth high
+
+show 0 "The same clocks for a board that takes a device of another family too" \
+    synth "${device[@]}" --migrate Sorrel:SR20-7 --in 27MHz --out 148.5MHz --out 74.25MHz

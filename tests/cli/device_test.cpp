@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <set>
 
 namespace {
 
@@ -178,6 +179,45 @@ TEST(CliDevice, ListGoesOnBehindAFamilyThatCannotBeRead)
               run.m_errors.find("cannot read family Nameless: the path file names no file for it"));
     EXPECT_EQ(2, database.run("device", " --family Goner").m_status);
     EXPECT_EQ(4, database.run("device", " --family Gone").m_status);
+}
+
+TEST(CliDevice, NamesKeepTheirCharactersInEveryForm)
+{
+    std::string family = OWN_FAMILY;
+    family.replace(family.find("part P1"), std::string("part P1").size(),
+                   "part \"a, b\\\xC3\xA9\xFF\x01\"");
+    const OWN_DATABASE database(family);
+    EXPECT_NE(std::string::npos, database.run("devices", " --format csv")
+                                     .m_output.find("FAST_PLL,\"a, b\\\xC3\xA9\xFF\x01\",1,"));
+    EXPECT_NE(std::string::npos, database.run("devices", " --format json")
+                                     .m_output.find(R"("part": "a, b\\)"
+                                                    "\xC3\xA9"
+                                                    R"(\u00ff\u0001", "speed_grade")"));
+}
+
+TEST(CliSample, EveryPartSynthesisesAndEveryTableIsSound)
+{
+    const RUN devices = run_pllcalc("devices --database " + SAMPLE + " --format csv");
+    std::set<std::string> families;
+    std::set<std::string> types;
+    std::set<std::string> parts;
+    const std::vector<std::string> lines = split(devices.m_output, '\n');
+    for (std::size_t i = 1; i < lines.size(); ++i) {
+        const std::vector<std::string> cells = split(lines[i], ',');
+        const std::string words = " --database " + SAMPLE + " --family " + cells[0] + " --type " +
+                                  cells[1] + " --part " + cells[2] + " --speed-grade " + cells[3];
+        SCOPED_TRACE(words);
+        EXPECT_EQ(0, run_pllcalc("synth --in 50MHz --out 100MHz" + words).m_status);
+        const RUN table = run_pllcalc("table" + words);
+        const bool has_table = cells[0] + cells[1] != "SorrelFAST_PLL";
+        EXPECT_EQ(has_table ? 0 : 1, table.m_status) << table.m_output;
+        families.insert(cells[0]);
+        types.insert(cells[1]);
+        parts.insert(cells[2].substr(0, cells[2].find('-')));
+    }
+    EXPECT_LE(3U, families.size());
+    EXPECT_EQ(4U, types.size());
+    EXPECT_EQ(10U, parts.size());
 }
 
 // The words of the line below the one that starts so.

@@ -98,6 +98,14 @@ constexpr USAGE_CASE USAGE_CASES[] = {
     {"synth --in 1MHz --out 5MHz --tolerance 1001ppm",  "--tolerance: '1001ppm' is not legal; expected 0 to 1000 ppm"},
     {"synth --in 1MHz --out 5MHz --tolerance -1ppm",    "--tolerance: '-1ppm' is not legal"},
     {"synth --in 1MHz --out 5MHz --tolerance 5ppm --exact", "--exact: not together with --tolerance"},
+    {"synth --in 1MHz --out 5MHz --famly Sorrel",        "--famly: unknown option; did you mean --family?"},
+    {"devices --part SR20-6",                           "--part: unknown option"},
+    {"device --speed-grad 6",                           "did you mean --speed-grade?"},
+    {"device --family",                                 "--family: needs a value"},
+    {"device --family A --family B",                    "--family: may be given once"},
+    {"errors --database x",                             "--database: unknown option"},
+    {"devices --format yaml",                           "--format: 'yaml' is not legal; expected table, csv or json"},
+    {"DEVICE --family A",                               "DEVICE: unknown command"},
     {"ratios --in 1MHz --format xml",                   "--format: 'xml' is not legal; expected table, csv or json"},
 };
 // clang-format on
