@@ -15,11 +15,12 @@ namespace {
 
 const char* const PATH_FILE = "ddb_pll_path.txt";
 
-// Why a file cannot be opened, or that its text is at fault.
+// Why a file cannot be opened, or where its fault is shown.
 std::string reason_for(const std::string& file)
 {
     const bool is_readable = access(file.c_str(), R_OK) == 0;
-    return is_readable ? std::string("its text is at fault") : std::string(std::strerror(errno));
+    return is_readable ? "it or a table of it is at fault; see pllcalc lint " + file
+                       : std::string(std::strerror(errno));
 }
 
 }  // namespace

@@ -303,7 +303,10 @@ void DEVICE::init(PLL* pll) const
 
 std::unique_ptr<DEVICE> open_device(const DEVICE_WORDS& words)
 {
-    return names_device(words) ? require_device(words) : nullptr;
+    if (!names_device(words)) {
+        return nullptr;
+    }
+    return require_device(words);
 }
 
 std::string require_database(const DEVICE_WORDS& words)

@@ -136,6 +136,11 @@ RUN run_pllcalc(const std::string& line)
     return run_program(PLLCALC, words);
 }
 
+std::string from_anywhere(std::string words)
+{
+    return replace_all(std::move(words), " data/", " " + DATA_MARK + "/");
+}
+
 std::string hide_data_folder(const std::string& text)
 {
     return replace_all(text, PLL_DATA_DIR, DATA_MARK);

@@ -30,6 +30,9 @@ RUN run_program(const char* program, const std::vector<std::string>& arguments,
 // folder data of the tree.
 RUN run_pllcalc(const std::string& line);
 
+// The words of an example that is written for the top of the tree, for any folder.
+std::string from_anywhere(std::string words);
+
 // The text with @DATA@ for that folder.
 std::string hide_data_folder(const std::string& text);
 

@@ -43,7 +43,8 @@ TEST(Readme, ShowsWhatTheProgramPrints)
             continue;
         }
         SCOPED_TRACE(lines[i]);
-        EXPECT_EQ(run_pllcalc(lines[i].substr(PROMPT.size())).m_output, block_from(lines, i + 1));
+        const std::string words = from_anywhere(lines[i].substr(PROMPT.size()));
+        EXPECT_EQ(run_pllcalc(words).m_output, block_from(lines, i + 1));
         ++transcripts;
     }
     EXPECT_LT(0, transcripts);

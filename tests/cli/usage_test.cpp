@@ -149,11 +149,8 @@ TEST(CliUsage, HelpOfEachCommandStartsWithExamplesThatWork)
         int examples = 0;
         for (std::size_t i = 1; lines[i].rfind("  pllcalc ", 0) == 0; ++i, ++examples) {
             SCOPED_TRACE(lines[i]);
-            std::string words = lines[i].substr(std::string("  pllcalc ").size());
-            if (const std::size_t data = words.find("data/sample"); data != std::string::npos) {
-                words.replace(data, std::string("data").size(), "@DATA@");
-            }
-            const RUN run = run_pllcalc(words);
+            const RUN run =
+                run_pllcalc(from_anywhere(lines[i].substr(std::string("  pllcalc ").size())));
             EXPECT_EQ("", run.m_errors);
             EXPECT_NE("", run.m_output);
         }
