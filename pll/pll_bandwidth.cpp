@@ -3,11 +3,14 @@
 // Each row of the candidate's effective M is costed; weights order the criteria: a bandwidth too
 // fast for the PFD (2^23) outweighs a missed preset (2^17), which outweighs a small distance,
 // counted in MHz.
+#include "pll_bandwidth.h"
+
 #include "pll_arith.h"
 #include "pll_report_error.h"
 #include "pll_search.h"
 #include "pll_util.h"
 
+#include <algorithm>
 #include <cfloat>
 
 namespace {
@@ -24,12 +27,7 @@ struct PFD_BANDWIDTH_LIMITS
     double m_second;
 };
 
-struct ROW_CHOICE
-{
-    const PLL_BANDWIDTH_SETTING* m_row = nullptr;
-    double m_cost = NO_ROW_COST;
-    bool m_within = false;  // inside the limits of the PFD
-};
+constexpr PLL_ROW_CHOICE NO_ROW = {nullptr, NO_ROW_COST, false};
 
 PFD_BANDWIDTH_LIMITS pfd_limits(const PLL& pll, const PLL_PROP& request)
 {
@@ -68,11 +66,11 @@ double wish_penalty(const PLL& pll, const PLL_PROP& request, double bandwidth)
     }
 }
 
-ROW_CHOICE cost_row(const PLL& pll, const PLL_PROP& request, const PFD_BANDWIDTH_LIMITS& limits,
-                    const PLL_BANDWIDTH_SETTING& row)
+PLL_ROW_CHOICE cost_row(const PLL& pll, const PLL_PROP& request, const PFD_BANDWIDTH_LIMITS& limits,
+                        const PLL_BANDWIDTH_SETTING& row)
 {
     const double fast = row.m_fast_bandwidth;
-    ROW_CHOICE choice{&row, 0.0, true};
+    PLL_ROW_CHOICE choice{&row, 0.0, true};
     if (fast > limits.m_first) {
         choice.m_within = false;
         choice.m_cost = PFD_RULE_PENALTY + pll_get_bandwidth_diff_cost(fast, limits.m_first);
@@ -86,24 +84,30 @@ ROW_CHOICE cost_row(const PLL& pll, const PLL_PROP& request, const PFD_BANDWIDTH
     return choice;
 }
 
-ROW_CHOICE choose_row(const PLL& pll, const PLL_PROP& request, int effective_m)
+// The rows of an effective M; null when there are none.
+const PLL_BANDWIDTH_SETTING_GROUP* find_group(const PLL& pll, int effective_m)
 {
-    ROW_CHOICE best;
     if (!pll.m_info.has_info()) {
-        return best;
+        return nullptr;
     }
     const PLL_BASIC_INFO& info = *pll.m_info.m_basic_info;
     if (effective_m < 0 || effective_m >= info.m_bandwidth_settings_table_size ||
         info.m_bandwidth_settings_table == nullptr) {
-        return best;
+        return nullptr;
     }
-    const PFD_BANDWIDTH_LIMITS limits = pfd_limits(pll, request);
-    for (const PLL_BANDWIDTH_SETTING* row :
-         info.m_bandwidth_settings_table[effective_m].m_settings) {
+    return &info.m_bandwidth_settings_table[effective_m];
+}
+
+PLL_ROW_CHOICE walk_rows(const PLL& pll, const PLL_PROP& request,
+                         const PFD_BANDWIDTH_LIMITS& limits,
+                         const PLL_BANDWIDTH_SETTING_GROUP& group)
+{
+    PLL_ROW_CHOICE best = NO_ROW;
+    for (const PLL_BANDWIDTH_SETTING* row : group.m_settings) {
         if (row == nullptr) {
             continue;
         }
-        const ROW_CHOICE choice = cost_row(pll, request, limits, *row);
+        const PLL_ROW_CHOICE choice = cost_row(pll, request, limits, *row);
         if (choice.m_cost < best.m_cost) {
             best = choice;
             if (best.m_cost <= DBL_EPSILON) {
@@ -114,7 +118,7 @@ ROW_CHOICE choose_row(const PLL& pll, const PLL_PROP& request, int effective_m)
     return best;
 }
 
-void take_row(const ROW_CHOICE& choice, int effective_m, PLL* pll)
+void take_row(const PLL_ROW_CHOICE& choice, int effective_m, PLL* pll)
 {
     const PLL_BANDWIDTH_SETTING& row = *choice.m_row;
     pll->m_bandwidth_legal_for_mult_div = true;
@@ -127,6 +131,18 @@ void take_row(const ROW_CHOICE& choice, int effective_m, PLL* pll)
     pll->m_bandwidth_legal_for_fin = choice.m_within;
 }
 
+// Gives `pll` the chosen row, if any. Returns whether there is one.
+bool take_choice(const PLL_ROW_CHOICE& choice, int effective_m, PLL* pll)
+{
+    if (choice.m_row != nullptr) {
+        take_row(choice, effective_m, pll);
+    } else {
+        pll->m_bandwidth_legal_for_mult_div = false;
+    }
+    pll->m_cost += choice.m_cost;
+    return choice.m_row != nullptr;
+}
+
 }  // namespace
 
 bool PLL::synthesize_best_bandwidth_using_table(PLL* pll, const PLL_PROP& request)
@@ -135,12 +151,91 @@ bool PLL::synthesize_best_bandwidth_using_table(PLL* pll, const PLL_PROP& reques
         return false;
     }
     const int effective_m = effective_feedback_division(*pll);
-    const ROW_CHOICE choice = choose_row(*pll, request, effective_m);
-    if (choice.m_row != nullptr) {
-        take_row(choice, effective_m, pll);
-    } else {
-        pll->m_bandwidth_legal_for_mult_div = false;
+    const PLL_BANDWIDTH_SETTING_GROUP* group = find_group(*pll, effective_m);
+    const PLL_ROW_CHOICE choice =
+        group == nullptr ? NO_ROW : walk_rows(*pll, request, pfd_limits(*pll, request), *group);
+    return take_choice(choice, effective_m, pll);
+}
+
+bool PLL_BANDWIDTH_CHOOSER::choose(PLL* candidate)
+{
+    const int effective_m = effective_feedback_division(*candidate);
+    const PLL_BANDWIDTH_SETTING_GROUP* group = find_group(*candidate, effective_m);
+    return take_choice(group == nullptr ? NO_ROW : choose_row(*candidate, *group), effective_m,
+                       candidate);
+}
+
+// The first candidate of a group walks its rows: most groups of most requests have no second one.
+PLL_ROW_CHOICE PLL_BANDWIDTH_CHOOSER::choose_row(const PLL& candidate,
+                                                 const PLL_BANDWIDTH_SETTING_GROUP& group)
+{
+    const PFD_BANDWIDTH_LIMITS limits = pfd_limits(candidate, m_request);
+    if (&group != m_group) {
+        m_group = &group;
+        m_row_count = NOT_SORTED;
+        return walk_rows(candidate, m_request, limits, group);
     }
-    pll->m_cost += choice.m_cost;
-    return choice.m_row != nullptr;
+    if (m_row_count == NOT_SORTED) {
+        sort_rows(candidate);
+    }
+    const double limit = std::min(limits.m_first, limits.m_second);
+    const auto allowed = std::upper_bound(m_fast, m_fast + m_row_count, limit) - m_fast;
+    if (allowed > 0 && m_best[allowed - 1].m_cost < PFD_RULE_PENALTY) {
+        return {m_best[allowed - 1].m_row, m_best[allowed - 1].m_cost, true};
+    }
+    return walk_rows(candidate, m_request, limits, group);
+}
+
+// Sorts nothing where the walk must be made: each row reports an unknown type, and costs that are
+// no numbers have no order.
+void PLL_BANDWIDTH_CHOOSER::sort_rows(const PLL& candidate)
+{
+    m_row_count = 0;
+    if (m_request.m_bandwidth_type < BANDWIDTH_HIGH ||
+        m_request.m_bandwidth_type > BANDWIDTH_CUSTOM) {
+        return;
+    }
+    int place = 0;
+    for (const PLL_BANDWIDTH_SETTING* row : m_group->m_settings) {
+        if (row != nullptr &&
+            !insert_row(
+                row->m_fast_bandwidth,
+                {row, place, wish_penalty(candidate, m_request, row->m_typical_bandwidth)})) {
+            m_row_count = 0;
+            return;
+        }
+        ++place;
+    }
+    for (int i = 1; i < m_row_count; ++i) {
+        if (is_better(m_best[i - 1], m_best[i])) {
+            m_best[i] = m_best[i - 1];
+        }
+    }
+}
+
+// Returns false for a row that cannot be sorted.
+bool PLL_BANDWIDTH_CHOOSER::insert_row(double fast, const ROW_COST& row)
+{
+    if (m_row_count == MOST_ROWS || fast != fast || row.m_cost != row.m_cost) {
+        return false;
+    }
+    int at = m_row_count++;
+    for (; at > 0 && m_fast[at - 1] > fast; --at) {
+        m_fast[at] = m_fast[at - 1];
+        m_best[at] = m_best[at - 1];
+    }
+    m_fast[at] = fast;
+    m_best[at] = row;
+    return true;
+}
+
+// A walk ends at the first row that costs next to nothing, and keeps the first of equals.
+bool PLL_BANDWIDTH_CHOOSER::is_better(const ROW_COST& a, const ROW_COST& b)
+{
+    const bool a_ends = a.m_cost <= DBL_EPSILON;
+    const bool b_ends = b.m_cost <= DBL_EPSILON;
+    if (a_ends != b_ends) {
+        return a_ends;
+    }
+    return a_ends || a.m_cost == b.m_cost ? a.m_place < b.m_place : a.m_cost < b.m_cost;
 }

@@ -1,6 +1,7 @@
 // The choice of a row of the bandwidth table, by cost.
 #include "error_guard.h"
 #include "pll.h"
+#include "pll_bandwidth.h"
 #include "pll_prop.h"
 #include "pll_util.h"
 #include "synthesis_builders.h"
@@ -8,6 +9,8 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <random>
+#include <string>
 #include <vector>
 
 namespace {
@@ -300,6 +303,182 @@ TEST(BandwidthComponents, AreAppendedAsTheyCome)
     EXPECT_EQ((MEM_VECTOR<int>{7, 3, 7}), PLL::m_impl->m_charge_pump_currents);
     EXPECT_EQ((MEM_VECTOR<int>{1}), PLL::m_impl->m_resistors);
     EXPECT_EQ((MEM_VECTOR<int>{5, 4}), PLL::m_impl->m_capacitors);
+}
+
+// ---- Many candidates of one synthesis, beside the walk
+
+class RANDOM_TABLE
+{
+public:
+    explicit RANDOM_TABLE(unsigned seed) : m_generator(seed), m_device(GROUPS) {}
+
+    double pick(double least, double most)
+    {
+        return std::uniform_real_distribution<double>(least, most)(m_generator);
+    }
+    int pick_one(int least, int most)
+    {
+        return std::uniform_int_distribution<int>(least, most)(m_generator);
+    }
+
+    // Groups of no row to many, with equal bandwidths among them.
+    void fill(int most_rows)
+    {
+        for (int m = 0; m < GROUPS; ++m) {
+            const int rows = pick_one(0, most_rows);
+            for (int i = 0; i < rows; ++i) {
+                const double typical = pick_one(0, 1) * 1e6 + pick_one(1, 12) * 2.5e5;
+                const double fast = pick_one(0, 3) == 0 ? pick(0.0, 2e8) : pick_one(1, 20) * 5e5;
+                PLL_BANDWIDTH_SETTING* row = m_device.add_row(m, typical, fast);
+                row->m_loop_filter_resistor = i;
+                row->m_loop_filter_capacitor = pick_one(-1, 2);
+            }
+        }
+    }
+
+    static constexpr int GROUPS = 6;
+
+    std::mt19937 m_generator;
+    DEVICE m_device;
+};
+
+void expect_same_choice(const PLL& walked, const PLL& chosen)
+{
+    EXPECT_EQ(walked.m_r, chosen.m_r);
+    EXPECT_EQ(walked.m_i, chosen.m_i);
+    EXPECT_EQ(walked.m_c_high, chosen.m_c_high);
+    EXPECT_EQ(walked.m_cost, chosen.m_cost);
+    EXPECT_EQ(walked.m_bandwidth_legal_for_mult_div, chosen.m_bandwidth_legal_for_mult_div);
+    EXPECT_EQ(walked.m_bandwidth_legal_for_fin, chosen.m_bandwidth_legal_for_fin);
+}
+
+// Chooses for every M and N both ways.
+void expect_walked_choices(RANDOM_TABLE* table, const PLL_PROP& request)
+{
+    constexpr int LARGEST_N = 12;
+    PLL walked(1, PLL_MAX_TAPS);
+    PLL chosen(1, PLL_MAX_TAPS);
+    table->m_device.describe(walked);
+    table->m_device.describe(chosen);
+    PLL_BANDWIDTH_CHOOSER chooser(request);
+    for (int m = 1; m <= RANDOM_TABLE::GROUPS; ++m) {
+        for (int n = 1; n <= LARGEST_N; ++n) {
+            SCOPED_TRACE("M " + std::to_string(m) + ", N " + std::to_string(n));
+            walked.m_m.m_count = chosen.m_m.m_count = m;
+            walked.m_n.m_count = chosen.m_n.m_count = n;
+            walked.m_cost = chosen.m_cost = 0.0;
+            EXPECT_EQ(PLL::synthesize_best_bandwidth_using_table(&walked, request),
+                      chooser.choose(&chosen));
+            expect_same_choice(walked, chosen);
+        }
+    }
+}
+
+// Every other request has limits that some fast bandwidths hit exactly.
+void make_request(RANDOM_TABLE* table, int type, PLL_PROP* request)
+{
+    PLL_BASIC_INFO& info = table->m_device.m_info;
+    request->m_bandwidth_type = type;
+    request->m_bandwidth = table->pick_one(0, 1) == 0 ? 1e6 : table->pick(0.0, 3e6);
+    if (table->pick_one(0, 4) == 0) {
+        request->m_bandwidth = 1e8;  // so far away that breaking the rule is no worse
+    }
+    request->m_fin_period = table->pick_one(1000, 20000);
+    request->m_fin2_period = table->pick_one(0, 1) * table->pick_one(1000, 20000);
+    info.m_bandwidth_pfd_min_frequency_multiplier = table->pick_one(0, 40);
+    if (table->pick_one(0, 1) == 0) {
+        request->m_fin_period = 10000;
+        info.m_bandwidth_pfd_min_frequency_multiplier = 10;
+    }
+}
+
+TEST(BandwidthChooser, ChoosesLikeTheWalk)
+{
+    constexpr int TABLES = 300;
+    constexpr int FEW_ROWS = 8;
+    constexpr int MANY_ROWS = 70;  // more than are sorted
+    for (unsigned seed = 0; seed < TABLES && !testing::Test::HasFailure(); ++seed) {
+        RANDOM_TABLE table(seed);
+        table.fill(seed % 10 == 0 ? MANY_ROWS : FEW_ROWS);
+        PLL_PROP request(1);
+        for (int type = 0; type <= 4; ++type) {
+            SCOPED_TRACE("table " + std::to_string(seed) + ", type " + std::to_string(type));
+            make_request(&table, type, &request);
+            expect_walked_choices(&table, request);
+        }
+    }
+}
+
+TEST(BandwidthChooser, TakesTheFirstRowThatCostsNextToNothing)
+{
+    RANDOM_TABLE table(1);
+    PLL_PROP request(1);
+    request.m_bandwidth_type = 4;
+    request.m_fin_period = 1000;
+    for (double bandwidth : {1e-18, 0.0, 2e-15, 1e-15}) {
+        request.m_bandwidth = bandwidth;
+        table.m_device.add_row(1, 1e-15, 3.0);
+        table.m_device.add_row(1, 0.0, 2.0)->m_loop_filter_resistor = 7;
+        table.m_device.add_row(1, 2e-15, 1.0)->m_loop_filter_resistor = 8;
+        expect_walked_choices(&table, request);
+    }
+}
+
+TEST(BandwidthChooser, BreaksTheRuleWhereAWishIsMissedByEvenMore)
+{
+    RANDOM_TABLE table(1);
+    PLL_PROP request(1);
+    request.m_bandwidth_type = 4;
+    request.m_bandwidth = 1e8;
+    request.m_fin_period = 10000;
+    table.m_device.m_info.m_bandwidth_pfd_min_frequency_multiplier = 10;
+    table.m_device.add_row(1, 1e6, 1e5);
+    table.m_device.add_row(1, 1e8, 8e6)->m_loop_filter_resistor = 7;
+    expect_walked_choices(&table, request);
+}
+
+TEST(BandwidthChooser, WalksWhatHasNoOrder)
+{
+    constexpr double NO_NUMBER = std::numeric_limits<double>::quiet_NaN();
+    for (const double typical : {1e6, NO_NUMBER}) {
+        RANDOM_TABLE table(2);
+        table.fill(5);
+        for (int m = 1; m < RANDOM_TABLE::GROUPS; ++m) {
+            table.m_device.add_row(m, typical, typical == 1e6 ? NO_NUMBER : 5e6);
+        }
+        table.fill(5);
+        PLL_PROP request(1);
+        for (int type = 0; type <= 4; ++type) {
+            make_request(&table, type, &request);
+            expect_walked_choices(&table, request);
+        }
+    }
+}
+
+TEST(BandwidthChooser, ReportsAnUnknownTypeForEachRow)
+{
+    TABLE_PLL box(5);
+    box.m_request.m_bandwidth_type = 5;
+    box.add_row(1, 1.0, 11.0);
+    box.add_row(2, 1.0, 1.0);
+    PLL_BANDWIDTH_CHOOSER chooser(box.m_request);
+    EXPECTED_REPORTS reports;
+    for (int candidate = 0; candidate < 3; ++candidate) {
+        EXPECT_TRUE(chooser.choose(&box.m_pll));
+    }
+    reports.expect_only("unknown bandwidth type", "pll", 6);
+}
+
+TEST(BandwidthChooser, ReportsARowOfAnotherMEveryTime)
+{
+    TABLE_PLL box(5);
+    box.m_device.add_row(4, 1e6, 1e6)->m_m = 3;
+    PLL_BANDWIDTH_CHOOSER chooser(box.m_request);
+    EXPECTED_REPORTS reports;
+    for (int candidate = 0; candidate < 3; ++candidate) {
+        EXPECT_TRUE(chooser.choose(&box.m_pll));
+    }
+    reports.expect_only("m == best_setting->m_m", "pll", 3);
 }
 
 }  // namespace
