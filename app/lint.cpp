@@ -39,8 +39,12 @@ void lint_families(const std::string& directory, LINT_OBSERVER* observer, LINT_M
         observer->read_next(named);
         const PLL_FAMILY_INFO* const family = manager.read_family_info(named->m_name);
         manager.set_observer(nullptr);
-        if (family != nullptr) {
-            check_family(&manager, *family, *observer, messages);
+        for (int j = 0; family != nullptr && j < manager.get_number_of_families(); ++j) {
+            const PLL_FAMILY_INFO& other = *manager.m_families[j];
+            const bool has_no_file = other.m_file_name == nullptr && observer->is_described(other);
+            if (&other == family || has_no_file) {
+                check_family(&manager, other, *observer, messages);
+            }
         }
     }
 }
@@ -143,11 +147,11 @@ struct TARGET
     } m_kind;
 };
 
+// Of a file that can be read.
 TARGET find_target(const LINT_REQUEST& request)
 {
     const std::filesystem::path path = request.m_path;
-    std::error_code error;
-    if (std::filesystem::is_directory(path, error)) {
+    if (std::filesystem::is_directory(path)) {
         return {request.m_path, TARGET::DIRECTORY};
     }
     if (path.filename() == PATH_FILE) {
@@ -160,20 +164,19 @@ TARGET find_target(const LINT_REQUEST& request)
 }
 
 // Why a file cannot be read; none when it can. A directory without a path file has a message.
-std::optional<std::string> why_unreadable(const TARGET& target)
+std::optional<std::string> why_unreadable(const std::string& path)
 {
-    if (target.m_kind == TARGET::DIRECTORY) {
+    std::error_code error;
+    if (std::filesystem::is_directory(path, error)) {
         return std::nullopt;
     }
-    std::error_code error;
-    const bool is_file = std::filesystem::is_regular_file(target.m_path, error);
+    const bool is_file = std::filesystem::is_regular_file(path, error);
     if (error || !is_file) {
-        return "cannot read " + target.m_path + ": " +
-               (error ? error.message() : "not a regular file");
+        return "cannot read " + path + ": " + (error ? error.message() : "not a regular file");
     }
     errno = 0;
-    if (!std::ifstream(target.m_path)) {
-        return "cannot read " + target.m_path + ": " + std::strerror(errno);
+    if (!std::ifstream(path)) {
+        return "cannot read " + path + ": " + std::strerror(errno);
     }
     return std::nullopt;
 }
@@ -218,13 +221,12 @@ std::string print(const LINT_MESSAGES& messages, const LINT_REQUEST& request)
 
 LINT_VERDICT lint(const LINT_REQUEST& request, std::string* text, std::string* problem)
 {
-    const TARGET target = find_target(request);
-    if (const std::optional<std::string> reason = why_unreadable(target)) {
+    if (const std::optional<std::string> reason = why_unreadable(request.m_path)) {
         *problem = *reason;
         return LINT_VERDICT::UNREADABLE;
     }
     LINT_MESSAGES messages;
-    look_at(target, &messages);
+    look_at(find_target(request), &messages);
     *text = print(messages, request);
     if (messages.has(rule_of(PLL_FINDING::PATH_FILE_NOT_OPENED))) {
         *problem = "cannot read a database from " + request.m_path;

@@ -349,16 +349,23 @@ void check_family(PLL_MANAGER* manager, const PLL_FAMILY_INFO& family,
                   const LINT_OBSERVER& observer, LINT_MESSAGES* messages)
 {
     const CHECK check = {observer, messages};
+    bool is_known = family.m_number_of_parts > 0;
     for (int i = ENHANCED_PLL; i < PLL_TYPE_MAX; ++i) {
         const PLL_TYPE_ENUM type = static_cast<PLL_TYPE_ENUM>(i);
         const LINT_SUBJECT subject(&family, type);
         if (has_part(family, type)) {
             check_type(family, type, check);
         } else if (observer.subjects().count(subject) != 0) {
+            is_known = true;
             check.add(DEVICE_FINDING::INIT_FAILS, observer.place_of(subject),
                       "no " + type_name(type) + " of family " + quoted(family.m_name) +
                           " can be initialised: no part has one");
         }
+    }
+    if (!is_known) {
+        check.add(DEVICE_FINDING::INIT_FAILS,
+                  observer.place_of_family(&family).value_or(LINT_PLACE()),
+                  "family " + quoted(family.m_name) + " has no part: see 'family' and 'part'");
     }
     for (int i = 0; i < family.m_number_of_parts; ++i) {
         check_part(manager, family, *family.m_parts[i], check);

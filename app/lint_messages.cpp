@@ -4,9 +4,14 @@
 #include <filesystem>
 #include <tuple>
 
+void LINT_MESSAGES::meet(const std::string& file)
+{
+    m_files.emplace(file, m_files.size());
+}
+
 void LINT_MESSAGES::add(std::size_t rule, const LINT_PLACE& place, std::string text)
 {
-    m_files.emplace(place.m_file, m_files.size());
+    meet(place.m_file);
     m_messages.push_back({rule, place, std::move(text)});
 }
 

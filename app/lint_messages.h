@@ -60,6 +60,9 @@ std::string text_of(const PLL_READ_FINDING& finding);
 class LINT_MESSAGES
 {
 public:
+    // Gives a file its place in the order; `add` does so too.
+    void meet(const std::string& file);
+
     void add(std::size_t rule, const LINT_PLACE& place, std::string text);
 
     // Puts them in order; call it before they are read.

@@ -7,6 +7,7 @@
 namespace {
 
 const char TABLE_KEYWORD[] = "bandwidth_settings_table_file";
+const char FAMILY_KEYWORD[] = "family";
 const char PLL_KEYWORD[] = "pll";
 
 // Names are alike whatever their case.
@@ -62,6 +63,7 @@ void LINT_OBSERVER::on_finding(const PLL_READ_FINDING& finding)
 void LINT_OBSERVER::store_statement(const PLL_READ_STATEMENT& statement)
 {
     const LINT_PLACE place = lint_place(statement.m_place);
+    m_messages->meet(place.m_file);
     if (statement.m_kind == PLL_READ_KIND::PATH_LINE) {
         m_path_lines[lower_case(statement.m_family->m_name)] = place;
         return;
@@ -76,6 +78,9 @@ void LINT_OBSERVER::store_statement(const PLL_READ_STATEMENT& statement)
         return;
     }
     const std::string keyword = statement.m_keyword;
+    if (keyword == FAMILY_KEYWORD) {
+        m_families.emplace(lower_case(statement.m_family->m_name), place);
+    }
     if (keyword == PLL_KEYWORD) {
         m_pll_place = place;
     }
@@ -94,9 +99,15 @@ void LINT_OBSERVER::store_statement(const PLL_READ_STATEMENT& statement)
 
 void LINT_OBSERVER::store_finding(const PLL_READ_FINDING& finding)
 {
-    const LINT_PLACE place =
-        finding.m_place.m_line > 0 ? lint_place(finding.m_place) : place_of_file(finding);
-    m_messages->add(rule_of(finding.m_finding), place, text_of(finding));
+    const std::size_t rule = rule_of(finding.m_finding);
+    if (finding.m_place.m_line > 0) {
+        m_messages->add(rule, lint_place(finding.m_place), text_of(finding));
+        return;
+    }
+    PLL_READ_FINDING tidy_finding = finding;
+    const std::string file = tidy_path(finding.m_word);
+    tidy_finding.m_word = file.c_str();
+    m_messages->add(rule, place_of_file(finding), text_of(tidy_finding));
 }
 
 // What cannot be opened is told of where it is named.
@@ -137,7 +148,17 @@ LINT_PLACE LINT_OBSERVER::place_of(const LINT_SUBJECT& subject,
 
 std::optional<LINT_PLACE> LINT_OBSERVER::place_of_family(const PLL_FAMILY_INFO* family) const
 {
-    const auto line =
-        family == nullptr ? m_path_lines.end() : m_path_lines.find(lower_case(family->m_name));
-    return line == m_path_lines.end() ? std::nullopt : std::optional(line->second);
+    const std::string name = family == nullptr ? std::string() : lower_case(family->m_name);
+    for (const auto* const places : {&m_path_lines, &m_families}) {
+        const auto place = places->find(name);
+        if (place != places->end()) {
+            return place->second;
+        }
+    }
+    return std::nullopt;
+}
+
+bool LINT_OBSERVER::is_described(const PLL_FAMILY_INFO& family) const
+{
+    return m_families.count(lower_case(family.m_name)) != 0;
 }

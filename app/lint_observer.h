@@ -49,8 +49,11 @@ public:
     LINT_PLACE place_of(const LINT_SUBJECT& subject,
                         std::initializer_list<const char*> keywords) const;
 
-    // The line of the path file on a family; none when there is none.
+    // The line of the path file on a family, or its first "family" statement.
     std::optional<LINT_PLACE> place_of_family(const PLL_FAMILY_INFO* family) const;
+
+    // True for a family that a "family" statement named.
+    bool is_described(const PLL_FAMILY_INFO& family) const;
 
     // True when every call was carried out to its end, as far as memory goes.
     bool is_complete() const { return m_is_complete; }
@@ -74,6 +77,7 @@ private:
     const PLL_FAMILY_INFO* m_family = nullptr;
     LINT_PLACE m_pll_place;                          // of the last "pll"
     std::map<std::string, LINT_PLACE> m_path_lines;  // by family
+    std::map<std::string, LINT_PLACE> m_families;    // likewise, the first "family"
     std::map<LINT_SUBJECT, LINT_PLACE> m_subjects;   // first met
     std::map<std::pair<LINT_SUBJECT, std::string>, ORDERED_PLACE> m_statements;
     std::map<PLL_TYPE_ENUM, LINT_PLACE> m_table_names;  // the last "bandwidth_settings_table_file"

@@ -62,7 +62,7 @@ void PLL_LINE_WATCH::drop_rest()
 
 PLL_SOURCE_PLACE PLL_LINE_WATCH::place_of(const char* word) const
 {
-    const char* const start = word == nullptr ? m_line + m_kept_length : word;
+    const char* const start = word == nullptr ? m_cursor : word;
     PLL_SOURCE_PLACE place = m_place;
     place.m_column = static_cast<int>(start - m_line) + 1;
     place.m_length = word == nullptr ? 0 : static_cast<int>(std::strlen(word));
@@ -81,15 +81,16 @@ PLL_READ_FINDING PLL_LINE_WATCH::finding_on(PLL_FINDING finding, const char* wor
 void PLL_LINE_WATCH::tell_of_rest(const char* keyword)
 {
     const std::size_t ROOM = PLL_LINE_SIZE - 1;
+    const char* const end = m_line + m_kept_length;
     if (const char* const word = next_word(); word != nullptr) {
         PLL_READ_FINDING event = finding_on(PLL_FINDING::EXTRA_WORDS, word);
         event.m_keyword = keyword;
         tell(m_observer, event);
     }
     if (m_kept_length < std::min(m_full_length, ROOM)) {
-        tell(m_observer, finding_on(PLL_FINDING::LINE_WITH_NUL, nullptr));
+        tell(m_observer, finding_on(PLL_FINDING::LINE_WITH_NUL, end));
     } else if (m_full_length > ROOM) {
-        PLL_READ_FINDING event = finding_on(PLL_FINDING::LINE_CUT, nullptr);
+        PLL_READ_FINDING event = finding_on(PLL_FINDING::LINE_CUT, end);
         event.m_value = static_cast<long long>(m_full_length);
         event.m_limit = static_cast<long long>(ROOM);
         tell(m_observer, event);

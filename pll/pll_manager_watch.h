@@ -29,7 +29,7 @@ public:
     char* next_name() { return m_manager.find_string_token(&m_cursor); }
     void drop_rest();
 
-    // The place of a word of this line, or of its end for a null one.
+    // The place of a word of this line; for a null one, where it was looked for.
     PLL_SOURCE_PLACE place_of(const char* word) const;
 
     // A finding on a word of this line, null for one that is missing.

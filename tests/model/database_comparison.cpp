@@ -1,5 +1,6 @@
 #include "database_comparison.h"
 
+#include "checking_observer.h"
 #include "field_compare.h"
 #include "model.h"
 #include "model_database_fields.h"
@@ -181,10 +182,19 @@ class RUN
 {
 public:
     RUN(const RANDOM_DATABASE& database, const std::string& directory, DATABASE_COUNTS* counts)
-        : m_database(database), m_directory(directory), m_counts(*counts)
+        : m_database(database),
+          m_directory(directory),
+          m_counts(*counts),
+          m_observer(m_model.m_files)
     {
+        std::size_t size = 0;
         for (const auto& [name, text] : database.m_files) {
             m_model.m_files[directory + "/" + name] = text;
+            size += text.size();
+        }
+        // Half of the databases are read under the eyes of an observer.
+        if (size % 2 == 0) {
+            m_manager.set_observer(&m_observer);
         }
     }
 
@@ -193,6 +203,7 @@ public:
 private:
     void count(const std::string& what) { ++m_counts[what]; }
     void compare_results(const char* what, bool library, bool model, std::ostream& stream);
+    void ask_observer(bool is_read, std::ostream& stream);
     void compare_counts(const std::string& family, std::ostream& stream);
     void compare_info(const MODEL_QUERY& query, const PLL_INFO& info, const MODEL_INFO& expected,
                       std::ostream& stream) const;
@@ -203,8 +214,9 @@ private:
     const RANDOM_DATABASE& m_database;
     const std::string m_directory;
     DATABASE_COUNTS& m_counts;
-    PLL_MANAGER m_manager;
     MODEL_DATABASE m_model;
+    CHECKING_OBSERVER m_observer;
+    PLL_MANAGER m_manager;
     MODEL_REPORTS m_library_reports;
     MODEL_REPORTS m_model_reports;
 };
@@ -214,6 +226,14 @@ void RUN::compare_results(const char* what, bool library, bool model, std::ostre
     count(std::string(what) + (library ? ": true" : ": false"));
     if (library != model) {
         stream << what << ": library " << library << ", model " << model << '\n';
+    }
+}
+
+void RUN::ask_observer(bool is_read, std::ostream& stream)
+{
+    if (m_manager.get_observer() != nullptr) {
+        stream << m_observer.take_complaints(is_read);
+        count("read under an observer");
     }
 }
 
@@ -324,11 +344,13 @@ void RUN::take(const RANDOM_STEP& step, std::ostream& stream)
 {
     m_library_reports.clear();
     m_model_reports.clear();
+    m_observer.forget();
     const REPORT_GATHERER gatherer(&m_library_reports);
     switch (step.m_kind) {
     case RANDOM_STEP::KIND::READ: {
         const bool is_read = m_manager.read(m_directory.c_str());
         compare_results("read", is_read, model_read(&m_model, m_directory), stream);
+        ask_observer(is_read, stream);
         break;
     }
     case RANDOM_STEP::KIND::SPEED_GRADES:
@@ -340,6 +362,7 @@ void RUN::take(const RANDOM_STEP& step, std::ostream& stream)
         compare_results("family file", is_read,
                         model_read_family_file(&m_model, m_directory, step.m_name, m_model_reports),
                         stream);
+        ask_observer(is_read, stream);
         break;
     }
     case RANDOM_STEP::KIND::INIT_INFO:
@@ -352,6 +375,7 @@ void RUN::take(const RANDOM_STEP& step, std::ostream& stream)
     compare_reports("step", m_library_reports, m_model_reports, stream);
     m_counts["internal errors"] += m_library_reports.size();
     compare_records(m_manager, m_model, stream);
+    m_counts["findings"] += m_observer.take_count();
 }
 
 }  // namespace

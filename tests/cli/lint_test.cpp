@@ -1,0 +1,317 @@
+// pllcalc lint. Each of its rules has an example in data/broken, which gives exactly the messages
+// in lint_golden/. PLL_UPDATE_GOLDEN=1 writes those anew.
+
+#include "program.h"
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <cstdlib>
+#include <fstream>
+#include <map>
+#include <set>
+#include <sys/stat.h>
+
+namespace {
+
+using JSON = nlohmann::json;
+
+const std::filesystem::path BROKEN = std::filesystem::path(PLL_DATA_DIR) / "broken";
+const std::filesystem::path GOLDEN = PLL_LINT_GOLDEN_DIR;
+
+// What the examples share and what explains them.
+const std::set<std::string> NO_EXAMPLES = {".gitattributes", "README.md", "common"};
+
+// The rules by name, as the program lists them in its SARIF output.
+std::map<std::string, std::string> list_rules()
+{
+    const JSON sarif = JSON::parse(run_pllcalc("lint @DATA@/sample --format sarif").m_output);
+    std::map<std::string, std::string> levels;
+    for (const JSON& rule : sarif["runs"][0]["tool"]["driver"]["rules"]) {
+        levels[rule["id"]] = rule["defaultConfiguration"]["level"];
+    }
+    return levels;
+}
+
+std::vector<std::string> list_examples()
+{
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(BROKEN)) {
+        if (NO_EXAMPLES.count(entry.path().filename().string()) == 0) {
+            names.push_back(entry.path().filename().string());
+        }
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+std::string rule_of(const std::string& example)
+{
+    return example.substr(0, example.find('.'));
+}
+
+TEST(LintRules, HaveAnExampleEach)
+{
+    std::set<std::string> rules;
+    for (const auto& [name, level] : list_rules()) {
+        rules.insert(name);
+    }
+    std::set<std::string> examples;
+    for (const std::string& example : list_examples()) {
+        examples.insert(rule_of(example));
+    }
+    EXPECT_EQ(rules, examples);
+}
+
+class LINT_EXAMPLE : public testing::TestWithParam<std::string>
+{
+};
+
+TEST_P(LINT_EXAMPLE, GivesItsMessages)
+{
+    const RUN run = run_pllcalc("lint @DATA@/broken/" + GetParam() + " --caret always");
+    const std::string actual = hide_data_folder(run.m_output + run.m_errors) + "[exit status " +
+                               std::to_string(run.m_status) + "]\n";
+    const std::filesystem::path path = GOLDEN / (rule_of(GetParam()) + ".txt");
+    if (std::getenv("PLL_UPDATE_GOLDEN") != nullptr) {
+        std::ofstream(path) << actual;
+    } else {
+        EXPECT_EQ(read_file(path), actual);
+    }
+}
+
+TEST_P(LINT_EXAMPLE, GivesItsRuleAndNoOther)
+{
+    const std::string rule = rule_of(GetParam());
+    const RUN run = run_pllcalc("lint @DATA@/broken/" + GetParam() + " --format json");
+    const JSON messages = JSON::parse(run.m_output)["messages"];
+    const std::string severity = list_rules().at(rule);
+    EXPECT_FALSE(messages.empty());
+    for (const JSON& message : messages) {
+        EXPECT_EQ(rule, message["name"]);
+        EXPECT_EQ(severity, message["severity"]);
+    }
+    const int status = rule == "path-file-not-opened" ? 4 : severity == "error" ? 3 : 0;
+    EXPECT_EQ(status, run.m_status);
+    EXPECT_EQ(status == 0 ? 1 : status,
+              run_pllcalc("lint @DATA@/broken/" + GetParam() + " -Werror").m_status);
+}
+
+INSTANTIATE_TEST_SUITE_P(All, LINT_EXAMPLE, testing::ValuesIn(list_examples()),
+                         [](const testing::TestParamInfo<std::string>& example) {
+                             std::string name = rule_of(example.param);
+                             std::replace(name.begin(), name.end(), '-', '_');
+                             return name;
+                         });
+
+// ---- Messages and statuses
+
+// A directory for files that are looked at.
+class Lint : public testing::Test
+{
+protected:
+    Lint()
+    {
+        std::string name = testing::TempDir() + "pllcalc_lint_XXXXXX";
+        EXPECT_NE(nullptr, mkdtemp(name.data()));
+        m_directory = name;
+    }
+    ~Lint() override { std::filesystem::remove_all(m_directory); }
+
+    void write(const std::string& name, const std::string& text) const
+    {
+        std::ofstream(m_directory / name, std::ios::binary) << text;
+    }
+
+    RUN lint(const std::string& name, const std::vector<std::string>& options = {}) const
+    {
+        std::vector<std::string> words = {"lint", (m_directory / name).string()};
+        words.insert(words.end(), options.begin(), options.end());
+        return run_program(PLLCALC, words);
+    }
+
+    // The messages without the directory.
+    std::string messages(const std::string& name,
+                         const std::vector<std::string>& options = {}) const
+    {
+        std::string text = lint(name, options).m_output;
+        const std::string prefix = m_directory.string() + "/";
+        for (std::size_t i = text.find(prefix); i != std::string::npos; i = text.find(prefix)) {
+            text.erase(i, prefix.size());
+        }
+        return text;
+    }
+
+    std::filesystem::path m_directory;
+};
+
+TEST_F(Lint, IsSilentOnTheSampleDatabase)
+{
+    for (const std::string words : {"lint @DATA@/sample -Werror", "lint @DATA@/sample/ -W error",
+                                    "lint @DATA@/sample/ddb_pll_path.txt -Werror",
+                                    "lint @DATA@/sample/sorrel/sorrel_pll.txt -Werror",
+                                    "lint @DATA@/sample/sorrel/enhanced_bandwidth.txt -Werror",
+                                    "lint @DATA@/sample/lovage/fast_bandwidth.txt -Werror"}) {
+        const RUN run = run_pllcalc(words);
+        EXPECT_EQ("", run.m_output) << words;
+        EXPECT_EQ("", run.m_errors) << words;
+        EXPECT_EQ(0, run.m_status) << words;
+    }
+}
+
+TEST_F(Lint, TellsWhatCannotBeRead)
+{
+    ASSERT_EQ(0, mkfifo((m_directory / "pipe").c_str(), 0600));
+    for (const std::string name : {"missing", "missing/ddb_pll_path.txt", "pipe", ""}) {
+        const RUN run = lint(name);
+        EXPECT_EQ(4, run.m_status) << name;
+        EXPECT_NE(std::string::npos, run.m_errors.find("cannot read")) << run.m_errors;
+    }
+}
+
+TEST_F(Lint, RefusesWordsThatItDoesNotKnow)
+{
+    write("file", "family F\n");
+    EXPECT_EQ(2, lint("file", {"--format", "xml"}).m_status);
+    EXPECT_EQ("pllcalc: --format: 'xml' is not legal; legal are text, json, sarif\n",
+              lint("file", {"--format", "xml"}).m_errors);
+    EXPECT_EQ("pllcalc: -Wall: unknown; legal is -Werror\n", lint("file", {"-Wall"}).m_errors);
+    EXPECT_EQ(2, run_pllcalc("lint").m_status);
+}
+
+TEST_F(Lint, HasNoCaretsBelowMessagesInAPipe)
+{
+    write("file", "pll\n");
+    EXPECT_EQ("file:1:4: error: 'pll' needs a PLL type; legal are ENHANCED_PLL, FAST_PLL, "
+              "FAST_PLL_HIGH_SPEED, VESTRA_PLL [unknown-pll-type]\n",
+              messages("file"));
+    EXPECT_EQ(messages("file"), messages("file", {"--caret", "never"}));
+    EXPECT_NE(messages("file"), messages("file", {"--caret", "always"}));
+}
+
+TEST_F(Lint, PutsTheCaretBelowTheWordBehindTabs)
+{
+    write("file", "family\tF\npll\t\tFAST\tPLL\n");
+    EXPECT_EQ("  pll\t\tFAST\tPLL\n     \t\t^~~~\n",
+              messages("file", {"--caret", "always"}).substr(messages("file").size()));
+}
+
+TEST_F(Lint, LeavesNothingThatControlsATerminal)
+{
+    write("file", "\x1b[2J\x7f 1\n");
+    const std::string text = messages("file", {"--caret", "always"});
+    EXPECT_NE(std::string::npos, text.find("unknown keyword '\\x1b[2J\\x7f'"));
+    EXPECT_EQ(text.end(), std::find_if(text.begin(), text.end(), [](char c) {
+                  return c == '\x7f' || (c != '\n' && c >= 0 && c < ' ');
+              }));
+}
+
+TEST_F(Lint, NamesAByteOrderMark)
+{
+    write("file", "\xEF\xBB\xBF"
+                  "family F\n");
+    EXPECT_NE(std::string::npos, messages("file").find("begins with a byte-order mark"));
+}
+
+TEST_F(Lint, TakesAFileForWhatItHolds)
+{
+    const std::string table = "V3 a format of one's own\ntitles\n1 2 3 4 5 6 7 8 9 10 11 12\n";
+    write("table", table);
+    EXPECT_EQ("", messages("table"));
+    EXPECT_NE(std::string::npos, messages("table", {"--as", "family"}).find("[unknown-keyword]"));
+    write("family", "family F\n");
+    EXPECT_NE(std::string::npos, messages("family").find("[init-fails]"));
+    EXPECT_NE(std::string::npos,
+              messages("family", {"--as", "table"}).find("[table-without-rows]"));
+}
+
+TEST_F(Lint, TellsTheSameOfASharedFileOnce)
+{
+    write("ddb_pll_path.txt", "A . a.txt\nB . b.txt\n");
+    write("a.txt", "family A\ninclude shared.txt\n");
+    write("b.txt", "family B\ninclude shared.txt\n");
+    write("shared.txt", "part P\n");
+    EXPECT_EQ("ddb_pll_path.txt:1:1: warning: family 'A' has no part: see 'family' and 'part' "
+              "[init-fails]\n"
+              "ddb_pll_path.txt:2:1: warning: family 'B' has no part: see 'family' and 'part' "
+              "[init-fails]\n"
+              "shared.txt:1:1: warning: 'part' has no effect here: no 'pll' before it "
+              "[out-of-scope]\n",
+              messages(""));
+}
+
+TEST_F(Lint, GoesOnAfterAFamilyThatFails)
+{
+    write("ddb_pll_path.txt", "A . a.txt\nB . b.txt\nC . c.txt\n");
+    write("a.txt", "unknown\n");
+    write("c.txt", "unknown\n");
+    const std::string text = messages("");
+    EXPECT_NE(std::string::npos, text.find("a.txt:1:1: error"));
+    EXPECT_NE(std::string::npos, text.find("ddb_pll_path.txt:2:1: error"));
+    EXPECT_NE(std::string::npos, text.find("c.txt:1:1: error"));
+}
+
+// ---- Formats for programs
+
+TEST_F(Lint, CountsInJson)
+{
+    write("file", "m_counter_max 5\nfamily F\nnonsense\n");
+    const JSON json = JSON::parse(lint("file", {"--format", "json"}).m_output);
+    EXPECT_EQ(1, json["errors"]);
+    EXPECT_EQ(1, json["warnings"]);
+    ASSERT_EQ(2U, json["messages"].size());
+    const JSON& message = json["messages"][1];
+    EXPECT_EQ((m_directory / "file").string(), message["file"]);
+    EXPECT_EQ(3, message["line"]);
+    EXPECT_EQ(1, message["column"]);
+    EXPECT_EQ(8, message["length"]);
+    EXPECT_EQ("error", message["severity"]);
+    EXPECT_EQ("unknown-keyword", message["name"]);
+}
+
+TEST_F(Lint, WritesValidJsonOfFilesThatAreNoUtf8)
+{
+    write("file", "\xFF\xFE\x80\n");
+    const JSON json = JSON::parse(lint("file", {"--format", "json"}).m_output);
+    EXPECT_EQ("unknown keyword '\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD'",
+              json["messages"][0]["text"]);
+    EXPECT_NO_THROW(JSON::parse(lint("file", {"--format", "sarif"}).m_output));
+}
+
+// What SARIF 2.1.0 demands of a log, a run, a result and a region.
+TEST_F(Lint, WritesSarif)
+{
+    write("a file.txt", "# caf\xC3\xA9\nfamily caf\xC3\xA9 extra\nnonsense\n");
+    const JSON sarif = JSON::parse(lint("a file.txt", {"--format", "sarif"}).m_output);
+    EXPECT_EQ("2.1.0", sarif["version"]);
+    EXPECT_EQ("https://json.schemastore.org/sarif-2.1.0.json", sarif["$schema"]);
+    const JSON& run = sarif["runs"][0];
+    EXPECT_EQ("pllcalc", run["tool"]["driver"]["name"]);
+    EXPECT_EQ("unicodeCodePoints", run["columnKind"]);
+    ASSERT_EQ(2U, run["results"].size());
+    for (const JSON& result : run["results"]) {
+        const JSON& rule = run["tool"]["driver"]["rules"][result["ruleIndex"].get<std::size_t>()];
+        EXPECT_EQ(rule["id"], result["ruleId"]);
+        EXPECT_EQ(rule["defaultConfiguration"]["level"], result["level"]);
+        EXPECT_TRUE(result["message"]["text"].is_string());
+        const std::string uri =
+            result["locations"][0]["physicalLocation"]["artifactLocation"]["uri"];
+        EXPECT_EQ(0U, uri.find("file:///"));
+        EXPECT_NE(std::string::npos, uri.find("/a%20file.txt"));
+    }
+    const JSON region = run["results"][0]["locations"][0]["physicalLocation"]["region"];
+    EXPECT_EQ(2, region["startLine"]);
+    EXPECT_EQ(13, region["startColumn"]);
+    EXPECT_EQ(18, region["endColumn"]);
+}
+
+TEST_F(Lint, WritesEmptyListsOfACleanDatabase)
+{
+    const JSON json = JSON::parse(run_pllcalc("lint @DATA@/sample --format json").m_output);
+    EXPECT_EQ(JSON::array(), json["messages"]);
+    const JSON sarif = JSON::parse(run_pllcalc("lint @DATA@/sample --format sarif").m_output);
+    EXPECT_EQ(JSON::array(), sarif["runs"][0]["results"]);
+}
+
+}  // namespace
