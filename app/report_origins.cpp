@@ -22,29 +22,33 @@ struct MET_LIMIT
 {
     const char* m_name;
     std::string m_keyword;
-    double m_period;  // ps, of the answer
+    const INPUT_CLOCK* m_input;
+    double m_period;  // ps, of the answer, as the library takes the input
 };
 
 std::vector<MET_LIMIT> list_met_limits(const REQUEST& request, const ANSWER& answer)
 {
     const PLL& pll = answer.get_pll();
+    const INPUT_CLOCK* const input = &request.m_input;
     const int post_scale = settled_post_scale(request, answer);
     const std::string suffix = "_post_scale " + std::to_string(post_scale);
     const bool is_spread =
         vco_max_period(request, pll, post_scale) != pll.get_vco_max_period(post_scale);
     const double pfd_period = double(request.m_prop.m_fin_period) * pll.get_n();
     std::vector<MET_LIMIT> limits = {
-        {"VCO highest", "vco_min" + suffix, pll.get_vco_period()},
-        {"VCO lowest", (is_spread ? "ss_vco_max" : "vco_max") + suffix, pll.get_vco_period()},
-        {"PFD highest", "pfd_min", pfd_period},
-        {"PFD lowest", "pfd_max", pfd_period},
-        {"input highest", "input_min", double(request.m_prop.m_fin_period)},
+        {"VCO highest", "vco_min" + suffix, input, pll.get_vco_period()},
+        {"VCO lowest", (is_spread ? "ss_vco_max" : "vco_max") + suffix, input,
+         pll.get_vco_period()},
+        {"PFD highest", "pfd_min", input, pfd_period},
+        {"PFD lowest", "pfd_max", input, pfd_period},
+        {"input highest", "input_min", input, double(request.m_prop.m_fin_period)},
     };
     if (request.m_input2) {
         const double second = request.m_prop.m_fin2_period;
-        limits.push_back({"second PFD highest", "pfd_min", second * pll.get_n()});
-        limits.push_back({"second PFD lowest", "pfd_max", second * pll.get_n()});
-        limits.push_back({"second input highest", "input_min", second});
+        const INPUT_CLOCK* const input2 = &*request.m_input2;
+        limits.push_back({"second PFD highest", "pfd_min", input2, second * pll.get_n()});
+        limits.push_back({"second PFD lowest", "pfd_max", input2, second * pll.get_n()});
+        limits.push_back({"second input highest", "input_min", input2, second});
     }
     return limits;
 }
@@ -56,6 +60,12 @@ const DEVICE_LIMIT* find_limit(const std::string& keyword)
         return keyword == limit.m_keyword;
     });
     return found == limits.end() ? nullptr : &*found;
+}
+
+// The answer's own period, without the rounding of the input's.
+double exact_period(const MET_LIMIT& met)
+{
+    return met.m_period * met.m_input->m_period.to_double() / met.m_input->m_library_period;
 }
 
 // The distance of a frequency to its limit in percent of the limit; negative beyond it.
@@ -91,7 +101,7 @@ void append_met_limits(const REQUEST& request, const ANSWER& answer, std::string
         if (is_given(value)) {
             table.add_row(
                 {met.m_name, format_period_as_mhz(value), find_origin(*request.m_device, *limit),
-                 format_period_as_mhz(met.m_period),
+                 format_period_as_mhz(exact_period(met)),
                  format_fixed(distance(limit->m_kind, value, met.m_period), PERCENT_DECIMALS),
                  judge(limit->m_kind, value, met.m_period)});
         }

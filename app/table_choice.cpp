@@ -5,6 +5,8 @@
 
 #include <algorithm>
 #include <cfloat>
+#include <cstdint>
+#include <limits>
 #include <new>
 
 namespace {
@@ -48,9 +50,11 @@ bool uses_table(const PLL& pll)
 
 int effective_m(const PLL& pll)
 {
-    const int scaled = pll.get_m() * pll.m_vco_post_scale;
-    return pll.m_feedback_tap < 0 ? scaled
-                                  : scaled * PLL_UTIL::get_tap_count(&pll, pll.m_feedback_tap);
+    constexpr int BEYOND = std::numeric_limits<int>::max();
+    const std::int64_t scaled = std::int64_t{pll.get_m()} * pll.m_vco_post_scale;
+    const std::int64_t count =
+        pll.m_feedback_tap < 0 ? 1 : PLL_UTIL::get_tap_count(&pll, pll.m_feedback_tap);
+    return scaled > BEYOND || scaled * count > BEYOND ? BEYOND : static_cast<int>(scaled * count);
 }
 
 double largest_bandwidth(const REQUEST& request, const PLL& pll)
