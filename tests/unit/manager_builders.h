@@ -1,11 +1,15 @@
 // Databases for tests.
 #pragma once
 
+#include "mem_alloc_sys.h"
 #include "pll_manager.h"
 #include "temp_dir.h"
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
+#include <cstring>
+#include <new>
 #include <string>
 
 // A directory with files of a family, and a manager that reads them.
@@ -47,3 +51,43 @@ public:
 // What stands before statements on a PLL type and on a part.
 inline const std::string TYPE_HEAD = "family Fam\npll ENHANCED_PLL\n";
 inline const std::string PART_HEAD = TYPE_HEAD + "speed_grade 6\npart P1\n";
+
+// ---- Lists that a host fills in by hand
+
+template <class T>
+T* allocate_for_database(std::size_t count)
+{
+    return static_cast<T*>(
+        MEM_MANAGER::new_wrapper(count * sizeof(T), MEM_TRACKER(), "pll_manager"));
+}
+
+inline char* name_for_database(const std::string& name)
+{
+    return std::strcpy(allocate_for_database<char>(name.size() + 1), name.c_str());
+}
+
+// Gives an empty database the families "f0", "f1", ... and the first of them the speed grades "g0",
+// "g1", ... and the parts "p0", "p1", ... of the type FAST_PLL.
+inline void fill_by_hand(PLL_MANAGER* manager, int count)
+{
+    const auto size = static_cast<std::size_t>(count);
+    manager->m_families = allocate_for_database<PLL_FAMILY_INFO*>(size);
+    for (int i = 0; i < count; ++i) {
+        PLL_FAMILY_INFO* const family =
+            new (allocate_for_database<PLL_FAMILY_INFO>(1)) PLL_FAMILY_INFO;
+        family->m_name = name_for_database("f" + std::to_string(i));
+        manager->m_families[manager->m_number_of_families++] = family;
+    }
+    PLL_FAMILY_INFO* const first = manager->m_families[0];
+    first->m_speed_grades = allocate_for_database<char*>(size);
+    first->m_parts = allocate_for_database<PLL_PART_INFO*>(size);
+    for (int i = 0; i < count; ++i) {
+        first->m_speed_grades[i] = name_for_database("g" + std::to_string(i));
+        first->m_parts[i] = new (allocate_for_database<PLL_PART_INFO>(1)) PLL_PART_INFO;
+        first->m_parts[i]->m_name = name_for_database("p" + std::to_string(i));
+        first->m_parts[i]->m_speed_grade = first->m_speed_grades[i];
+        first->m_parts[i]->m_type = FAST_PLL;
+    }
+    first->m_number_of_speed_grades = count;
+    first->m_number_of_parts = count;
+}

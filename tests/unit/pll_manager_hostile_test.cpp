@@ -378,6 +378,73 @@ TEST_F(HostileDatabase, MayRunOutOfMemoryWhileAQueryIsMade)
     }
 }
 
+TEST_F(HostileDatabase, MayRunOutOfMemoryWithListsOfItsHost)
+{
+    FAILING_HEAP heap;
+    bool is_done = false;
+    for (long nth = 1; !is_done; ++nth) {
+        SCOPED_TRACE(nth);
+        ASSERT_GT(100, nth);
+        PLL_MANAGER manager;
+        fill_by_hand(&manager, 20);
+        PLL_FAMILY_INFO* const first = manager.m_families[0];
+        const auto count_found = [&manager, first] {
+            const PLL_FAMILY_INFO* const family = manager.create_family_info("f7");
+            const char* const grade = manager.create_speed_grade(first, "g8");
+            const PLL_PART_INFO* const part = manager.create_part_info(first, "p9", "g9", FAST_PLL);
+            const bool has_family = family == manager.m_families[7];
+            const bool has_grade = grade == first->m_speed_grades[8];
+            const bool has_part = part == first->m_parts[9];
+            return (has_family ? 1 : 0) + (has_grade ? 1 : 0) + (has_part ? 1 : 0);
+        };
+        heap.fail_at(nth);
+        const int found = count_found();
+        is_done = heap.get_failures() == 0;
+        EXPECT_EQ(is_done ? 3 : 2, found);
+        heap.fail_none();
+        EXPECT_EQ(3, count_found());
+    }
+}
+
+TEST_F(HostileDatabase, MayRunOutOfMemoryForTheRecordOfAQuery)
+{
+    FAILING_HEAP heap;
+    PLL_QUERY full;
+    full.m_family = "F";
+    full.add_migration_part("A", "a", "6");
+    heap.fail_from(1);
+    PLL_QUERY empty;  // without a record of migration parts
+    empty = full;
+    EXPECT_EQ(nullptr, empty.m_family);
+    empty.add_migration_part("B", "b", "6");
+    EXPECT_EQ(0U, empty.get_number_of_migration_parts());
+    heap.fail_none();
+    EXPECT_EQ(nullptr, empty.m_migration_info);
+    empty.m_family = "E";
+    full = empty;
+    EXPECT_STREQ("E", full.m_family);
+    EXPECT_EQ(0U, full.get_number_of_migration_parts());
+    empty.add_migration_part("B", "b", "6");
+    EXPECT_EQ(1U, empty.get_number_of_migration_parts());
+}
+
+TEST_F(HostileDatabase, InitialisesAPllWithoutSharedLists)
+{
+    FAILING_HEAP heap;
+    PLL_MANAGER manager;
+    ASSERT_TRUE(manager.read_family_info_from_file(m_dir.path().c_str(), "family.txt"));
+    PLL_QUERY query;
+    query.m_family = "Fam";
+    query.m_type = ENHANCED_PLL;
+    heap.fail_from(1);
+    PLL pll(1, PLL_MAX_TAPS);
+    heap.fail_none();
+    ASSERT_EQ(nullptr, PLL::m_impl);
+    EXPECT_TRUE(manager.init_pll(&pll, query));
+    EXPECT_EQ(8, pll.m_m.m_max_count);
+    EXPECT_EQ(nullptr, PLL::m_impl);
+}
+
 TEST_F(HostileDatabase, MayRunOutOfMemoryWhileAPllIsInitialised)
 {
     FAILING_HEAP heap;

@@ -222,27 +222,29 @@ TEST(Parts, AreFoundAmongManyAndStayWhereTheyAre)
     EXPECT_EQ(500, family->m_number_of_listed_speed_grades);
 }
 
-TEST(Parts, ThatAHostFilledInAreFound)
+// A host may fill in the public lists itself; lookups find its entries and go on behind them.
+TEST(Lists, ThatAHostFilledInAreFound)
 {
     PLL_MANAGER manager;
-    PLL_FAMILY_INFO* const family = manager.create_family_info("Alpha");
-    const char* const grade = manager.create_speed_grade(family, "6");
-    const auto allocate = [](std::size_t size) {
-        return MEM_MANAGER::new_wrapper(size, MEM_TRACKER(), SOURCE);
-    };
-    PLL_PART_INFO* const part = new (allocate(sizeof(PLL_PART_INFO))) PLL_PART_INFO;
-    part->m_name = static_cast<char*>(allocate(3));
-    part->m_name[0] = 'P';
-    part->m_speed_grade = grade;
-    part->m_type = FAST_PLL;
-    family->m_parts = static_cast<PLL_PART_INFO**>(allocate(sizeof(PLL_PART_INFO*)));
-    family->m_parts[0] = part;
-    family->m_number_of_parts = 1;
+    fill_by_hand(&manager, 20);
+    PLL_FAMILY_INFO* const first = manager.m_families[0];
+    EXPECT_EQ(first, manager.create_family_info("F0"));
+    EXPECT_EQ(manager.m_families[19], manager.create_family_info("f19"));
+    EXPECT_EQ(first->m_speed_grades[13], manager.create_speed_grade(first, "G13"));
+    EXPECT_EQ(first->m_parts[17], manager.create_part_info(first, "P17", "g3", FAST_PLL));
+    EXPECT_EQ(20, manager.m_number_of_families);
+    EXPECT_EQ(20, first->m_number_of_speed_grades);
+    EXPECT_EQ(20, first->m_number_of_parts);
 
-    EXPECT_EQ(part, manager.create_part_info(family, "p", "7", FAST_PLL));
-    EXPECT_NE(nullptr, manager.create_part_info(family, "Q", "7", FAST_PLL));
-    ASSERT_EQ(2, family->m_number_of_parts);
-    EXPECT_EQ(part, family->m_parts[0]);
+    const PLL_FAMILY_INFO* const family = manager.create_family_info("new");
+    const char* const grade = manager.create_speed_grade(first, "new");
+    const PLL_PART_INFO* const part = manager.create_part_info(first, "p0", "g0", VESTRA_PLL);
+    EXPECT_EQ(family, manager.m_families[20]);
+    EXPECT_EQ(grade, first->m_speed_grades[20]);
+    EXPECT_EQ(part, first->m_parts[20]);
+    EXPECT_STREQ("f0", manager.get_family(0));
+    EXPECT_STREQ("g19", first->m_speed_grades[19]);
+    EXPECT_STREQ("p19", first->m_parts[19]->m_name);
 }
 
 TEST(ListedSpeedGrades, AreThoseOfListedPartsInTheOrderOfTheParts)
