@@ -98,15 +98,17 @@ const PLL_BANDWIDTH_SETTING_GROUP* find_group(const PLL& pll, int effective_m)
     return &info.m_bandwidth_settings_table[effective_m];
 }
 
+// Adds to `walked` how many rows were looked at.
 PLL_ROW_CHOICE walk_rows(const PLL& pll, const PLL_PROP& request,
                          const PFD_BANDWIDTH_LIMITS& limits,
-                         const PLL_BANDWIDTH_SETTING_GROUP& group)
+                         const PLL_BANDWIDTH_SETTING_GROUP& group, int* walked)
 {
     PLL_ROW_CHOICE best = NO_ROW;
     for (const PLL_BANDWIDTH_SETTING* row : group.m_settings) {
         if (row == nullptr) {
             continue;
         }
+        ++*walked;
         const PLL_ROW_CHOICE choice = cost_row(pll, request, limits, *row);
         if (choice.m_cost < best.m_cost) {
             best = choice;
@@ -152,8 +154,11 @@ bool PLL::synthesize_best_bandwidth_using_table(PLL* pll, const PLL_PROP& reques
     }
     const int effective_m = effective_feedback_division(*pll);
     const PLL_BANDWIDTH_SETTING_GROUP* group = find_group(*pll, effective_m);
-    const PLL_ROW_CHOICE choice =
-        group == nullptr ? NO_ROW : walk_rows(*pll, request, pfd_limits(*pll, request), *group);
+    PLL_ROW_CHOICE choice = NO_ROW;
+    if (group != nullptr) {
+        int walked = 0;
+        choice = walk_rows(*pll, request, pfd_limits(*pll, request), *group, &walked);
+    }
     return take_choice(choice, effective_m, pll);
 }
 
@@ -165,25 +170,28 @@ bool PLL_BANDWIDTH_CHOOSER::choose(PLL* candidate)
                        candidate);
 }
 
-// The first candidate of a group walks its rows: most groups of most requests have no second one.
+// The first candidates of a group walk its rows: most groups of most requests have no more, and
+// walks that end early need no help.
 PLL_ROW_CHOICE PLL_BANDWIDTH_CHOOSER::choose_row(const PLL& candidate,
                                                  const PLL_BANDWIDTH_SETTING_GROUP& group)
 {
     const PFD_BANDWIDTH_LIMITS limits = pfd_limits(candidate, m_request);
     if (&group != m_group) {
         m_group = &group;
+        m_walked = 0;
         m_row_count = NOT_SORTED;
-        return walk_rows(candidate, m_request, limits, group);
     }
-    if (m_row_count == NOT_SORTED) {
+    if (m_row_count == NOT_SORTED && m_walked >= ROWS_BEFORE_SORTING) {
         sort_rows(candidate);
     }
-    const double limit = std::min(limits.m_first, limits.m_second);
-    const auto allowed = std::upper_bound(m_fast, m_fast + m_row_count, limit) - m_fast;
-    if (allowed > 0 && m_best[allowed - 1].m_cost < PFD_RULE_PENALTY) {
-        return {m_best[allowed - 1].m_row, m_best[allowed - 1].m_cost, true};
+    if (m_row_count > 0) {
+        const double limit = std::min(limits.m_first, limits.m_second);
+        const auto allowed = std::upper_bound(m_fast, m_fast + m_row_count, limit) - m_fast;
+        if (allowed > 0 && m_best[allowed - 1].m_cost < PFD_RULE_PENALTY) {
+            return {m_best[allowed - 1].m_row, m_best[allowed - 1].m_cost, true};
+        }
     }
-    return walk_rows(candidate, m_request, limits, group);
+    return walk_rows(candidate, m_request, limits, group, &m_walked);
 }
 
 // Sorts nothing where the walk must be made: each row reports an unknown type, and costs that are

@@ -2,10 +2,10 @@
 //
 // What a row costs depends on the request, on the row and, through the limits of the PFD, on N. The
 // candidates of one M come one after the other, so what does not depend on N is worked out once for
-// the group of an M: its rows by ascending fast bandwidth, and the cheapest of the first 1, 2, ...
-// of them. The limits then allow some of the first rows and no others, and a row that they do not
-// allow costs more than any that misses a wish by less than 64 MHz; so the cheapest of the allowed
-// ones is the cheapest of all. In every other case the rows are walked.
+// the group of an M that has many: its rows by ascending fast bandwidth, and the cheapest of the
+// first 1, 2, ... of them. The limits then allow some of the first rows and no others, and a row
+// that they do not allow costs more than any that misses a wish by less than 64 MHz; so the
+// cheapest of the allowed ones is the cheapest of all. In every other case the rows are walked.
 #pragma once
 
 #include "pll.h"
@@ -24,7 +24,7 @@ public:
     // The request, and the table and bandwidth presets of all PLLs that `choose` is given, stay as
     // they are while the object lives.
     explicit PLL_BANDWIDTH_CHOOSER(const PLL_PROP& request)
-        : m_request(request), m_group(nullptr), m_row_count(NOT_SORTED)
+        : m_request(request), m_group(nullptr), m_walked(0), m_row_count(NOT_SORTED)
     {
     }
 
@@ -42,6 +42,7 @@ private:
 
     static constexpr int MOST_ROWS = 64;  // of a group that is sorted
     static constexpr int NOT_SORTED = -1;
+    static constexpr int ROWS_BEFORE_SORTING = 24;  // rows looked at, about what sorting costs
 
     static bool is_better(const ROW_COST& a, const ROW_COST& b);
 
@@ -51,6 +52,7 @@ private:
 
     const PLL_PROP& m_request;
     const PLL_BANDWIDTH_SETTING_GROUP* m_group;  // of the last candidate
+    int m_walked;                                // rows of the group that were looked at
     int m_row_count;                             // sorted ones; NOT_SORTED: the group is walked
     double m_fast[MOST_ROWS];                    // ascending, Hz
     ROW_COST m_best[MOST_ROWS];                  // the cheapest of the rows up to here
