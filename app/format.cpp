@@ -53,6 +53,11 @@ std::string format_short(double value, int decimals)
     return without_trailing_zeros(format_fixed(value, decimals));
 }
 
+std::string format_given(double value, int decimals)
+{
+    return value < 0.0 ? "-" : format_fixed(value, decimals);
+}
+
 std::string format_mhz(const RATIONAL& hertz)
 {
     if (!hertz.is_valid()) {

@@ -11,6 +11,9 @@ std::string format_fixed(double value, int decimals);
 // Likewise with trailing zeros cut.
 std::string format_short(double value, int decimals);
 
+// Fixed decimals; "-" for a negative number too, which stands for one that is not given.
+std::string format_given(double value, int decimals);
+
 // Hertz as MHz with six decimals, so to the hertz; "~" in front when that is rounded.
 std::string format_mhz(const RATIONAL& hertz);
 

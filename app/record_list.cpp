@@ -95,6 +95,11 @@ std::string RECORD_VALUE::to_json() const
     return m_kind == KIND::TEXT ? json_string(m_text) : m_text;
 }
 
+std::string RECORD_LIST::write(LIST_FORM form) const
+{
+    return form == LIST_FORM::CSV ? to_csv() : to_json();
+}
+
 std::string RECORD_LIST::to_csv() const
 {
     std::string text;

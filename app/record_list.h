@@ -4,6 +4,13 @@
 #include <string>
 #include <vector>
 
+enum class LIST_FORM
+{
+    TABLE,
+    CSV,
+    JSON
+};
+
 class RECORD_VALUE
 {
 public:
@@ -39,12 +46,14 @@ public:
     // As many values as keys.
     void add(std::vector<RECORD_VALUE> values) { m_records.push_back(std::move(values)); }
 
-    // A line of keys and a line for each record.
-    std::string to_csv() const;
-    // An array with an object for each record.
-    std::string to_json() const;
+    // CSV: a line of keys and a line for each record. JSON: an array with an object for each
+    // record. A table is for people, and not written here.
+    std::string write(LIST_FORM form) const;
 
 private:
+    std::string to_csv() const;
+    std::string to_json() const;
+
     std::vector<std::string> m_keys;
     std::vector<std::vector<RECORD_VALUE>> m_records;
 };

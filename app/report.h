@@ -3,6 +3,7 @@
 
 #include "answer.h"
 #include "device.h"
+#include "record_list.h"
 #include "request.h"
 
 #include <optional>
@@ -14,13 +15,6 @@ enum class DUMP_FORM
     FULL,
     COMPACT
 };
-enum class LIST_FORM
-{
-    TABLE,
-    CSV,
-    JSON
-};
-
 // The answer to a request: whether it is met, settings, and what they achieve.
 std::string report_synthesis(const REQUEST& request, const ANSWER& answer);
 

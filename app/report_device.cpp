@@ -156,8 +156,7 @@ RECORD_LIST list_records(const DEVICE& device)
 std::string report_device(const DEVICE& device, LIST_FORM form)
 {
     if (form != LIST_FORM::TABLE) {
-        const RECORD_LIST records = list_records(device);
-        return form == LIST_FORM::CSV ? records.to_csv() : records.to_json();
+        return list_records(device).write(form);
     }
     std::string text = list_devices(device);
     text += "\n";

@@ -144,6 +144,5 @@ std::string report_devices(const DEVICE_WORDS& words, LIST_FORM form,
     if (form == LIST_FORM::TABLE) {
         return write_tables(families);
     }
-    const RECORD_LIST records = list_records(families);
-    return form == LIST_FORM::CSV ? records.to_csv() : records.to_json();
+    return list_records(families).write(form);
 }

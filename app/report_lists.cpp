@@ -55,7 +55,7 @@ std::string report_ratios(const INPUT_CLOCK& input, const DEVICE* device, LIST_F
         table.add_row({ratio.to_fraction(), ratio.to_decimal(RATIO_DECIMALS), format_mhz(vco)});
     }
     if (form != LIST_FORM::TABLE) {
-        return form == LIST_FORM::CSV ? records.to_csv() : records.to_json();
+        return records.write(form);
     }
     std::string text;
     if (*count > 0) {

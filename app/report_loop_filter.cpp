@@ -43,15 +43,9 @@ void append_computed(const REQUEST& request, const ANSWER& answer, std::string* 
     table.append_to(text);
 }
 
-// Tables need not give results.
-std::string format_result(double value, int decimals)
-{
-    return value < 0.0 ? "-" : format_fixed(value, decimals);
-}
-
 std::string format_bandwidth(double bandwidth)
 {
-    return format_result(bandwidth / HZ_PER_KHZ, KHZ_DECIMALS);
+    return format_given(bandwidth / HZ_PER_KHZ, KHZ_DECIMALS);
 }
 
 void append_components(const REQUEST& request, const ANSWER& answer, std::string* text)
@@ -89,14 +83,14 @@ void append_row(const REQUEST& request, const ANSWER& answer, std::string* text)
                       {"phase margin", "deg", ALIGN::RIGHT},
                       {"jitter peaking", "dB", ALIGN::RIGHT}});
     table.add_row({"typical", format_bandwidth(achieved.m_bandwidth),
-                   format_result(achieved.m_phase_margin, RESULT_DECIMALS),
-                   format_result(achieved.m_jitter_peak, RESULT_DECIMALS)});
+                   format_given(achieved.m_phase_margin, RESULT_DECIMALS),
+                   format_given(achieved.m_jitter_peak, RESULT_DECIMALS)});
     table.add_row({"lowest corner", format_bandwidth(achieved.m_bandwidth_min),
-                   format_result(achieved.m_phase_margin_min, RESULT_DECIMALS),
-                   format_result(achieved.m_jitter_peak_min, RESULT_DECIMALS)});
+                   format_given(achieved.m_phase_margin_min, RESULT_DECIMALS),
+                   format_given(achieved.m_jitter_peak_min, RESULT_DECIMALS)});
     table.add_row({"highest corner", format_bandwidth(achieved.m_bandwidth_max),
-                   format_result(achieved.m_phase_margin_max, RESULT_DECIMALS),
-                   format_result(achieved.m_jitter_peak_max, RESULT_DECIMALS)});
+                   format_given(achieved.m_phase_margin_max, RESULT_DECIMALS),
+                   format_given(achieved.m_jitter_peak_max, RESULT_DECIMALS)});
     table.append_to(text);
     if (pll.m_info.m_basic_info->m_bandwidth_pfd_min_frequency_multiplier > 0) {
         *text += std::string(pll.m_bandwidth_legal_for_fin ? "Within" : "BEYOND") + " the " +

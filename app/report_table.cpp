@@ -34,11 +34,6 @@ std::vector<CORNER> corners_of(const PLL_BANDWIDTH_SETTING& row)
 }
 
 // Tables need not give capacitors or results.
-std::string format_given(double value, int decimals)
-{
-    return value < 0.0 ? "-" : format_fixed(value, decimals);
-}
-
 RECORD_VALUE record_given(double value, int decimals)
 {
     return value < 0.0 ? RECORD_VALUE::none() : RECORD_VALUE::number(format_short(value, decimals));
@@ -233,8 +228,7 @@ std::string report_table(const DEVICE& device, std::optional<int> effective_m, L
     const PLL_BASIC_INFO& info = device.get_basic_info();
     *findings = check_table(device.get_info());
     if (form != LIST_FORM::TABLE) {
-        const RECORD_LIST records = list_rows(info, effective_m);
-        return form == LIST_FORM::CSV ? records.to_csv() : records.to_json();
+        return list_rows(info, effective_m).write(form);
     }
     std::string text = list_devices(device);
     text += findings->empty() ? "check  no findings\n" : "check\n";
@@ -256,8 +250,7 @@ std::string report_choices(const REQUEST& request, const ANSWER& answer, LIST_FO
         choices = list_choices(request, answer);
     }
     if (form != LIST_FORM::TABLE) {
-        const RECORD_LIST records = list_choice_records(effective_m(pll), choices);
-        return form == LIST_FORM::CSV ? records.to_csv() : records.to_json();
+        return list_choice_records(effective_m(pll), choices).write(form);
     }
     std::string text = report_verdict(request, answer) + "\n" + report_origins(request, answer);
     if (!uses_table(pll)) {
