@@ -189,7 +189,7 @@ public:
     {
         std::size_t size = 0;
         for (const auto& [name, text] : database.m_files) {
-            m_model.m_files[directory + "/" + name] = text;
+            m_model.m_files[std::filesystem::path(directory) / name] = text;
             size += text.size();
         }
         // Half of the databases are read under the eyes of an observer.
@@ -312,12 +312,11 @@ void RUN::init_pll(const MODEL_QUERY& query, std::ostream& stream)
     model.m_user_taps_count = taps;
     model.m_total_taps_count = taps;
     model.m_max_taps_count = PLL_MAX_TAPS;
-    MODEL_DEVICE device;
     MODEL_COMPONENTS components;
     MODEL_INFO expected;
     const bool is_ok = m_manager.init_pll(&pll, query_of(query));
     const bool model_is_ok =
-        model_init_pll(&m_model, query, &expected, &model, &device, &components, m_model_reports);
+        model_init_pll(&m_model, query, &expected, &model, &components, m_model_reports);
     compare_results("init_pll", is_ok, model_is_ok, stream);
     FIELD_COMPARE compare = {stream};
     visit_pll(pll, model, compare);
@@ -384,7 +383,7 @@ std::string compare_database(const RANDOM_DATABASE& database, const std::string&
                              DATABASE_COUNTS* counts)
 {
     for (const auto& [name, text] : database.m_files) {
-        const std::filesystem::path path = directory + "/" + name;
+        const std::filesystem::path path = std::filesystem::path(directory) / name;
         std::filesystem::create_directories(path.parent_path());
         write_file(path.string(), text);
     }

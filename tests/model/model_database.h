@@ -175,13 +175,14 @@ bool model_init_info(MODEL_DATABASE* database, const MODEL_QUERY& query, MODEL_I
 // cannot be opened.
 bool model_read_table(MODEL_BASIC* basic, const std::string* text, MODEL_REPORTS& reports);
 
-// Gives the limits and components to a PLL; `device` receives what its synthesis reads of the
-// description and is then the PLL's.
+// What a PLL gets besides its limits: what its synthesis reads of the description, and components.
 struct MODEL_COMPONENTS
 {
+    MODEL_DEVICE m_device;
     MODEL_PARTS m_parts;
     std::vector<int> m_capacitors = {5, 10, 15, 20};
 };
+
+// Gives limits and components to a PLL, which then refers to their m_device.
 bool model_init_pll(MODEL_DATABASE* database, const MODEL_QUERY& query, MODEL_INFO* info,
-                    MODEL_PLL* pll, MODEL_DEVICE* device, MODEL_COMPONENTS* components,
-                    MODEL_REPORTS& reports);
+                    MODEL_PLL* pll, MODEL_COMPONENTS* components, MODEL_REPORTS& reports);

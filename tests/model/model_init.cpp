@@ -59,6 +59,17 @@ bool is_met(const MODEL_PART& part, const MODEL_ENTRY& entry, int type)
            (!entry.m_speed_grade || model_same_name(*entry.m_speed_grade, part.m_speed_grade));
 }
 
+void widen(const LIMIT& to, const LIMIT& from)
+{
+    for (int i = to.m_first; i <= to.m_last; ++i) {
+        const int value = from.m_values[i];
+        int& kept = to.m_values[i];
+        if (value != MODEL_UNSET) {
+            kept = to.m_is_lower ? std::min(kept, value) : std::max(kept, value);
+        }
+    }
+}
+
 // The widest limits over the records that an entry selects. An end that none gives stands at the
 // far side: a lower one at the largest int, an upper one at the unset mark.
 T widest(const MODEL_FAMILY& family, const MODEL_ENTRY& entry, int type, POOL* pool)
@@ -78,13 +89,7 @@ T widest(const MODEL_FAMILY& family, const MODEL_ENTRY& entry, int type, POOL* p
         T record = part.m_timing;
         const std::vector<LIMIT> from = limits_of(&record);
         for (std::size_t n = 0; n < to.size(); ++n) {
-            for (int i = to[n].m_first; i <= to[n].m_last; ++i) {
-                const int value = from[n].m_values[i];
-                int& kept = to[n].m_values[i];
-                if (value != MODEL_UNSET) {
-                    kept = to[n].m_is_lower ? std::min(kept, value) : std::max(kept, value);
-                }
-            }
+            widen(to[n], from[n]);
         }
         for (int p = 1; p <= 2; ++p) {
             add_to_sum(&pool->m_center[p], record.m_vco_center[p]);
@@ -249,8 +254,7 @@ bool model_init_info(MODEL_DATABASE* database, const MODEL_QUERY& query, MODEL_I
 }
 
 bool model_init_pll(MODEL_DATABASE* database, const MODEL_QUERY& query, MODEL_INFO* info,
-                    MODEL_PLL* pll, MODEL_DEVICE* device, MODEL_COMPONENTS* components,
-                    MODEL_REPORTS& reports)
+                    MODEL_PLL* pll, MODEL_COMPONENTS* components, MODEL_REPORTS& reports)
 {
     if (!model_init_info(database, query, info, reports)) {
         return false;
@@ -260,6 +264,7 @@ bool model_init_pll(MODEL_DATABASE* database, const MODEL_QUERY& query, MODEL_IN
     components->m_parts.m_currents = basic.m_currents;
     components->m_parts.m_resistors = basic.m_resistors;
     components->m_capacitors = basic.m_capacitors;
+    MODEL_DEVICE* const device = &components->m_device;
     device->m_use_bandwidth_settings_table = basic.m_use_bandwidth_settings_table;
     device->m_table = basic.m_table;
     device->m_bandwidth_pfd_min_frequency_multiplier =

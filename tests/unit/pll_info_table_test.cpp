@@ -28,7 +28,7 @@ public:
 
     std::string take()
     {
-        const std::string text = m_text.str();
+        std::string text = m_text.str();
         m_text.str("");
         return text;
     }
@@ -86,7 +86,7 @@ protected:
     std::string check()
     {
         const bool valid = m_info.is_bandwidth_settings_table_valid();
-        const std::string lines = m_output.take();
+        std::string lines = m_output.take();
         EXPECT_EQ(lines.empty(), valid);
         return lines;
     }

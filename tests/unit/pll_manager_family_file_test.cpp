@@ -291,7 +291,9 @@ TEST(FamilyFileEnd, ReadsATableForEachType)
     database.write("table.txt", "SIMPLE_V1 \n\n0 20 30\n");
     std::string text = "family Fam\n";
     for (const char* type : {"ENHANCED_PLL", "FAST_PLL", "FAST_PLL_HIGH_SPEED", "VESTRA_PLL"}) {
-        text += "pll " + std::string(type) + "\nbandwidth_settings_table_file table.txt\n";
+        text += "pll ";
+        text += type;
+        text += "\nbandwidth_settings_table_file table.txt\n";
     }
     EXPECT_TRUE(database.read(text));
     for (const PLL_BASIC_INFO& basic : database.family("Fam").m_basic_infos) {

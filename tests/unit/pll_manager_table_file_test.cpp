@@ -321,7 +321,7 @@ struct FILE_LIST
     void add(PLL_TYPE_ENUM type, const std::string& name)
     {
         m_entries.push_back(std::make_unique<PLL_TYPE_BANDWIDTH_FILE_NAME>(
-            PLL_TYPE_BANDWIDTH_FILE_NAME{type, MEM_STRING(name.c_str())}));
+            PLL_TYPE_BANDWIDTH_FILE_NAME{type, MEM_STRING(name.begin(), name.end())}));
         m_list.push_back(m_entries.back().get());
     }
 

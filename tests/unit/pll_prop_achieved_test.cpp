@@ -551,7 +551,7 @@ TEST_F(AchievedBandwidth, PfdRuleTakesTheBandwidthWithoutARange)
     m_basic_info.m_bandwidth_pfd_min_frequency_multiplier = 10;
     m_prop.m_lock_max_period = LARGEST;
     EXPECT_FALSE(found());
-    EXPECT_EQ(static_cast<int>(1e12 / modelled(4) / 10 + 0.5), m_prop.m_lock_max_period);
+    EXPECT_EQ(std::lround(1e12 / modelled(4) / 10), m_prop.m_lock_max_period);
 }
 
 TEST_F(HostileAchievedBandwidth, NeedsNoTableBehindItsSwitch)

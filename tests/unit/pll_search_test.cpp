@@ -293,27 +293,32 @@ void expect_plain_result(SMALL_PLL& box)
     }
 }
 
+// VCO limits that cross, touch and are negative included.
+void expect_plain_results(int fin, int n_min, int pfd_max)
+{
+    SMALL_PLL box(0, 40, 4);
+    box.m_pll.m_fin_min_period = 0;
+    box.m_pll.m_n.m_min_count = n_min;
+    box.m_request.m_fin_period = fin;
+    box.set_pfd(1, pfd_max);
+    for (int vco_min = -4; vco_min <= 8; ++vco_min) {
+        for (int vco_max = -4; vco_max <= 8; ++vco_max) {
+            SCOPED_TRACE(testing::Message() << fin << " ps, N from " << n_min << ", VCO " << vco_min
+                                            << " to " << vco_max);
+            box.set_vco(vco_min, 1, vco_max);
+            expect_plain_result(box);
+            ASSERT_FALSE(testing::Test::HasFatalFailure());
+        }
+    }
+}
+
 TEST(SearchClosestMiss, IsThatOfAPlainSearchInAllSmallBoxes)
 {
-    // VCO limits that cross, touch and are negative included.
     for (int fin : {1, 2, 7, 40, -5}) {
         for (int n_min : {-1, 0, 1, 2}) {
             for (int pfd_max : {1, 15, 1000}) {
-                SMALL_PLL box(0, 40, 4);
-                box.m_pll.m_fin_min_period = 0;
-                box.m_pll.m_n.m_min_count = n_min;
-                box.m_request.m_fin_period = fin;
-                box.set_pfd(1, pfd_max);
-                for (int vco_min = -4; vco_min <= 8; ++vco_min) {
-                    for (int vco_max = -4; vco_max <= 8; ++vco_max) {
-                        SCOPED_TRACE(testing::Message()
-                                     << fin << " ps, N from " << n_min << ", VCO " << vco_min
-                                     << " to " << vco_max);
-                        box.set_vco(vco_min, 1, vco_max);
-                        expect_plain_result(box);
-                        ASSERT_FALSE(testing::Test::HasFatalFailure());
-                    }
-                }
+                expect_plain_results(fin, n_min, pfd_max);
+                ASSERT_FALSE(testing::Test::HasFatalFailure());
             }
         }
     }

@@ -426,6 +426,9 @@ TEST(ErrorString, OfEveryValue)
     const char* const not_found =
         "No combination of counter values of M and the pre-divider N satisfy VCO and PFD ranges, "
         "for requested clock synthesis";
+    const char* const not_at_this_input =
+        "Cannot find legal bandwidth settings for requested input frequency, multiplication and "
+        "division";
     const char* const texts[] = {
         "No error",
         not_found,
@@ -437,8 +440,7 @@ TEST(ErrorString, OfEveryValue)
         "Requested Spread Spectrum value is too high",
         "Requested input clock frequency does not satisfy the valid frequency range",
         "Cannot find legal bandwidth settings for requested multiplication and division",
-        "Cannot find legal bandwidth settings for requested input frequency, multiplication and "
-        "division",
+        not_at_this_input,
     };
     static_assert(std::size(texts) == PLL::MAX_PLL_ERROR_TYPE);
     for (std::size_t error = 0; error < std::size(texts); ++error) {

@@ -73,23 +73,36 @@ TEST(FirstThatHolds, NeedsFewLooksFarFromTheGuess)
     EXPECT_LT(looks, 40);
 }
 
+// Whether the row has a window.
+bool expect_split_as_walked(const ROW_PERIODS& periods, N_RANGE all)
+{
+    const WALK seen = walk(periods, all);
+    const ROW row = split_growing_row(periods, all);
+    EXPECT_EQ(seen.m_legal, numbers(row.m_legal));
+    EXPECT_EQ(seen.m_behind, numbers(row.m_behind));
+    EXPECT_EQ(seen.m_before, numbers(row.m_before));
+    return !seen.m_legal.empty();
+}
+
+int count_windows(double fin, double m, double border)
+{
+    int count = 0;
+    for (const double width : {-3.0, -2.0, 0.0, 1.0, 11.0}) {
+        const ROW_PERIODS periods(fin, m, {border, border + width}, {3.0, 90.0});
+        for (const N_RANGE all : {N_RANGE{1, 20}, N_RANGE{-4, 3}, N_RANGE{5, 5}}) {
+            count += expect_split_as_walked(periods, all) ? 1 : 0;
+        }
+    }
+    return count;
+}
+
 TEST(GrowingRow, IsSplitAsAWalkOverItFindsIt)
 {
     int with_window = 0;
     for (const double fin : {1.0, 2.0, 7.0, 31.0}) {
         for (double m = 2.0; m <= 9.0; ++m) {
             for (double border = -2.0; border <= 40.0; ++border) {
-                for (const double width : {-3.0, -2.0, 0.0, 1.0, 11.0}) {
-                    const ROW_PERIODS periods(fin, m, {border, border + width}, {3.0, 90.0});
-                    for (const N_RANGE all : {N_RANGE{1, 20}, N_RANGE{-4, 3}, N_RANGE{5, 5}}) {
-                        const WALK seen = walk(periods, all);
-                        const ROW row = split_growing_row(periods, all);
-                        EXPECT_EQ(seen.m_legal, numbers(row.m_legal));
-                        EXPECT_EQ(seen.m_behind, numbers(row.m_behind));
-                        EXPECT_EQ(seen.m_before, numbers(row.m_before));
-                        with_window += seen.m_legal.empty() ? 0 : 1;
-                    }
-                }
+                with_window += count_windows(fin, m, border);
             }
         }
     }
