@@ -79,6 +79,7 @@ void PLL_INPUT_FILE::read_line(char* line)
 {
     const std::size_t ROOM = PLL_LINE_SIZE - 1;
     std::size_t length = 0;  // of the line, the dropped characters included
+    char last = '\0';        // of them
     bool is_broken = false;
     while (!is_broken && !is_at_end()) {
         const char* const start = m_block + m_next;
@@ -89,10 +90,11 @@ void PLL_INPUT_FILE::read_line(char* line)
         if (length < ROOM) {
             std::memcpy(line + length, start, std::min(size, ROOM - length));
         }
+        last = size > 0 ? end[-1] : last;
         length += size;
         m_next += size + (is_broken ? 1 : 0);
     }
-    if (is_broken && length > 0 && length <= ROOM && line[length - 1] == '\r') {
+    if (is_broken && last == '\r') {
         --length;
     }
     line[std::min(length, ROOM)] = '\0';

@@ -53,6 +53,7 @@ PLL_STATEMENT_WATCH::PLL_STATEMENT_WATCH(const PLL_FAMILY_FILE_READER& reader,
       m_keyword(nullptr),
       m_row(nullptr),
       m_is_in_scope(false),
+      m_was_full(false),
       m_opened_files(0),
       m_reason(PLL_FINDING::NONE),
       m_foreign_family(nullptr)
@@ -75,6 +76,7 @@ bool PLL_STATEMENT_WATCH::begin(const char* line)
     }
     m_row = find_keyword(m_keyword);
     m_is_in_scope = m_row != nullptr && m_reader.is_in_scope(m_row->m_scope);
+    m_was_full = m_reader.m_files.is_full();
     m_opened_files = m_reader.m_files.opened_files();
     m_reason = PLL_FINDING::NONE;
     return true;
@@ -173,11 +175,11 @@ void PLL_STATEMENT_WATCH::look_at_name(bool is_ok)
 {
     const char* const name = m_line.next_name();
     if (is_keyword("include")) {
-        if (!is_ok) {
+        if (!is_ok && m_was_full) {
             refuse(m_reader.m_files.is_deep() ? PLL_FINDING::INCLUDE_TOO_DEEP
                                               : PLL_FINDING::TOO_MANY_FILES,
                    name);
-        } else if (m_opened_files == m_reader.m_files.opened_files()) {
+        } else if (is_ok && m_opened_files == m_reader.m_files.opened_files()) {
             refuse(PLL_FINDING::INCLUDE_NOT_OPENED, name);
         }
     } else if (is_keyword("pll")) {

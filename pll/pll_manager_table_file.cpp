@@ -125,7 +125,8 @@ bool read_format(TABLE_INPUT* input, FORMAT* format)
 {
     MEM_STRING word{MEM_ALLOCATOR<char>(PLL_MANAGER_SOURCE)};
     const bool is_read = pll_read_field(input->m_stream, word);
-    if (input->m_watch != nullptr) {
+    const bool is_out_of_memory = !is_read && input->m_stream.good();
+    if (input->m_watch != nullptr && !is_out_of_memory) {
         input->m_watch->format_word(word.c_str(), is_read);
     }
     if (!is_read) {

@@ -98,7 +98,7 @@ void PLL_TABLE_WATCH::skip_to_word()
             event.m_place.m_line = m_text.line();
             event.m_place.m_column = 1;
             event.m_place.m_length = 1;
-            event.m_word = "";
+            event.m_word = "\r";
             tell(m_observer, event);
         }
         is_lone = c == '\r' && m_text.column() == 1;
@@ -106,13 +106,14 @@ void PLL_TABLE_WATCH::skip_to_word()
     }
 }
 
-// Takes the word here, of which the beginning is kept.
-void PLL_TABLE_WATCH::take_word()
+// Takes the word here, up to an offset at most; its beginning is kept.
+void PLL_TABLE_WATCH::take_word(std::int64_t end)
 {
     m_place.m_line = m_text.line();
     m_place.m_column = m_text.column();
     std::size_t length = 0;
-    while (m_text.peek() != PLL_TEXT_WALK::AT_END && !is_blank(m_text.peek())) {
+    while (m_text.offset() < end && m_text.peek() != PLL_TEXT_WALK::AT_END &&
+           !is_blank(m_text.peek())) {
         if (length < WORD_SIZE - 1) {
             m_word[length] = static_cast<char>(m_text.peek());
             ++length;
@@ -135,13 +136,15 @@ PLL_READ_FINDING PLL_TABLE_WATCH::finding_here(PLL_FINDING finding) const
 }
 
 // The column that failed is the one that was begun last.
-void PLL_TABLE_WATCH::refuse_row(const PLL_TABLE_POSITION& end)
+PLL_FINDING PLL_TABLE_WATCH::refuse_row(const PLL_TABLE_POSITION& end)
 {
     m_text.go_to(m_field_offset);
     skip_to_word();
     take_word();
-    tell(m_observer, finding_here(end.m_is_number_at_end ? PLL_FINDING::TABLE_LINE_UNFINISHED
-                                                         : PLL_FINDING::TABLE_NUMBER_EXPECTED));
+    const PLL_FINDING reason = end.m_is_number_at_end ? PLL_FINDING::TABLE_LINE_UNFINISHED
+                                                      : PLL_FINDING::TABLE_NUMBER_EXPECTED;
+    tell(m_observer, finding_here(reason));
+    return reason;
 }
 
 void PLL_TABLE_WATCH::end_row(const PLL_TABLE_POSITION& end, bool is_read, int m,
@@ -149,37 +152,46 @@ void PLL_TABLE_WATCH::end_row(const PLL_TABLE_POSITION& end, bool is_read, int m
 {
     PLL_READ_STATEMENT event;
     event.m_kind = PLL_READ_KIND::TABLE_ROW;
+    event.m_result = !is_read         ? PLL_READ_RESULT::FAILED
+                     : row == nullptr ? PLL_READ_RESULT::SKIPPED
+                                      : PLL_READ_RESULT::STORED;
     event.m_family = m_family;
     event.m_type = m_type;
     event.m_row = row;
     m_text.go_to(m_row_offset);
     skip_to_word();
-    if (!is_read && m_field_offset == m_row_offset) {
-        refuse_row(end);
-        event.m_place = m_place;
-    } else {
+    if (is_read) {
         take_word();
         event.m_place = m_place;
-        if (row == nullptr && is_read) {
-            PLL_READ_FINDING finding = finding_here(PLL_FINDING::ROW_WITHOUT_GROUP);
-            finding.m_value = m;
-            finding.m_limit = m_largest_m;
-            tell(m_observer, finding);
-            event.m_reason = PLL_FINDING::ROW_WITHOUT_GROUP;
+        event.m_reason = look_at_row(end, m, row);
+    } else {
+        if (m_field_offset > m_row_offset) {
+            take_word(m_field_offset);
+            event.m_place = m_place;
         }
-        if (!is_read) {
-            refuse_row(end);
-        } else {
-            m_text.go_to(end.m_offset);
-            if (m_text.line() != event.m_place.m_line) {
-                tell(m_observer, finding_here(PLL_FINDING::ROW_OVER_LINES));
-            }
-        }
+        event.m_reason = refuse_row(end);
+        event.m_place = event.m_place.m_line == 0 ? m_place : event.m_place;
     }
-    event.m_result = !is_read         ? PLL_READ_RESULT::FAILED
-                     : row == nullptr ? PLL_READ_RESULT::SKIPPED
-                                      : PLL_READ_RESULT::STORED;
     tell(m_observer, event);
+}
+
+// Gives why a good row is not stored.
+PLL_FINDING PLL_TABLE_WATCH::look_at_row(const PLL_TABLE_POSITION& end, int m,
+                                         const PLL_BANDWIDTH_SETTING* row)
+{
+    PLL_FINDING reason = PLL_FINDING::NONE;
+    if (row == nullptr) {
+        reason = PLL_FINDING::ROW_WITHOUT_GROUP;
+        PLL_READ_FINDING finding = finding_here(reason);
+        finding.m_value = m;
+        finding.m_limit = m_largest_m;
+        tell(m_observer, finding);
+    }
+    m_text.go_to(end.m_offset);
+    if (m_text.line() != m_place.m_line) {
+        tell(m_observer, finding_here(PLL_FINDING::ROW_OVER_LINES));
+    }
+    return reason;
 }
 
 // A line that begins like a number was meant as a row; other texts are notes.

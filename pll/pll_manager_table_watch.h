@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 
 // A text file, walked through from its start.
 class PLL_TEXT_WALK
@@ -21,6 +22,7 @@ public:
     int peek();
     void step();
 
+    std::int64_t offset() const { return m_offset; }
     int line() const { return m_line; }
     int column() const { return m_column; }
 
@@ -70,8 +72,9 @@ private:
     static constexpr std::size_t WORD_SIZE = 64;  // of a word that is quoted, with the NUL
 
     void skip_to_word();
-    void take_word();
-    void refuse_row(const PLL_TABLE_POSITION& end);
+    void take_word(std::int64_t end = std::numeric_limits<std::int64_t>::max());
+    PLL_FINDING refuse_row(const PLL_TABLE_POSITION& end);
+    PLL_FINDING look_at_row(const PLL_TABLE_POSITION& end, int m, const PLL_BANDWIDTH_SETTING* row);
     PLL_READ_FINDING finding_here(PLL_FINDING finding) const;
 
     PLL_READ_OBSERVER* m_observer;

@@ -101,6 +101,7 @@ private:
     const char* m_keyword;     // as it is written
     const PLL_KEYWORD* m_row;  // null: unknown
     bool m_is_in_scope;
+    bool m_was_full;     // the stack of files, before it
     int m_opened_files;  // before it
     PLL_FINDING m_reason;
 
