@@ -196,22 +196,27 @@ struct INSERTED_LIST
     }
 };
 
+void insert_ratios_of_m(const PLL& pll, int post_scale, int m, int fin, INSERTED_LIST* list)
+{
+    const double vco_min = pll.m_vco_min_period[post_scale];
+    const double vco_max = pll.m_vco_max_period[post_scale];
+    for (int n = pll.m_n.m_min_count; n <= pll.m_n.m_max_count; ++n) {
+        const double pfd = double(fin) * n;
+        const double vco = pfd / m;
+        if (vco_min - 1 <= vco && vco <= vco_max + 1 && pll.m_pfd_min_period - 1 <= pfd &&
+            pfd <= pll.m_pfd_max_period + 1) {
+            const int divisor = std::gcd(m, n);
+            list->insert(m / divisor, n / divisor);
+        }
+    }
+}
+
 INSERTED_LIST insert_ratios(const PLL& pll, int fin)
 {
     INSERTED_LIST list;
     for (int post_scale = 1; post_scale <= pll.m_max_vco_post_scale; ++post_scale) {
-        const double vco_min = pll.m_vco_min_period[post_scale];
-        const double vco_max = pll.m_vco_max_period[post_scale];
         for (int m = 2; m <= pll.m_m.m_max_count; ++m) {
-            for (int n = pll.m_n.m_min_count; n <= pll.m_n.m_max_count; ++n) {
-                const double pfd = double(fin) * n;
-                const double vco = pfd / m;
-                if (vco_min - 1 <= vco && vco <= vco_max + 1 && pll.m_pfd_min_period - 1 <= pfd &&
-                    pfd <= pll.m_pfd_max_period + 1) {
-                    const int divisor = std::gcd(m, n);
-                    list.insert(m / divisor, n / divisor);
-                }
-            }
+            insert_ratios_of_m(pll, post_scale, m, fin, &list);
         }
     }
     return list;
