@@ -171,7 +171,11 @@ void judge_missed(const std::vector<MEASURED_PAIR>& pairs, TARGET_TABLE* table)
             }
             const std::string note = "lean loop " + std::to_string(int(pair.m_lean_us)) + " us";
             table->add_least(work, pair.get_ratio(), LEAST_MISSED_RATIO, "times", note);
-            table->add_most(work, pair.m_library_us, LARGEST_MISSED_US, "us");
+            if (outputs == PLL_MAX_TAPS) {
+                table->add_most(work, pair.m_library_us, LARGEST_MISSED_US, "us");
+            } else {
+                table->add_figure(work, pair.m_library_us, "us");
+            }
         }
     }
 }

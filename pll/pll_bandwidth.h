@@ -24,7 +24,12 @@ public:
     // The request, and the table and bandwidth presets of all PLLs that `choose` is given, stay as
     // they are while the object lives.
     explicit PLL_BANDWIDTH_CHOOSER(const PLL_PROP& request)
-        : m_request(request), m_group(nullptr), m_walked(0), m_row_count(NOT_SORTED)
+        : m_request(request),
+          m_group(nullptr),
+          m_walked(0),
+          m_row_count(NOT_SORTED),
+          m_fast{},
+          m_best{}
     {
     }
 
@@ -40,7 +45,7 @@ private:
         double m_cost;
     };
 
-    static constexpr int MOST_ROWS = 64;  // of a group that is sorted
+    static constexpr int MOST_ROWS = 32;  // of a group that is sorted
     static constexpr int NOT_SORTED = -1;
     static constexpr int ROWS_BEFORE_SORTING = 24;  // rows looked at, about what sorting costs
 

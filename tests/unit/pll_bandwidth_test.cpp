@@ -396,7 +396,7 @@ TEST(BandwidthChooser, ChoosesLikeTheWalk)
 {
     constexpr int TABLES = 150;
     constexpr int FEW_ROWS = 8;
-    constexpr int MANY_ROWS = 70;  // more than are sorted
+    constexpr int MANY_ROWS = 50;  // more than are sorted
     for (unsigned seed = 0; seed < TABLES && !testing::Test::HasFailure(); ++seed) {
         RANDOM_TABLE table(seed);
         table.fill(seed % 10 == 0 ? MANY_ROWS : FEW_ROWS);
