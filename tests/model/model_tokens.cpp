@@ -2,6 +2,7 @@
 
 #include "model_database.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 
@@ -22,7 +23,7 @@ std::vector<std::string> model_lines(const std::string& text)
         if (end != std::string::npos && !line.empty() && line.back() == '\r') {
             line.pop_back();
         }
-        line = line.substr(0, LONGEST_LINE);
+        line.resize(std::min(line.size(), LONGEST_LINE));
         lines.push_back(line.substr(0, line.find('\0')));
         start = end == std::string::npos ? text.size() : end + 1;
     }
