@@ -57,6 +57,3 @@ private:
     std::vector<std::string> m_keys;
     std::vector<std::vector<RECORD_VALUE>> m_records;
 };
-
-// A JSON string with its quotes; bytes that are no UTF-8 stand for themselves in Latin-1.
-std::string json_string(const std::string& text);
