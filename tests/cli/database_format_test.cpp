@@ -61,7 +61,7 @@ TEST_F(DatabaseWalk, ShowsWhatTheProgramPrints)
     for (std::size_t at = 0; at < m_lines.size(); ++at) {
         const std::string& line = m_lines[at];
         SCOPED_TRACE(line);
-        if (line.rfind("`", 0) == 0 && line.size() > 3 && line.substr(line.size() - 2) == "`:") {
+        if (line.rfind('`', 0) == 0 && line.size() > 3 && line.substr(line.size() - 2) == "`:") {
             at = write_shown_file(at);
             ++files;
         } else if (line.rfind(PROMPT, 0) == 0) {

@@ -93,7 +93,7 @@ std::vector<DOCUMENTED> documented_keywords()
     std::vector<DOCUMENTED> rows;
     std::string heading;
     for (const std::string& line : lines_of(DOCUMENT)) {
-        if (line.rfind("#", 0) == 0) {
+        if (line.rfind('#', 0) == 0) {
             heading = line;
         }
         if (line.rfind("| `", 0) == 0 && SCOPES.count(heading) != 0) {
@@ -148,8 +148,7 @@ std::optional<VALUE> default_of(const RECORD& record, VALUE shown)
         VALUE usual;
         std::memcpy(&value, reinterpret_cast<const char*>(&record) + at, sizeof value);
         std::memcpy(&usual, reinterpret_cast<const char*>(&fresh) + at, sizeof usual);
-        if (std::memcmp(&value, &shown, sizeof value) == 0 &&
-            std::memcmp(&value, &usual, sizeof value) != 0) {
+        if (value == shown && value != usual) {
             return usual;
         }
     }

@@ -274,7 +274,8 @@ TEST_F(HostileDatabase, MayNameManyFamiliesInOneFile)
 {
     std::string text;
     for (int i = 0; i < 5000; ++i) {
-        text += "family f" + std::to_string(i) + "\npll FAST_PLL\nspeed_grade 6\npart P\n";
+        text.append("family f").append(std::to_string(i));
+        text += "\npll FAST_PLL\nspeed_grade 6\npart P\n";
     }
     write("family.txt", text);
     EXPECT_TRUE(read_family());
@@ -336,6 +337,30 @@ TEST_F(HostileDatabase, MayRunOutOfMemoryWhileReading)
         return manager != nullptr && manager->read(m_dir.path().c_str()) &&
                manager->read_family_info("Fam") != nullptr;
     });
+}
+
+// A record that could not be made is a broken promise to the readers, which say so.
+TEST_F(HostileDatabase, ReportsAFamilyThatMemoryDoesNotSufficeFor)
+{
+    const char* const CONDITION = "family_info != NULL";
+    FAILING_HEAP heap;
+    std::size_t reports_of_paths = 0;
+    std::size_t reports_of_loading = 0;
+    for (long nth = 1; nth <= 8; ++nth) {
+        PLL_MANAGER manager;
+        EXPECTED_REPORTS reports;
+        heap.fail_at(nth);
+        EXPECT_FALSE(manager.read(m_dir.path().c_str()));
+        EXPECT_EQ(1, heap.get_failures());
+        const std::size_t count = reports.count(CONDITION);
+        reports_of_paths += count;
+        heap.fail_from(1);
+        EXPECT_EQ(nullptr, manager.read_family_info("a family of its own"));
+        heap.fail_none();
+        reports_of_loading += reports.count(CONDITION) - count;
+    }
+    EXPECT_LT(0U, reports_of_paths);
+    EXPECT_EQ(8U, reports_of_loading);
 }
 
 TEST_F(HostileDatabase, IsReadAgainAfterMemoryRanOut)
