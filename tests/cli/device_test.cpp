@@ -196,6 +196,21 @@ TEST(CliDevice, NamesKeepTheirCharactersInEveryForm)
                                                     R"(\u0001", "speed_grade")"));
 }
 
+TEST(CliDevice, LongListsOfWhatThereIsAreCut)
+{
+    std::string family = OWN_FAMILY;
+    for (int i = 2; i <= 25; ++i) {
+        family.append("part P").append(std::to_string(i)).append("\n");
+    }
+    const OWN_DATABASE database(family);
+    const RUN run = database.run("device", " --part P125");
+    EXPECT_EQ(2, run.m_status);
+    EXPECT_NE(std::string::npos,
+              run.m_errors.find("legal are P1, P2, P3, P4, P5, P6, P7, P8, P9, P10, P11, P12, P13, "
+                                "P14, P15, P16, P17, P18, P19, P20 and 5 more; did you mean P12?"))
+        << run.m_errors;
+}
+
 TEST(CliSample, EveryPartSynthesisesAndEveryTableIsSound)
 {
     const RUN devices = run_pllcalc("devices --database " + SAMPLE + " --format csv");
@@ -273,8 +288,9 @@ TEST(CliTable, RowThatIsCalledTakenIsTheOneThatASynthesisTakes)
     for (const std::string bandwidth :
          {"high", "medium", "low", "auto", "300kHz", "1MHz", "9MHz"}) {
         for (const std::string input : {"10MHz", "27MHz", "100MHz"}) {
-            rows_behind_the_first +=
-                compare_rows("--in " + input + " --out ratio=5 --bandwidth " + bandwidth) ? 1 : 0;
+            std::string request = "--in ";
+            request.append(input).append(" --out ratio=5 --bandwidth ").append(bandwidth);
+            rows_behind_the_first += compare_rows(request) ? 1 : 0;
         }
     }
     EXPECT_LT(0, rows_behind_the_first);
