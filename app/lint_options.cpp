@@ -2,8 +2,6 @@
 
 #include "usage_error.h"
 
-#include <CLI/CLI.hpp>
-
 #include <string>
 #include <utility>
 #include <vector>

@@ -3,9 +3,7 @@
 
 #include "lint.h"
 
-namespace CLI {
-class App;
-}
+#include <CLI/CLI.hpp>
 
 inline constexpr char LINT_EXAMPLES[] = "  pllcalc lint data/sample\n"
                                         "  pllcalc lint data/sample/sorrel/sorrel_pll.txt -Werror\n"

@@ -41,7 +41,7 @@ public:
         if (is_read && m_has_failed) {
             m_complaints << "a statement failed in a file that was read\n";
         }
-        const std::string complaints = m_complaints.str();
+        std::string complaints = m_complaints.str();
         forget();
         return complaints;
     }
