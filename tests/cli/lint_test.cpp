@@ -276,7 +276,7 @@ TEST_F(Lint, WritesValidJsonOfFilesThatAreNoUtf8)
     const JSON json = JSON::parse(lint("file", {"--format", "json"}).m_output);
     EXPECT_EQ("unknown keyword '\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD'",
               json["messages"][0]["text"]);
-    EXPECT_NO_THROW(JSON::parse(lint("file", {"--format", "sarif"}).m_output));
+    EXPECT_TRUE(JSON::accept(lint("file", {"--format", "sarif"}).m_output));
 }
 
 // What SARIF 2.1.0 demands of a log, a run, a result and a region.
