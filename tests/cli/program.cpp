@@ -6,7 +6,6 @@
 #include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
-#include <fstream>
 #include <sstream>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -161,12 +160,4 @@ std::vector<std::string> words_of(const std::string& line)
     std::vector<std::string> words = split(line, ' ');
     std::erase(words, std::string());
     return words;
-}
-
-std::string read_file(const std::filesystem::path& path)
-{
-    std::ifstream stream(path);
-    std::ostringstream text;
-    text << stream.rdbuf();
-    return text.str();
 }

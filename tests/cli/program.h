@@ -1,7 +1,8 @@
 // Runs the program as a process of its own.
 #pragma once
 
-#include <filesystem>
+#include "temp_dir.h"
+
 #include <string>
 #include <vector>
 
@@ -40,6 +41,3 @@ std::vector<std::string> split(const std::string& text, char separator);
 
 // The words of a line, without the blanks between them.
 std::vector<std::string> words_of(const std::string& line);
-
-// All of a file.
-std::string read_file(const std::filesystem::path& path);

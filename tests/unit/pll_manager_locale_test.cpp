@@ -1,4 +1,5 @@
 // The numeric locale: '.' while a family file is read, the host's before and after.
+#include "comma_locale.h"
 #include "error_guard.h"
 #include "failing_heap.h"
 #include "manager_builders.h"
@@ -8,50 +9,11 @@
 #include <gtest/gtest.h>
 
 #include <clocale>
-#include <cstdlib>
 #include <locale>
 #include <sstream>
 #include <string>
 
 namespace {
-
-const char SOURCE[] = "comment_char %\nescape_char /\nLC_NUMERIC\ndecimal_point \",\"\n"
-                      "thousands_sep \".\"\ngrouping 3;3\nEND LC_NUMERIC\n";
-
-// A numeric locale whose decimal point is a comma, compiled for the test, while it lives.
-class COMMA_LOCALE
-{
-public:
-    COMMA_LOCALE() : m_previous(std::setlocale(LC_NUMERIC, nullptr))
-    {
-        write_file(m_dir.file("comma.src"), SOURCE);
-        const std::string command = "cd " + m_dir.path() +
-                                    " && localedef -c -i comma.src -f ANSI_X3.4-1968 ./comma"
-                                    " >localedef.log 2>&1";
-        EXPECT_NE(-1, std::system(command.c_str()));  // warns of what the source leaves out
-        setenv("LOCPATH", m_dir.path().c_str(), 1);
-        EXPECT_NE(nullptr, std::setlocale(LC_NUMERIC, "comma"))
-            << read_file(m_dir.file("localedef.log"));
-        EXPECT_STREQ(",", std::localeconv()->decimal_point);
-    }
-    ~COMMA_LOCALE()
-    {
-        std::setlocale(LC_NUMERIC, m_previous.c_str());
-        unsetenv("LOCPATH");
-    }
-    COMMA_LOCALE(const COMMA_LOCALE&) = delete;
-    COMMA_LOCALE& operator=(const COMMA_LOCALE&) = delete;
-
-    static void expect_unchanged()
-    {
-        EXPECT_STREQ("comma", std::setlocale(LC_NUMERIC, nullptr));
-        EXPECT_STREQ(",", std::localeconv()->decimal_point);
-    }
-
-private:
-    TEMP_DIR m_dir;
-    std::string m_previous;
-};
 
 TEST(NumericLocale, DoesNotChangeHowRealsAreRead)
 {
