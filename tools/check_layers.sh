@@ -74,7 +74,8 @@ may_include() { # FILE HEADER
         serves_all_areas "$name" || [[ $(area_of "$1") == "$(area_of "$2")" ]]
         ;;
     advice) [[ $to == h || $to == include || $to == advice ]] ;;
-    app | tests/cli) [[ $to == h || $to == include || $to == advice || $to == "$from" ]] ;;
+    app) [[ $to == h || $to == include || $to == advice || $to == "$from" ]] ;;
+    tests/cli) [[ $to == h || $to == include || $to == tests/support || $to == "$from" ]] ;;
     examples | tests/install | tests/api) [[ $to == h || $to == include || $to == "$from" ]] ;;
     tests/model) [[ $to == h || $to == include || $to == tests/model || $to == tests/support ]] ;;
     tests/support) [[ $to == h || $to == include || $to == tests/support ]] ;;
