@@ -322,8 +322,10 @@ void write_chain(DATABASE* database, int length)
 {
     for (int i = 1; i <= length; ++i) {
         const std::string value = std::to_string(i);
-        database->write(file_name(i), "n_counter_max " + value + "\ninclude " + file_name(i + 1) +
-                                          "\nm_counter_preferred_min " + value);
+        std::string text = "n_counter_max " + value;
+        text += "\ninclude " + file_name(i + 1);
+        text += "\nm_counter_preferred_min " + value;
+        database->write(file_name(i), text);
     }
 }
 

@@ -256,9 +256,9 @@ TEST_F(HostileDatabase, MayAskForATableOfBillionsOfGroups)
 {
     for (const std::string count : {"2147483647", "2147483648", "4194304"}) {
         SCOPED_TRACE(count);
-        write("family.txt", TYPE_HEAD + "m_counter_max " + count + "\n" +
-                                "vco_post_scale_counter_max 2\n" +
-                                "bandwidth_settings_table_file table.txt\n");
+        std::string text = TYPE_HEAD + "m_counter_max " + count;
+        text += "\nvco_post_scale_counter_max 2\nbandwidth_settings_table_file table.txt\n";
+        write("family.txt", text);
         const std::size_t bytes = MEM_MANAGER::get_live_bytes(nullptr);
         PLL_MANAGER manager;
         EXPECT_FALSE(manager.read_family_info_from_file(m_dir.path().c_str(), "family.txt"));
