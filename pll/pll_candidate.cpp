@@ -15,7 +15,6 @@
 namespace {
 
 constexpr double CASCADE_PENALTY = 4096.0;
-constexpr double NO_FEEDBACK_COUNT = 131072.0;  // error of a feedback output that divides by 0
 
 // What is being assigned, so that the steps below share it.
 struct ASSIGNMENT
@@ -72,14 +71,12 @@ void split_count(int count, PLL_OUTPUT_TAP* tap)
 // The output in the feedback path takes its share of M. Returns whether nothing is left over.
 bool divide_feedback(int count, ASSIGNMENT* a)
 {
-    if (count == 0) {
-        a->m_score.m_error += NO_FEEDBACK_COUNT;
-        return false;
-    }
     const int m = a->m_point.m_m;
-    const int rest = safe_mod(m, count);
+    const int rest = feedback_rest(m, count);
     a->m_score.m_error += rest;
-    a->m_candidate->m_m.m_count = m >= count ? safe_div(m, count) : 1;
+    if (count != 0) {
+        a->m_candidate->m_m.m_count = m >= count ? safe_div(m, count) : 1;
+    }
     return rest == 0;
 }
 
@@ -110,14 +107,6 @@ bool add_cascade(int index, int count, int max_count, ASSIGNMENT* a)
     a->m_candidate->m_total_taps_count = wrap_add(a->m_candidate->m_total_taps_count, 1);
     a->m_score.m_cascade_penalty += CASCADE_PENALTY;
     return true;
-}
-
-void charge_impossible_counter(int excess, CANDIDATE_SCORE* score)
-{
-    if (score->m_error == 0.0) {
-        score->m_clamped = true;
-    }
-    score->m_error += excess;
 }
 
 // Cuts the halves of a counter down to what the device has. Returns whether anything was cut.

@@ -61,3 +61,19 @@ inline double add_vco_ratio_error(int m, int n, const PLL_PROP& request, double 
     score->m_error += error;
     return error;
 }
+
+// What an output in the feedback path leaves over of M; a division by 0 leaves more than any.
+inline int feedback_rest(int m, int count)
+{
+    constexpr int NO_FEEDBACK_COUNT = 131072;
+    return count == 0 ? NO_FEEDBACK_COUNT : safe_mod(m, count);
+}
+
+// Charges what a counter cannot count. The flag tells that nothing else was wrong before.
+inline void charge_impossible_counter(int excess, CANDIDATE_SCORE* score)
+{
+    if (score->m_error == 0.0) {
+        score->m_clamped = true;
+    }
+    score->m_error += excess;
+}

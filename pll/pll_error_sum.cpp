@@ -1,0 +1,44 @@
+#include "pll_error_sum.h"
+
+#include "pll_ratio_error.h"
+#include "pll_search.h"
+
+namespace {
+
+// What clamping the halves of a counter, or forcing it to bypass, costs.
+void add_impossible_counter_error(int count, int max_count, CANDIDATE_SCORE* score)
+{
+    if (max_count == 1) {
+        score->m_error += count == 1 ? 0 : count;
+        return;
+    }
+    const int high = count / 2;
+    const int low = count - high;
+    score->m_error += std::max(high - max_count, 0);
+    score->m_error += std::max(low - max_count, 0);
+}
+
+}  // namespace
+
+ERROR_SUM::ERROR_SUM(const PLL& pll, const PLL_PROP& request)
+    : m_pll(pll), m_request(request), m_taps_count(clamp_taps(request.m_taps_count))
+{
+}
+
+double ERROR_SUM::of(int m, int n, double limit) const
+{
+    CANDIDATE_SCORE score;
+    for (int i = 0; i < m_taps_count; ++i) {
+        const int count = counter_value(m, n, m_request.m_taps[i]);
+        const double error = add_frequency_error(m, n, count, m_request.m_taps[i], &score);
+        add_vco_ratio_error(m, n, m_request, error, &score);
+        if (i == m_pll.m_feedback_tap) {
+            score.m_error += feedback_rest(m, count);
+        }
+        add_impossible_counter_error(count, m_pll.m_taps[i].m_max_count, &score);
+        if (score.m_error > limit) {
+            break;
+        }
+    }
+    return score.m_error;
+}

@@ -1,0 +1,23 @@
+// The error sum of one setting, to the last digit, without assigning any counter.
+//
+// The sum grows from output to output and never shrinks, so it may be given up as soon as it has
+// passed a limit.
+#pragma once
+
+#include "pll.h"
+#include "pll_prop.h"
+
+class ERROR_SUM
+{
+public:
+    ERROR_SUM(const PLL& pll, const PLL_PROP& request);
+
+    // What assigning the counters of (m, n) would measure, as long as nothing cascades; something
+    // above `limit` when the sum is.
+    double of(int m, int n, double limit) const;
+
+private:
+    const PLL& m_pll;
+    const PLL_PROP& m_request;
+    int m_taps_count;
+};

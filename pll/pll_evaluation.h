@@ -1,0 +1,55 @@
+// The evaluation of candidates, one after the other: counters, then ranking, then the cut-off of
+// an automatic bandwidth. All that a candidate leaves to the next is kept here and in the result.
+#pragma once
+
+#include "pll_search.h"
+
+#include <cstdint>
+
+class EVALUATION
+{
+public:
+    EVALUATION(const PLL& pll, const PLL_PROP& request, const SEARCH_LIMITS& limits,
+               SYNTHESIS_TRACE* trace, SEARCH_RESULT* result);
+
+    // What a search knows of a legal setting.
+    SEARCH_POINT point(int post_scale, int m, int n) const;
+
+    // Offers the candidate to the ranking, whatever it misses.
+    void evaluate(const SEARCH_POINT& point);
+
+    // Offers it only when its error sum is 0.
+    void evaluate_if_met(const SEARCH_POINT& point);
+
+    // Automatic bandwidth: nothing beyond four times the smallest M that was exact.
+    bool is_cut_off(std::int64_t m) const
+    {
+        constexpr int CUT_OFF_RATIO = 4;
+        return m_limits.m_cut_off && CUT_OFF_RATIO * m_cut_off < m;
+    }
+
+    const PLL& pll() const { return m_pll; }
+    const PLL_PROP& request() const { return m_request; }
+    const SEARCH_LIMITS& limits() const { return m_limits; }
+    SEARCH_RESULT& result() const { return *m_result; }
+
+private:
+    CANDIDATE_SCORE assign(const SEARCH_POINT& point);
+    void offer(int m, CANDIDATE_SCORE* score);
+
+    const PLL& m_pll;
+    const PLL_PROP& m_request;
+    const SEARCH_LIMITS& m_limits;
+    SEARCH_RESULT* m_result;
+    RANKING m_ranking;
+    PLL m_candidate;
+    std::int64_t m_cut_off;  // smallest M that was exact
+};
+
+// Walks over all rows (post-scale, M) as the definition of the search does, and evaluates every
+// legal candidate; when there is none it finds the closest miss.
+void walk_rows(EVALUATION* evaluation);
+
+// The same result with less work. Returns false, with nothing done, when only the walk can tell:
+// nothing is legal, or the request is an odd one.
+bool search_by_ratio(EVALUATION* evaluation);

@@ -1,0 +1,37 @@
+// The exact candidates of a search, all of them and in its order: post-scale, M, N, ascending.
+#pragma once
+
+#include "pll_evaluation.h"
+#include "pll_met_ratios.h"
+#include "pll_region.h"
+
+#include <cstdint>
+
+class MET_SEARCH
+{
+public:
+    explicit MET_SEARCH(EVALUATION* evaluation) : m_evaluation(evaluation), m_gathered(0) {}
+
+    // To be called for each post-scale, in their order.
+    void search(int post_scale, const REGION& region);
+
+private:
+    static constexpr int CAPACITY = 1024;
+
+    struct WORK
+    {
+        const REGION& m_region;
+        const MET_RATIOS& m_ratios;
+        int m_post_scale;
+    };
+
+    void search_block(const WORK& work, M_RANGE block);
+    bool gather(const WORK& work, M_RANGE block);
+    void visit_gathered(const WORK& work);
+    void visit_row(const WORK& work, std::int64_t m);
+    void visit(const WORK& work, std::int64_t m, std::int64_t n);
+
+    EVALUATION* m_evaluation;
+    int m_gathered;
+    std::uint64_t m_fractions[CAPACITY];  // M in the upper half, N in the lower
+};
