@@ -3,11 +3,14 @@
 // A counter of K is high for m_high VCO periods, less half a one in odd mode, so duty cycles come
 // in steps of half a VCO period: of 2K half periods h = 2K x duty / 100, rounded, are high.
 #include "pll_arith.h"
+#include "pll_duty_cycle.h"
+#include "pll_placement.h"
 #include "pll_report_error.h"
 #include "pll_search.h"
 
 #include <cmath>
 #include <cstdint>
+#include <limits>
 
 namespace {
 
@@ -38,19 +41,24 @@ SPLIT split_for_duty(int count, int duty)
             high_halves % 2 == 0};
 }
 
+void add_charge(double charge, DUTY_PLAN* plan)
+{
+    plan->m_charges[plan->m_charges_count++] = charge;
+}
+
 // What one half cannot count goes to the other, at a cost.
-void clamp_split(int max_count, SPLIT* split, double* cost)
+void clamp_split(int max_count, SPLIT* split, DUTY_PLAN* plan)
 {
     if (split->m_high > max_count) {
         const int excess = wrap_sub(split->m_high, max_count);
-        *cost += excess;
+        add_charge(excess, plan);
         split->m_high = max_count;
         split->m_even = true;
         split->m_low = wrap_add(split->m_low, excess);
     }
     if (split->m_low > max_count) {
         const int excess = wrap_sub(split->m_low, max_count);
-        *cost += excess;
+        add_charge(excess, plan);
         split->m_low = max_count;
         split->m_even = false;
         split->m_high = wrap_add(split->m_high, excess);
@@ -128,7 +136,8 @@ const MOVE* best_move(const PLL_OUTPUT_TAP& tap, bool even_mode, double ideal_hi
     return best;
 }
 
-void use_even_halves(const PLL_USER_TAP& wish, double ideal_high, PLL_OUTPUT_TAP* tap, double* cost)
+void use_even_halves(const PLL_USER_TAP& wish, double ideal_high, PLL_OUTPUT_TAP* tap,
+                     DUTY_PLAN* plan)
 {
     if (tap->m_high % 2 != 0 && tap->m_low % 2 != 0) {
         const MOVE* move = best_move(*tap, wish.m_use_even_counter_mode, ideal_high);
@@ -139,7 +148,7 @@ void use_even_halves(const PLL_USER_TAP& wish, double ideal_high, PLL_OUTPUT_TAP
         }
     }
     if (tap->m_high % 2 != 0 || tap->m_low % 2 != 0) {
-        *cost += ODD_HALF_PENALTY;
+        add_charge(ODD_HALF_PENALTY, plan);
     }
 }
 
@@ -156,9 +165,8 @@ int round_percent(double duty)
     return truncate_to_int(duty + 0.5);
 }
 
-}  // namespace
-
-void place_duty_cycle(const PLL_USER_TAP& wish, PLL_OUTPUT_TAP* tap, double* cost)
+// Splits the count of `tap` into halves.
+void split_count(const PLL_USER_TAP& wish, PLL_OUTPUT_TAP* tap, DUTY_PLAN* plan)
 {
     const int count = tap->m_count;
     if (count < 2) {
@@ -166,7 +174,7 @@ void place_duty_cycle(const PLL_USER_TAP& wish, PLL_OUTPUT_TAP* tap, double* cos
         tap->m_low = 0;
     } else {
         SPLIT split = split_for_duty(count, wish.m_duty);
-        clamp_split(tap->m_max_count, &split, cost);
+        clamp_split(tap->m_max_count, &split, plan);
         give_each_half_one(&split);
         tap->m_high = split.m_high;
         tap->m_low = split.m_low;
@@ -177,10 +185,124 @@ void place_duty_cycle(const PLL_USER_TAP& wish, PLL_OUTPUT_TAP* tap, double* cos
         use_even_mode(ideal_high, tap);
     }
     if (wish.m_use_even_counter_value) {
-        use_even_halves(wish, ideal_high, tap, cost);
+        use_even_halves(wish, ideal_high, tap, plan);
     }
     check(wrap_add(tap->m_low, tap->m_high) == tap->m_count,
           "pll->m_taps[i].m_low + pll->m_taps[i].m_high == pll->m_taps[i].m_count", SOURCE);
+}
+
+// What the host will be told of a tap that achieves `duty`, percent.
+void describe(const PLL_OUTPUT_TAP& tap, int wish, double duty, DUTY_PLAN* plan)
+{
+    const double resolution = duty_cycle_resolution(tap);
+    const double smallest = smallest_duty_cycle(tap);
+    const double largest = largest_duty_cycle(tap);
+    plan->m_smallest = round_percent(smallest);
+    plan->m_largest = round_percent(largest);
+
+    const int rounded = round_percent(duty);
+    const double above = wish >= rounded ? duty + resolution : duty;
+    const double below = wish <= rounded ? duty - resolution : duty;
+    const int next = round_percent(clamp_into(above, smallest, largest));
+    const int previous = round_percent(clamp_into(below, smallest, largest));
+    plan->m_next = wish < next ? next : std::numeric_limits<int>::max();
+    plan->m_previous = wish > previous ? previous : std::numeric_limits<int>::min();
+}
+
+// Narrows what the host is told of a tap.
+void narrow_duty_cycles(const DUTY_PLAN& plan, PLL_OUTPUT_TAP* tap)
+{
+    tap->m_smallest_duty_cycle_min = std::min(tap->m_smallest_duty_cycle_min, plan.m_smallest);
+    tap->m_largest_duty_cycle_max = std::max(tap->m_largest_duty_cycle_max, plan.m_largest);
+    tap->m_next_duty_cycle = std::min(tap->m_next_duty_cycle, plan.m_next);
+    tap->m_prev_duty_cycle = std::max(tap->m_prev_duty_cycle, plan.m_previous);
+}
+
+void charge_deviation(const PLL_USER_TAP& wish, double duty, DUTY_PLAN* plan)
+{
+    add_charge(std::fabs(double(wrap_sub(wish.m_duty, round_percent(duty)))) / 100, plan);
+}
+
+bool is_same_wish(const PLL_USER_TAP& a, const PLL_USER_TAP& b)
+{
+    return a.m_duty == b.m_duty && a.m_use_even_counter_mode == b.m_use_even_counter_mode &&
+           a.m_use_even_counter_value == b.m_use_even_counter_value;
+}
+
+}  // namespace
+
+DUTY_PLACING::DUTY_PLACING(const PLL_PROP& request) : m_request(request), m_is_shared{}
+{
+    for (int i = 0; i < clamp_taps(request.m_taps_count); ++i) {
+        m_plans[i].m_count = 0;
+        m_is_shared[i] = i > 0 && is_same_wish(request.m_taps[i], request.m_taps[i - 1]);
+    }
+}
+
+// Whether a plan depends on count and largest count alone, and breaks no promise that would have
+// to be reported each time.
+bool DUTY_PLACING::is_ordinary(int index, const PLL& pll) const
+{
+    const PLL_OUTPUT_TAP& tap = pll.m_taps[index];
+    const int duty = m_request.m_taps[index].m_duty;
+    return tap.m_count >= 2 && !tap.m_bypass && (tap.m_count - 1) / 2 < tap.m_max_count &&
+           0 <= duty && duty <= int(PERCENT) && index < pll.m_total_taps_count;
+}
+
+void DUTY_PLACING::make_plan(int index, const PLL& pll, DUTY_PLAN* plan) const
+{
+    const PLL_USER_TAP& wish = m_request.m_taps[index];
+    PLL_OUTPUT_TAP tap = pll.m_taps[index];
+    plan->m_count = tap.m_count;
+    plan->m_max_count = tap.m_max_count;
+    plan->m_charges_count = 0;
+    split_count(wish, &tap, plan);
+    plan->m_high = tap.m_high;
+    plan->m_low = tap.m_low;
+    plan->m_even = tap.m_even;
+    const double duty = checked_duty_cycle(tap, index, pll.m_total_taps_count);
+    charge_deviation(wish, duty, plan);
+    describe(tap, wish.m_duty, duty, plan);
+}
+
+const DUTY_PLAN& DUTY_PLACING::plan_of(int index, const PLL& pll)
+{
+    const PLL_OUTPUT_TAP& tap = pll.m_taps[index];
+    const auto fits = [&](const DUTY_PLAN& plan) {
+        return plan.m_count == tap.m_count && plan.m_max_count == tap.m_max_count;
+    };
+    DUTY_PLAN& plan = m_plans[index];
+    if (fits(plan)) {
+        return plan;
+    }
+    if (m_is_shared[index] && fits(m_plans[index - 1])) {
+        plan = m_plans[index - 1];
+        return plan;
+    }
+    make_plan(index, pll, &plan);
+    return plan;
+}
+
+void DUTY_PLACING::carry_out(const DUTY_PLAN& plan, PLL_OUTPUT_TAP* tap, double* cost)
+{
+    tap->m_high = plan.m_high;
+    tap->m_low = plan.m_low;
+    tap->m_even = plan.m_even;
+    for (int i = 0; i < plan.m_charges_count; ++i) {
+        *cost += plan.m_charges[i];
+    }
+    narrow_duty_cycles(plan, tap);
+}
+
+void DUTY_PLACING::place(int index, PLL* pll)
+{
+    if (is_ordinary(index, *pll)) {
+        carry_out(plan_of(index, *pll), &pll->m_taps[index], &pll->m_cost);
+        return;
+    }
+    DUTY_PLAN plan;
+    make_plan(index, *pll, &plan);
+    carry_out(plan, &pll->m_taps[index], &pll->m_cost);
 }
 
 void PLL::compute_duty_cycle_for_ui(PLL* pll, const PLL_PROP& request, int tap,
@@ -190,27 +312,9 @@ void PLL::compute_duty_cycle_for_ui(PLL* pll, const PLL_PROP& request, int tap,
         return;
     }
     const int index = nearest_index(tap, PLL_MAX_TAPS);
-    const double resolution = pll->get_duty_cycle_resolution(index);
-    const double smallest = pll->get_duty_cycle_min(index);
-    const double largest = pll->get_duty_cycle_max(index);
-    PLL_OUTPUT_TAP& output = pll->m_taps[index];
-    output.m_smallest_duty_cycle_min =
-        std::min(output.m_smallest_duty_cycle_min, round_percent(smallest));
-    output.m_largest_duty_cycle_max =
-        std::max(output.m_largest_duty_cycle_max, round_percent(largest));
-
-    const int wish = request.m_taps[index].m_duty;
-    const int rounded = round_percent(duty_cycle);
-    const double above = wish >= rounded ? duty_cycle + resolution : duty_cycle;
-    const double below = wish <= rounded ? duty_cycle - resolution : duty_cycle;
-    const int next = round_percent(clamp_into(above, smallest, largest));
-    const int previous = round_percent(clamp_into(below, smallest, largest));
-    if (wish < next) {
-        output.m_next_duty_cycle = std::min(output.m_next_duty_cycle, next);
-    }
-    if (wish > previous) {
-        output.m_prev_duty_cycle = std::max(output.m_prev_duty_cycle, previous);
-    }
+    DUTY_PLAN plan;
+    describe(pll->m_taps[index], request.m_taps[index].m_duty, duty_cycle, &plan);
+    narrow_duty_cycles(plan, &pll->m_taps[index]);
 }
 
 void PLL::correct_next_and_previous_values_for_ui()

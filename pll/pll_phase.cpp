@@ -5,9 +5,11 @@
 // can only be positive: when some phase is negative, the feedback path is delayed by the largest of
 // them instead, which moves the reference and with it every output ahead.
 #include "pll_arith.h"
+#include "pll_placement.h"
 #include "pll_report_error.h"
 #include "pll_search.h"
 #include "pll_util.h"
+#include "pll_vco_phase.h"
 
 #include <cmath>
 
@@ -29,21 +31,6 @@ double at_least_zero(double value)
     return value < 0.0 ? 0.0 : value;
 }
 
-// Where a clock is wanted: all that its placing reads.
-struct PLACING
-{
-    double m_m;  // M times the count of the feedback output
-    int m_m_count;
-    int m_n;
-    int m_reference;  // VCO degrees
-};
-
-struct TAP_AND_START
-{
-    int m_vco_tap;
-    int m_start;
-};
-
 // What the feedback output divides by; 1 for feedback from the M counter.
 int feedback_count(const PLL& pll)
 {
@@ -56,18 +43,21 @@ int feedback_count(const PLL& pll)
     return tap.m_bypass ? 1 : wrap_add(tap.m_high, tap.m_low);
 }
 
-double vco_degrees(const PLACING& placing, double phase)
+double vco_degrees(const PHASE_FRAME& frame, double phase)
 {
-    return placing.m_m * phase / placing.m_n;
+    if (phase == 0.0 && frame.m_ordinary) {
+        return phase;  // spares the division
+    }
+    return frame.m_m * phase / frame.m_n;
 }
 
-double smallest_phase(const PLL_PROP& request, const PLACING& placing)
+double smallest_phase(const PLL_PROP& request, const PHASE_FRAME& frame)
 {
     double smallest = 0.0;
     for (int i = 0; i < clamp_taps(request.m_taps_count); ++i) {
         const PLL_USER_TAP& wish = request.m_taps[i];
         const double phase = wish.m_has_sclkout_phase ? wish.m_sclkout_phase : wish.m_phase;
-        smallest = smaller(smallest, vco_degrees(placing, phase));
+        smallest = smaller(smallest, vco_degrees(frame, phase));
     }
     return smallest;
 }
@@ -77,16 +67,16 @@ int delay_feedback(double delay, int m, PLL* pll)
 {
     PLL_COUNTER_M& counter = pll->m_m;
     const int max_start = m == 1 ? 1 : counter.m_max_count;
-    PLL_UTIL::phase_to_vco_tap_and_counter_start(&counter.m_vco_tap, &counter.m_initial, delay,
-                                                 max_start);
+    const TAP_AND_START nearest = nearest_tap_and_start(delay, max_start);
+    counter.m_vco_tap = nearest.m_vco_tap;
+    counter.m_initial = nearest.m_start;
     if (pll->m_feedback_tap < 0 && counter.m_vco_tap > counter.m_max_vco_tap) {
         counter.m_vco_tap = 0;
         if (counter.m_initial < max_start) {
             counter.m_initial = wrap_add(counter.m_initial, 1);
         }
     }
-    const int reference =
-        PLL_UTIL::phase_from_vco_tap_and_counter_start(counter.m_vco_tap, counter.m_initial);
+    const int reference = TAP_AND_START{counter.m_vco_tap, counter.m_initial}.vco_degrees();
     if (pll->m_feedback_tap >= 0) {
         PLL_OUTPUT_TAP& tap = pll->m_taps[nearest_index(pll->m_feedback_tap, PLL_MAX_TAPS)];
         tap.m_initial = counter.m_initial;
@@ -95,17 +85,6 @@ int delay_feedback(double delay, int m, PLL* pll)
         counter.m_vco_tap = 0;
     }
     return reference;
-}
-
-int place_reference(const PLL_PROP& request, const PLACING& placing, PLL* pll)
-{
-    const double smallest = smallest_phase(request, placing);
-    if (smallest < 0.0) {
-        return delay_feedback(-smallest, placing.m_m_count, pll);
-    }
-    pll->m_m.m_initial = 1;
-    pll->m_m.m_vco_tap = 0;
-    return 0;
 }
 
 // The largest start of output `index`, its cascade included.
@@ -123,19 +102,19 @@ int largest_start(const PLL& pll, int index)
     return start;
 }
 
-TAP_AND_START choose_tap_and_start(const PLL_USER_TAP& wish, const PLACING& placing, int max_start)
+TAP_AND_START choose_tap_and_start(const PLL_USER_TAP& wish, const PHASE_FRAME& frame,
+                                   int max_start)
 {
-    TAP_AND_START chosen{0, 1};
-    const double target = at_least_zero(vco_degrees(placing, wish.m_phase) + placing.m_reference);
+    const double target = at_least_zero(vco_degrees(frame, wish.m_phase) + frame.m_reference);
     if (!wish.m_has_sclkout_phase) {
-        PLL_UTIL::phase_to_vco_tap_and_counter_start(&chosen.m_vco_tap, &chosen.m_start, target,
-                                                     max_start);
-        return chosen;
+        if (target == 0.0 && max_start >= 1) {
+            return {0, 1};
+        }
+        return nearest_tap_and_start(target, max_start);
     }
     const double serial =
-        at_least_zero(vco_degrees(placing, wish.m_sclkout_phase) + placing.m_reference);
-    int serial_start = 1;
-    PLL_UTIL::phase_to_vco_tap_and_counter_start(&chosen.m_vco_tap, &serial_start, serial, 1);
+        at_least_zero(vco_degrees(frame, wish.m_sclkout_phase) + frame.m_reference);
+    TAP_AND_START chosen = nearest_tap_and_start(serial, 1);
     PLL_UTIL::phase_to_counter_start(&chosen.m_start, target, chosen.m_vco_tap, max_start);
     return chosen;
 }
@@ -174,58 +153,70 @@ void place_cascade(TAP_AND_START chosen, PLL_OUTPUT_TAP* tap, PLL* pll)
     tap->m_initial = wrap_add(safe_div(wrap_sub(chosen.m_start, source.m_initial), count), 1);
 }
 
-void place_phase(int index, const PLL_PROP& request, const PLACING& placing, PLL* pll)
+// Offers `next` and `previous` to the nearest phases known of an output.
+void narrow_phases(const PLL_USER_TAP& wish, double achieved, double step, PLL_OUTPUT_TAP* output)
 {
-    const PLL_USER_TAP& wish = request.m_taps[index];
-    const TAP_AND_START chosen = choose_tap_and_start(wish, placing, largest_start(*pll, index));
-    PLL_OUTPUT_TAP& tap = pll->m_taps[index];
-    if (tap.m_previous_tap == PLL_ILLEGAL_TAP) {
-        tap.m_vco_tap = chosen.m_vco_tap;
-        tap.m_initial = chosen.m_start;
-    } else {
-        place_cascade(chosen, &tap, pll);
-    }
+    const bool same = std::fabs(achieved - wish.m_phase) <= SAME_PHASE;
+    const bool above = achieved > wish.m_phase;
+    const double next = !same && above ? achieved : achieved + step;
+    const double previous = !same && !above ? achieved : achieved - step;
 
-    const double achieved =
-        PLL_UTIL::user_phase(placing.m_n, placing.m_m_count, pll, chosen.m_vco_tap, chosen.m_start);
-    tap.m_delta_phase = wish.m_phase - achieved;
-    double error = std::fabs(wish.m_phase - achieved);
-    if (wish.m_has_sclkout_phase) {
-        error +=
-            std::fabs(wish.m_sclkout_phase - PLL_UTIL::user_phase(placing.m_n, placing.m_m_count,
-                                                                  pll, chosen.m_vco_tap, 1));
+    if (std::fabs(next - wish.m_phase) > SAME_PHASE && next < output->m_next_phase_degree) {
+        output->m_next_phase_degree = next;
     }
-    pll->m_cost += error;
-    pll->m_delta_phase += error;
-    pll->compute_phase_for_ui(pll, request, index, achieved);
+    if (std::fabs(wish.m_phase - previous) > SAME_PHASE && previous > output->m_prev_phase_degree) {
+        output->m_prev_phase_degree = previous;
+    }
 }
 
 }  // namespace
 
-void place_phases_and_duty_cycles(const PLL_PROP& request, PLL* pll)
+PHASE_PLACING::PHASE_PLACING(const PLL_PROP& request, bool may_be_negative, PLL* pll)
+    : m_request(request), m_pll(pll), m_frame{}
 {
     const int m = wrap_mul(pll->m_m.m_count, feedback_count(*pll));
-    PLACING placing{double(m), m, pll->m_n.m_count, 0};
-    placing.m_reference = place_reference(request, placing, pll);
-    pll->m_delta_phase = 0.0;
-    for (int i = 0; i < clamp_taps(request.m_taps_count); ++i) {
-        place_phase(i, request, placing, pll);
-        const PLL_USER_TAP& wish = request.m_taps[i];
-        place_duty_cycle(wish, &pll->m_taps[i], &pll->m_cost);
-        const double duty = pll->find_duty_cycle(i);
-        pll->m_cost += std::fabs(double(wrap_sub(wish.m_duty, truncate_to_int(duty + 0.5)))) / 100;
-        pll->compute_duty_cycle_for_ui(pll, request, i, duty);
+    m_frame.m_m = m;
+    m_frame.m_m_count = m;
+    m_frame.m_n = pll->m_n.m_count;
+    m_frame.m_ordinary = m > 0 && m_frame.m_n > 0;
+    const double ratio = pll->get_m_over_n();
+    m_frame.m_tap_step = DEGREES_PER_VCO_TAP / ratio;
+    m_frame.m_turn_step = FULL_TURN / ratio;
+
+    const double smallest =
+        may_be_negative || !m_frame.m_ordinary ? smallest_phase(request, m_frame) : 0.0;
+    if (smallest < 0.0) {
+        m_frame.m_reference = delay_feedback(-smallest, m, pll);
+    } else {
+        pll->m_m.m_initial = 1;
+        pll->m_m.m_vco_tap = 0;
     }
+    pll->m_delta_phase = 0.0;
 }
 
-bool PLL::synthesize_best_phase_and_duty_cycle(PLL* pll, const PLL_PROP& request)
+void PHASE_PLACING::place(int index)
 {
-    if (pll == nullptr) {
-        return false;
+    const PLL_USER_TAP& wish = m_request.m_taps[index];
+    const TAP_AND_START chosen = choose_tap_and_start(wish, m_frame, largest_start(*m_pll, index));
+    PLL_OUTPUT_TAP& tap = m_pll->m_taps[index];
+    if (tap.m_previous_tap == PLL_ILLEGAL_TAP) {
+        tap.m_vco_tap = chosen.m_vco_tap;
+        tap.m_initial = chosen.m_start;
+    } else {
+        place_cascade(chosen, &tap, m_pll);
     }
-    place_phases_and_duty_cycles(request, pll);
-    set_output_counts_from_high_low();
-    return true;
+
+    const double achieved = user_phase(m_frame.m_n, m_frame.m_m_count, *m_pll, chosen);
+    tap.m_delta_phase = wish.m_phase - achieved;
+    double error = std::fabs(wish.m_phase - achieved);
+    if (wish.m_has_sclkout_phase) {
+        error += std::fabs(wish.m_sclkout_phase - user_phase(m_frame.m_n, m_frame.m_m_count, *m_pll,
+                                                             {chosen.m_vco_tap, 1}));
+    }
+    m_pll->m_cost += error;
+    m_pll->m_delta_phase += error;
+    narrow_phases(wish, achieved,
+                  wish.m_has_sclkout_phase ? m_frame.m_turn_step : m_frame.m_tap_step, &tap);
 }
 
 void PLL::compute_phase_for_ui(PLL* pll, const PLL_PROP& request, int tap, double phase) const
@@ -235,18 +226,7 @@ void PLL::compute_phase_for_ui(PLL* pll, const PLL_PROP& request, int tap, doubl
     }
     const int index = nearest_index(tap, PLL_MAX_TAPS);
     const PLL_USER_TAP& wish = request.m_taps[index];
-    PLL_OUTPUT_TAP& output = pll->m_taps[index];
-    const double step = wish.m_has_sclkout_phase ? FULL_TURN / pll->get_m_over_n()
-                                                 : pll->get_phase_degree_resolution();
-    const bool same = std::fabs(phase - wish.m_phase) <= SAME_PHASE;
-    const bool above = phase > wish.m_phase;
-    const double next = !same && above ? phase : phase + step;
-    const double previous = !same && !above ? phase : phase - step;
-
-    if (std::fabs(next - wish.m_phase) > SAME_PHASE && next < output.m_next_phase_degree) {
-        output.m_next_phase_degree = next;
-    }
-    if (std::fabs(wish.m_phase - previous) > SAME_PHASE && previous > output.m_prev_phase_degree) {
-        output.m_prev_phase_degree = previous;
-    }
+    const double step =
+        (wish.m_has_sclkout_phase ? FULL_TURN : DEGREES_PER_VCO_TAP) / pll->get_m_over_n();
+    narrow_phases(wish, phase, step, &pll->m_taps[index]);
 }

@@ -1,6 +1,7 @@
 // What the host asks of a PLL: phases and duty cycles within reach, VCO limits, counts.
 #include "pll.h"
 #include "pll_arith.h"
+#include "pll_duty_cycle.h"
 #include "pll_report_error.h"
 #include "pll_util.h"
 
@@ -12,10 +13,6 @@ constexpr const char* SOURCE = "pll";
 
 constexpr double DEGREES_PER_PERIOD = 360.0;
 constexpr double DEGREES_PER_TAP = 45.0;
-constexpr double HALF = 0.5;
-constexpr double HALF_PERCENT = 50.0;
-constexpr double PERCENT = 100.0;
-constexpr float PERCENT_F = 100.0F;
 constexpr int LAST_VCO_TAP = PLL_VCO_TAPS_NUMBER - 1;
 
 double degree_to_ps(double degree, int period)
@@ -38,17 +35,6 @@ const PLL_OUTPUT_TAP& checked_tap(const PLL& pll, int i)
 {
     check(i >= 0 && i < pll.m_total_taps_count, "i >= 0 && i < m_total_taps_count", SOURCE);
     return nearest_tap(pll, i);
-}
-
-int sum_of_halves(const PLL_OUTPUT_TAP& tap)
-{
-    return wrap_add(tap.m_high, tap.m_low);
-}
-
-// The largest high count that leaves a low one.
-int largest_high_count(const PLL_OUTPUT_TAP& tap)
-{
-    return std::min(wrap_sub(tap.m_count, 1), tap.m_max_count);
 }
 
 // The phase of an output whose counter starts at once.
@@ -223,38 +209,22 @@ int PLL::get_largest_duty_cycle_max(int tap) const
 
 double PLL::get_duty_cycle_resolution(int tap) const
 {
-    return HALF_PERCENT / sum_of_halves(nearest_tap(*this, tap));
+    return duty_cycle_resolution(nearest_tap(*this, tap));
 }
 
 double PLL::get_duty_cycle_min(int tap) const
 {
-    const PLL_OUTPUT_TAP& output = nearest_tap(*this, tap);
-    const double count = output.m_count;
-    return (count - largest_high_count(output) - HALF) * PERCENT / count;
+    return smallest_duty_cycle(nearest_tap(*this, tap));
 }
 
-// Single precision on purpose: hosts compare the widened float with what they stored.
 double PLL::get_duty_cycle_max(int tap) const
 {
-    const PLL_OUTPUT_TAP& output = nearest_tap(*this, tap);
-    if (output.m_count == 1) {
-        return HALF_PERCENT;
-    }
-    const float high = static_cast<float>(largest_high_count(output));
-    return static_cast<double>(high * PERCENT_F / static_cast<float>(output.m_count));
+    return largest_duty_cycle(nearest_tap(*this, tap));
 }
 
 double PLL::find_duty_cycle(int tap) const
 {
-    const PLL_OUTPUT_TAP& output = checked_tap(*this, tap);
-    const int counter_sum = sum_of_halves(output);
-    const int out_count = output.m_bypass ? 1 : counter_sum;
-    check(out_count == 1 || counter_sum != 0, "out_count == 1 || counter_sum != 0", SOURCE);
-    if (out_count == 1) {
-        return HALF_PERCENT;
-    }
-    const double high = output.m_even ? output.m_high : output.m_high - HALF;
-    return high * PERCENT / counter_sum;
+    return checked_duty_cycle(nearest_tap(*this, tap), tap, m_total_taps_count);
 }
 
 int PLL::get_k(int tap) const

@@ -95,7 +95,7 @@ int effective_feedback_division(const PLL& pll)
     return division;
 }
 
-void RANKING::offer(PLL* candidate, CANDIDATE_SCORE* score, SEARCH_RESULT* result) const
+void RANKING::offer(PLL* candidate, CANDIDATE_SCORE* score, SEARCH_RESULT* result)
 {
     candidate->m_cost = score->m_error;
     if (m_trace != nullptr) {
@@ -123,7 +123,7 @@ void RANKING::offer_inexact(const PLL& candidate, const CANDIDATE_SCORE& score,
     result->m_clamped = score.m_clamped;
 }
 
-void RANKING::offer_exact(PLL* candidate, CANDIDATE_SCORE* score, SEARCH_RESULT* result) const
+void RANKING::offer_exact(PLL* candidate, CANDIDATE_SCORE* score, SEARCH_RESULT* result)
 {
     result->m_best_error = 0.0;
     result->m_found = true;
@@ -143,7 +143,7 @@ void RANKING::offer_exact(PLL* candidate, CANDIDATE_SCORE* score, SEARCH_RESULT*
             score->m_may_lower_cut_off = false;
         }
     }
-    place_phases_and_duty_cycles(m_request, candidate);
+    m_placement.place(candidate);
     add_device_penalties(candidate);
     compare_cost(*candidate, result);
     carry_back(*candidate, clamp_taps(m_request.m_taps_count), &result->m_best);

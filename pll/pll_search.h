@@ -6,6 +6,7 @@
 #pragma once
 
 #include "pll.h"
+#include "pll_placement.h"
 #include "pll_prop.h"
 #include "pll_ratio_error.h"
 #include "pll_trace.h"
@@ -140,16 +141,21 @@ class RANKING
 public:
     RANKING(const PLL& pll, const PLL_PROP& request, bool table_mode, bool spread,
             SYNTHESIS_TRACE* trace)
-        : m_pll(pll), m_request(request), m_table_mode(table_mode), m_spread(spread), m_trace(trace)
+        : m_pll(pll),
+          m_request(request),
+          m_table_mode(table_mode),
+          m_spread(spread),
+          m_trace(trace),
+          m_placement(request)
     {
     }
 
-    void offer(PLL* candidate, CANDIDATE_SCORE* score, SEARCH_RESULT* result) const;
+    void offer(PLL* candidate, CANDIDATE_SCORE* score, SEARCH_RESULT* result);
 
 private:
     void offer_inexact(const PLL& candidate, const CANDIDATE_SCORE& score,
                        SEARCH_RESULT* result) const;
-    void offer_exact(PLL* candidate, CANDIDATE_SCORE* score, SEARCH_RESULT* result) const;
+    void offer_exact(PLL* candidate, CANDIDATE_SCORE* score, SEARCH_RESULT* result);
     void add_device_penalties(PLL* candidate) const;
     void compare_cost(const PLL& candidate, SEARCH_RESULT* result) const;
 
@@ -158,14 +164,8 @@ private:
     bool m_table_mode;
     bool m_spread;
     SYNTHESIS_TRACE* m_trace;
+    PLACEMENT m_placement;
 };
-
-// Gives the outputs of `pll` their VCO taps, counter starts and high/low splits, and charges what
-// the request misses.
-void place_phases_and_duty_cycles(const PLL_PROP& request, PLL* pll);
-
-// The duty-cycle part, of output `index`.
-void place_duty_cycle(const PLL_USER_TAP& wish, PLL_OUTPUT_TAP* tap, double* cost);
 
 // Chooses resistor and charge-pump current for a custom bandwidth, raising M and N by a common
 // factor when the current would be too small.

@@ -4,6 +4,7 @@
 #include "pll.h"
 #include "pll_arith.h"
 #include "pll_report_error.h"
+#include "pll_vco_phase.h"
 
 #include <algorithm>
 #include <cmath>
@@ -13,31 +14,11 @@ namespace {
 
 constexpr const char* SOURCE = "pll_util";
 
-constexpr int DEGREES_PER_PERIOD = 360;
-constexpr int DEGREES_PER_TAP = DEGREES_PER_PERIOD / PLL_VCO_TAPS_NUMBER;
-constexpr int HALF_PERIOD = DEGREES_PER_PERIOD / 2;
-constexpr double HALF_TAP = 22.5;
+constexpr int HALF_PERIOD = DEGREES_PER_VCO_PERIOD / 2;
 constexpr double HALF = 0.5;
 constexpr double LARGEST_PHASE = 2147483647.0;
 constexpr double HZ_PER_MHZ = 1000000;
 constexpr double COST_PER_MHZ = 131072;
-
-void check_vco_tap(int vco_tap)
-{
-    check(0 <= vco_tap && vco_tap <= PLL_VCO_TAPS_NUMBER - 1,
-          "0 <= vco_tap && vco_tap <= PLL_VCO_TAPS_NUMBER - 1", SOURCE);
-}
-
-// The phase of the path that the PLL compares its input with.
-int reference_phase(const PLL& pll)
-{
-    if (pll.m_feedback_tap < 0) {
-        return PLL_UTIL::phase_from_vco_tap_and_counter_start(pll.m_m.m_vco_tap, pll.m_m.m_initial);
-    }
-    const PLL_OUTPUT_TAP& tap = pll.m_taps[nearest_index(pll.m_feedback_tap, PLL_MAX_TAPS)];
-    const int start = wrap_sub(wrap_add(tap.m_initial, pll.m_m.m_initial), 1);
-    return PLL_UTIL::phase_from_vco_tap_and_counter_start(tap.m_vco_tap, start);
-}
 
 // Walks the divisors of a count in ascending order without trying every number up to it: first the
 // small ones, then the partners of the small ones from the largest down.
@@ -79,8 +60,7 @@ private:
 
 int PLL_UTIL::phase_from_vco_tap_and_counter_start(int vco_tap, int counter_start)
 {
-    return wrap_to_int(std::int64_t{DEGREES_PER_PERIOD} * counter_start +
-                       std::int64_t{DEGREES_PER_TAP} * vco_tap - DEGREES_PER_PERIOD);
+    return TAP_AND_START{vco_tap, counter_start}.vco_degrees();
 }
 
 int PLL_UTIL::phase_to_vco_tap_and_counter_start(int* vco_tap, int* counter_start, double phase,
@@ -89,23 +69,10 @@ int PLL_UTIL::phase_to_vco_tap_and_counter_start(int* vco_tap, int* counter_star
     if (vco_tap == nullptr || counter_start == nullptr) {
         return 0;
     }
-    const double p = std::min(phase, LARGEST_PHASE);  // lets a NaN through
-    int start = std::min(truncate_to_int(p + HALF) / DEGREES_PER_PERIOD + 1, max_counter_start);
-    const int whole_periods = phase_from_vco_tap_and_counter_start(0, start);
-    const int rest = truncate_to_int(p - whole_periods) % DEGREES_PER_PERIOD;
-    int tap = truncate_to_int((rest + HALF_TAP) / DEGREES_PER_TAP);
-    if (tap > PLL_VCO_TAPS_NUMBER - 1) {
-        if (start < max_counter_start) {
-            tap -= PLL_VCO_TAPS_NUMBER;
-            ++start;
-        } else {
-            tap = PLL_VCO_TAPS_NUMBER - 1;
-        }
-    }
-    check_vco_tap(tap);
-    *vco_tap = tap;
-    *counter_start = start;
-    return phase_from_vco_tap_and_counter_start(tap, start);
+    const TAP_AND_START nearest = nearest_tap_and_start(phase, max_counter_start);
+    *vco_tap = nearest.m_vco_tap;
+    *counter_start = nearest.m_start;
+    return nearest.vco_degrees();
 }
 
 int PLL_UTIL::phase_to_counter_start(int* counter_start, double phase, int vco_tap,
@@ -116,11 +83,11 @@ int PLL_UTIL::phase_to_counter_start(int* counter_start, double phase, int vco_t
     }
     check_vco_tap(vco_tap);
     const double p = std::min(phase, LARGEST_PHASE);  // lets a NaN through
-    const double beyond_tap = p - wrap_mul(DEGREES_PER_TAP, vco_tap);
+    const double beyond_tap = p - wrap_mul(DEGREES_PER_VCO_TAP, vco_tap);
     int start = 1;
     if (!(beyond_tap < 0)) {
         const int rounded = wrap_add(truncate_to_int(beyond_tap + HALF), HALF_PERIOD);
-        start = std::min(rounded / DEGREES_PER_PERIOD + 1, max_counter_start);
+        start = std::min(rounded / DEGREES_PER_VCO_PERIOD + 1, max_counter_start);
     }
     *counter_start = start;
     return phase_from_vco_tap_and_counter_start(vco_tap, start);
@@ -159,9 +126,7 @@ double PLL_UTIL::user_phase(int numerator, int denominator, const PLL* pll, int 
     if (pll == nullptr) {
         return 0.0;
     }
-    const int phase = phase_from_vco_tap_and_counter_start(vco_tap, counter_start);
-    const int distance = wrap_sub(phase, reference_phase(*pll));
-    return static_cast<double>(numerator) * distance / static_cast<double>(denominator);
+    return ::user_phase(numerator, denominator, *pll, {vco_tap, counter_start});
 }
 
 int PLL_UTIL::cascade_factor(int count, int max_count)

@@ -14,7 +14,7 @@ root=${1:-$(dirname "${BASH_SOURCE[0]}")/..}
 cd "$root"
 
 AREAS=(pll pll_info pll_prop pll_util pll_manager)
-SERVES_ALL_AREAS=(pll_arith.h pll_report_error.h pll_trace.h)
+SERVES_ALL_AREAS=(pll_arith.h pll_report_error.h pll_trace.h pll_vco_phase.h)
 
 declare -A RANK=([pll_info.h]=1 [pll.h]=2 [pll_prop.h]=3 [pll_util.h]=3 [pll_manager.h]=3)
 declare -A HOME_OF=()  # folder of each header of ours, by its bare name
