@@ -5,82 +5,85 @@
 
 namespace {
 
-// Two doubles that the processor works on at once.
-using PAIR = double __attribute__((vector_size(16)));
+// Four floats that the processor works on at once.
+using FOUR = float __attribute__((vector_size(16)));
 
-// Bounds are off by rounding: errors count a little too small, and those near the border of a met
-// output not at all.
-constexpr double SURE_SHARE = 1.0 - 1e-9;
-constexpr double SURELY_NOT_MET = MET_RELATIVE * (1.0 + 1e-6);
-constexpr double SURELY_BEYOND = 0.5 + 1e-6;  // of a count, so that it rounds up
-constexpr double SAME_VCO_RATIO = 1e-11;
-constexpr double SMALLEST_SURE_RATIO = 1e-8;  // below it errors may count as rounding
+// Bounds are off by rounding, so whatever is added to a sum is taken to be a little smaller than
+// computed, and errors near the border of a met output are not counted at all.
+constexpr float ROUNDING = 2e-6F;  // relative; several times that of the floats that lead to a term
+constexpr float SURE_SHARE = 1.0F - ROUNDING;
+constexpr float SURELY_NOT_MET = float(MET_RELATIVE) + 2.0F * ROUNDING;
+constexpr float ALWAYS_MET = 1000.0F;          // such counts are within a thousandth of any ratio
+constexpr float SURELY_BEYOND = 0.5F + 1e-3F;  // of a count, so that it rounds up
+constexpr double SMALLEST_SURE_RATIO = 1e-8;   // below it errors may count as rounding
 
-inline PAIR both(double value)
+inline FOUR all(float value)
 {
-    return PAIR{value, value};
+    return FOUR{value, value, value, value};
 }
 
-inline void store(PAIR values, double* to)
+inline void store(FOUR values, float* to)
 {
-    to[0] = values[0];
-    to[1] = values[1];
+    for (int i = 0; i < 4; ++i) {
+        to[i] = values[i];
+    }
 }
 
-inline PAIR smaller(PAIR a, PAIR b)
+inline FOUR smaller(FOUR a, FOUR b)
 {
     return a < b ? a : b;
 }
 
-inline PAIR larger(PAIR a, PAIR b)
+inline FOUR larger(FOUR a, FOUR b)
 {
     return a > b ? a : b;
 }
 
-// A whole number nearest to the value, for values far below 2^51: adding 1.5 x 2^52 leaves no room
-// for a fraction.
-inline PAIR round_to_whole(PAIR value)
+inline FOUR at_least_zero(FOUR value)
 {
-    constexpr double NO_FRACTION = 6755399441055744.0;
+    return larger(value, all(0.0F));
+}
+
+// A whole number nearest to the value, for values far below 2^22: adding 1.5 x 2^23 leaves no room
+// for a fraction.
+inline FOUR round_to_whole(FOUR value)
+{
+    constexpr float NO_FRACTION = 12582912.0F;
     return (value + NO_FRACTION) - NO_FRACTION;
 }
 
 // A bound of |x / K - 1| for every x in low..high, with K the counter nearest to x: 0 where a
-// multiple lies within, else by the multiples on both sides.
-inline PAIR missed_between(PAIR low, PAIR high)
+// multiple lies within, else by the multiples on both sides, of which there is only the one above
+// for an x below 1.
+inline FOUR missed_between(FOUR low, FOUR high)
 {
-    const PAIR below = round_to_whole(low - 0.5);
-    const PAIR above = below + 1.0;
-    // One division for both: (low - below) / below and (above - high) / above.
-    const PAIR from_below = (low - below) * above;
-    const PAIR from_above = (above - high) * below;
-    const PAIR relative = smaller(from_below, from_above) / (below * above);
-    // Below 1 there is only the multiple above.
-    const PAIR missed = below < 0.5 ? (above - high) / above : relative;
-    return missed < SURELY_NOT_MET ? both(0.0) : missed;
-}
-
-inline PAIR at_least_zero(PAIR value)
-{
-    return larger(value, both(0.0));
+    const FOUR below = round_to_whole(low - 0.5F);
+    const FOUR above = below + 1.0F;
+    const FOUR from_above = above - high;
+    const FOUR both_sides = smaller((low - below) * above, from_above * below);
+    const auto is_below_one = below < 0.5F;
+    const FOUR numerator = is_below_one ? from_above : both_sides;
+    const FOUR denominator = is_below_one ? above : below * above;
+    const FOUR missed = numerator / denominator;
+    return (missed < SURELY_NOT_MET) | (low > ALWAYS_MET) ? all(0.0F) : missed - ROUNDING;
 }
 
 }  // namespace
 
 ERROR_BOUND::ERROR_BOUND(const PLL& pll, const PLL_PROP& request)
-    : m_count(clamp_taps(request.m_taps_count)), m_vco_ratio(0.0), m_vco_weight(0.0)
+    : m_count(clamp_taps(request.m_taps_count)), m_vco_ratio(0.0F), m_vco_weight(0.0F)
 {
     if (request.m_vco_mult >= 1 && request.m_vco_div >= 1) {
-        m_vco_ratio = double(request.m_vco_mult) / request.m_vco_div;
-        m_vco_weight = m_count * SURE_SHARE;
+        m_vco_ratio = float(double(request.m_vco_mult) / request.m_vco_div);
+        m_vco_weight = float(m_count) * SURE_SHARE;
     }
     for (int i = 0; i < m_count; ++i) {
         const PLL_USER_TAP& wish = request.m_taps[i];
         const double ratio = double(wish.m_mult) / wish.m_div;
         const int max_count = pll.m_taps[i].m_max_count;
-        m_outputs[i] = {ratio < SMALLEST_SURE_RATIO ? 0.0 : ratio * SURE_SHARE,
-                        double(wish.m_div) / wish.m_mult,
-                        (max_count == 1 ? 1.0 : 2.0 * max_count) + SURELY_BEYOND};
+        m_outputs[i] = {ratio < SMALLEST_SURE_RATIO ? 0.0F : float(ratio) * SURE_SHARE,
+                        float(double(wish.m_div) / wish.m_mult),
+                        (max_count == 1 ? 1.0F : 2.0F * float(max_count)) + SURELY_BEYOND};
     }
 }
 
@@ -88,58 +91,53 @@ ERROR_BOUND::ERROR_BOUND(const PLL& pll, const PLL_PROP& request)
 class ERROR_BOUND::SUM
 {
 public:
-    SUM(const ERROR_BOUND& bound, PAIR low, PAIR high)
-        : m_low(low),
-          m_high(high),
-          m_sum(at_least_zero(larger(low - bound.m_vco_ratio, bound.m_vco_ratio - high) -
-                              SAME_VCO_RATIO) *
-                bound.m_vco_weight)
+    SUM(const ERROR_BOUND& bound, FOUR low, FOUR high) : m_low(low), m_high(high)
     {
+        const FOUR missed = larger(low - bound.m_vco_ratio, bound.m_vco_ratio - high);
+        m_sum = at_least_zero(missed - ROUNDING * (high + bound.m_vco_ratio)) * bound.m_vco_weight;
     }
 
     void add(const OUTPUT& output)
     {
-        const PAIR low = m_low * output.m_inverse;
-        const PAIR missed = missed_between(low, m_high * output.m_inverse);
-        m_sum += missed * output.m_ratio + at_least_zero(low - output.m_reach) * SURE_SHARE;
+        const FOUR low = m_low * output.m_inverse;
+        const FOUR missed = missed_between(low, m_high * output.m_inverse);
+        const FOUR beyond = low * SURE_SHARE - output.m_reach;
+        m_sum += missed * output.m_ratio + at_least_zero(beyond);
     }
 
-    PAIR value() const { return m_sum; }
+    FOUR value() const { return m_sum * SURE_SHARE; }
 
 private:
-    PAIR m_low;
-    PAIR m_high;
-    PAIR m_sum;
+    FOUR m_low;
+    FOUR m_high;
+    FOUR m_sum;
 };
 
-void ERROR_BOUND::bound_cells(double low, double width, int count, double* bounds) const
+void ERROR_BOUND::bound_cells(double low, double width, int count, float* bounds) const
 {
-    for (int i = 0; i < count; i += LANES) {
-        // Edges are computed as their users do, so that cells leave no gaps.
-        const PAIR first = {double(i), double(i + 1)};
-        const PAIR edges[] = {low + first * width, low + (first + 1.0) * width,
-                              low + (first + 2.0) * width, low + (first + 3.0) * width};
-        SUM near(*this, edges[0], edges[1]);
-        SUM far(*this, edges[2], edges[3]);
+    const float start = float(low);
+    const float step = float(width);
+    const auto edges = [=](int first) {
+        return start + (float(first) + FOUR{0.0F, 1.0F, 2.0F, 3.0F}) * step;
+    };
+    for (int i = 0; i < count; i += CELLS) {
+        SUM near(*this, edges(i), edges(i + 1));
+        SUM far(*this, edges(i + LANES), edges(i + LANES + 1));
         for (int output = 0; output < m_count; ++output) {
             near.add(m_outputs[output]);
             far.add(m_outputs[output]);
         }
         store(near.value(), bounds + i);
-        store(far.value(), bounds + i + 2);
+        store(far.value(), bounds + i + LANES);
     }
 }
 
-void ERROR_BOUND::bound_ratios(const double (&ratios)[LANES], double (&bounds)[LANES]) const
+void ERROR_BOUND::bound_ratios(const float (&ratios)[LANES], float (&bounds)[LANES]) const
 {
-    const PAIR first = {ratios[0], ratios[1]};
-    const PAIR second = {ratios[2], ratios[3]};
-    SUM near(*this, first, first);
-    SUM far(*this, second, second);
+    const FOUR all = {ratios[0], ratios[1], ratios[2], ratios[3]};
+    SUM sum(*this, all, all);
     for (int output = 0; output < m_count; ++output) {
-        near.add(m_outputs[output]);
-        far.add(m_outputs[output]);
+        sum.add(m_outputs[output]);
     }
-    store(near.value(), bounds);
-    store(far.value(), bounds + 2);
+    store(sum.value(), bounds);
 }

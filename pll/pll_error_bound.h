@@ -13,28 +13,29 @@
 class ERROR_BOUND
 {
 public:
-    static constexpr int LANES = 4;  // settings that are bounded in one go
+    static constexpr int LANES = 4;          // settings that are bounded in one go
+    static constexpr int CELLS = 2 * LANES;  // cells that are
 
     ERROR_BOUND(const PLL& pll, const PLL_PROP& request);
 
     // bounds[i] is a bound for all ratios from low + i x width to low + (i + 1) x width. `count` is
-    // a multiple of LANES, and `bounds` has room for as many.
-    void bound_cells(double low, double width, int count, double* bounds) const;
+    // a multiple of CELLS.
+    void bound_cells(double low, double width, int count, float* bounds) const;
 
     // bounds[i] is a bound for the ratio ratios[i].
-    void bound_ratios(const double (&ratios)[LANES], double (&bounds)[LANES]) const;
+    void bound_ratios(const float (&ratios)[LANES], float (&bounds)[LANES]) const;
 
 private:
     class SUM;
     struct OUTPUT
     {
-        double m_ratio;    // mult / div, counted a little too small
-        double m_inverse;  // div / mult
-        double m_reach;    // the largest count, and the fraction that may round down to it
+        float m_ratio;    // mult / div, counted a little too small
+        float m_inverse;  // div / mult
+        float m_reach;    // the largest count, and the fraction that may round down to it
     };
 
     int m_count;
-    double m_vco_ratio;   // wished for
-    double m_vco_weight;  // how often its error counts; 0: no wish
+    float m_vco_ratio;   // wished for
+    float m_vco_weight;  // how often its error counts; 0: no wish
     OUTPUT m_outputs[PLL_MAX_TAPS];
 };

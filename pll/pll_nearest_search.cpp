@@ -5,13 +5,44 @@
 
 namespace {
 
-constexpr double SETTINGS_PER_CELL = 16.0;
+constexpr double CELLS_PER_ROOT = 2.5;
 constexpr double COLUMNS_PER_SETTING = 4.0;
+constexpr double LARGEST_EXACT = 9007199254740992.0;  // 2^53: whole numbers below it are exact
+
+// Whether settings of one ratio have one error sum, to the last digit: none is taken from M, and
+// the products that counters are computed from are not rounded.
+bool ratio_tells_all(const PLL& pll, const PLL_PROP& request)
+{
+    bool tells = pll.m_feedback_tap < 0;
+    for (int i = 0; i < clamp_taps(request.m_taps_count); ++i) {
+        const PLL_USER_TAP& wish = request.m_taps[i];
+        tells = tells && double(pll.m_m.m_max_count) * wish.m_div < LARGEST_EXACT &&
+                double(pll.m_n.m_max_count) * wish.m_mult < LARGEST_EXACT;
+    }
+    return tells;
+}
+
+int lowest_of(const float* bounds, int count)
+{
+    int lowest = 0;
+    float bound = bounds[0];
+    for (int i = 1; i < count; ++i) {
+        if (bounds[i] < bound) {
+            bound = bounds[i];
+            lowest = i;
+        }
+    }
+    return lowest;
+}
 
 }  // namespace
 
 NEAREST_SEARCH::NEAREST_SEARCH(const PLL& pll, const PLL_PROP& request)
-    : m_bound(pll, request), m_sum(pll, request), m_post_scale(0), m_entered(0)
+    : m_bound(pll, request),
+      m_sum(pll, request),
+      m_ratio_tells_all(ratio_tells_all(pll, request)),
+      m_post_scale(0),
+      m_entered(0)
 {
 }
 
@@ -23,9 +54,9 @@ NEAREST_SEARCH::GRID NEAREST_SEARCH::make_grid(const REGION& region)
     const double settings = region.count_about(ratios);
     const double columns = double(region.n_range().m_last - region.n_range().m_first + 1);
     const double wished =
-        std::min(settings / SETTINGS_PER_CELL, settings * COLUMNS_PER_SETTING / columns);
-    const int blocks = 1 + int(std::min(wished, double(MAX_CELLS - 1)) / ERROR_BOUND::LANES);
-    const int cells = blocks * ERROR_BOUND::LANES;
+        std::min(CELLS_PER_ROOT * std::sqrt(settings), settings * COLUMNS_PER_SETTING / columns);
+    const int blocks = 1 + int(std::min(wished, double(MAX_CELLS - 1)) / ERROR_BOUND::CELLS);
+    const int cells = blocks * ERROR_BOUND::CELLS;
     return {ratios.m_low, (ratios.m_high - ratios.m_low) / cells, cells};
 }
 
@@ -37,16 +68,20 @@ void NEAREST_SEARCH::search(int post_scale, const REGION& region)
     m_post_scale = post_scale;
     const GRID grid = make_grid(region);
     m_bound.bound_cells(grid.m_low, grid.m_width, grid.m_cells, m_bounds);
-    const int lowest = int(std::min_element(m_bounds, m_bounds + grid.m_cells) - m_bounds);
+    const int lowest = lowest_of(m_bounds, grid.m_cells);
     if (m_bounds[lowest] > m_best.m_error) {
         return;
     }
     search_cell(region, grid, lowest);
+    test_entered(region);
+    double limit = m_best.m_error;
     for (int cell = 0; cell < grid.m_cells; ++cell) {
-        if (cell != lowest && m_bounds[cell] <= m_best.m_error) {
+        if (m_bounds[cell] <= limit && cell != lowest) {
             search_cell(region, grid, cell);
+            limit = m_best.m_error;
         }
     }
+    test_entered(region);
 }
 
 void NEAREST_SEARCH::search_cell(const REGION& region, const GRID& grid, int cell)
@@ -59,7 +94,6 @@ void NEAREST_SEARCH::search_cell(const REGION& region, const GRID& grid, int cel
             enter(region, m, n);
         }
     }
-    test_entered(region);
 }
 
 void NEAREST_SEARCH::enter(const REGION& region, std::int64_t m, std::int64_t n)
@@ -73,10 +107,10 @@ void NEAREST_SEARCH::enter(const REGION& region, std::int64_t m, std::int64_t n)
 
 void NEAREST_SEARCH::test_entered(const REGION& region)
 {
-    double ratios[ERROR_BOUND::LANES] = {1.0, 1.0, 1.0, 1.0};
-    double bounds[ERROR_BOUND::LANES];
+    float ratios[ERROR_BOUND::LANES] = {1.0F, 1.0F, 1.0F, 1.0F};
+    float bounds[ERROR_BOUND::LANES];
     for (int i = 0; i < m_entered; ++i) {
-        ratios[i] = double(m_entered_m[i]) / double(m_entered_n[i]);
+        ratios[i] = float(double(m_entered_m[i]) / double(m_entered_n[i]));
     }
     m_bound.bound_ratios(ratios, bounds);
     for (int i = 0; i < m_entered; ++i) {
@@ -93,8 +127,18 @@ bool NEAREST_SEARCH::is_first(std::int64_t m, std::int64_t n) const
            (m < m_best.m_m || (m == m_best.m_m && n < m_best.m_n));
 }
 
+// Whether (m, n) is the best setting again, multiplied, and after it.
+bool NEAREST_SEARCH::repeats_best(std::int64_t m, std::int64_t n) const
+{
+    return m_ratio_tells_all && m_best.m_post_scale != 0 && m * m_best.m_n == n * m_best.m_m &&
+           !is_first(m, n);
+}
+
 void NEAREST_SEARCH::test(const REGION& region, std::int64_t m, std::int64_t n)
 {
+    if (repeats_best(m, n)) {
+        return;
+    }
     const double error = m_sum.of(int(m), int(n), m_best.m_error);
     const bool wins = error < m_best.m_error || (error == m_best.m_error && is_first(m, n));
     if (wins && region.is_legal(m, n)) {

@@ -45,14 +45,16 @@ private:
     void enter(const REGION& region, std::int64_t m, std::int64_t n);
     void test_entered(const REGION& region);
     void test(const REGION& region, std::int64_t m, std::int64_t n);
+    bool repeats_best(std::int64_t m, std::int64_t n) const;
     bool is_first(std::int64_t m, std::int64_t n) const;
 
     ERROR_BOUND m_bound;
     ERROR_SUM m_sum;
+    bool m_ratio_tells_all;
     BEST m_best;
     int m_post_scale;
     int m_entered;  // settings that wait to be bounded together
     std::int64_t m_entered_m[ERROR_BOUND::LANES];
     std::int64_t m_entered_n[ERROR_BOUND::LANES];
-    double m_bounds[MAX_CELLS];
+    float m_bounds[MAX_CELLS];
 };
