@@ -20,32 +20,19 @@ constexpr double CASCADE_PENALTY = 4096.0;
 struct ASSIGNMENT
 {
     const PLL& m_pll;
-    const PLL_PROP& m_request;
+    const SEARCH_LIMITS& m_limits;
     const SEARCH_POINT& m_point;
+    VCO_RATIO m_vco;
     PLL* m_candidate;
     CANDIDATE_SCORE m_score;
     int m_taps_in_use;
 };
 
-void copy_limits(const PLL& from, PLL* candidate)
-{
-    candidate->m_i_min = from.m_i_min;
-    pll_set_array(candidate->m_vco_min_period, 1, PLL_VCO_POST_SCALE_MAX, from.m_vco_min_period);
-    pll_set_array(candidate->m_vco_max_period, 1, PLL_VCO_POST_SCALE_MAX, from.m_vco_max_period);
-    pll_set_array(candidate->m_vco_center_period, 1, PLL_VCO_POST_SCALE_MAX,
-                  from.m_vco_center_period);
-    candidate->m_pfd_min_period = from.m_pfd_min_period;
-    candidate->m_pfd_max_period = from.m_pfd_max_period;
-    candidate->m_i = from.m_i;
-    candidate->m_feedback_tap = from.m_feedback_tap;
-    candidate->m_m.m_max_count = from.m_m.m_max_count;
-    candidate->m_n.m_max_count = from.m_n.m_max_count;
-}
-
+// The candidate starts as a copy of the PLL; a limit is only written where a step changes it.
 void prepare(const PLL& pll, const PLL_PROP& request, const SEARCH_LIMITS& limits,
              const SEARCH_POINT& point, PLL* candidate)
 {
-    copy_limits(pll, candidate);
+    candidate->m_i = pll.m_i;
     candidate->m_m.m_count = point.m_m;
     candidate->m_n.m_count = point.m_n;
     candidate->m_vco_post_scale = point.m_post_scale;
@@ -144,11 +131,9 @@ bool force_bypass(PLL_OUTPUT_TAP* tap, CANDIDATE_SCORE* score)
 
 void assign_output(int index, const PLL_OUTPUT_TAP& carried, ASSIGNMENT* a)
 {
-    const PLL_USER_TAP& wish = a->m_request.m_taps[index];
+    const RATIO_WISH& wish = a->m_limits.m_wishes[index];
     const int max_count = a->m_pll.m_taps[index].m_max_count;
-    const int m = a->m_point.m_m;
-    const int n = a->m_point.m_n;
-    const int count = counter_value(m, n, wish);
+    const int count = counter_value(a->m_vco, wish);
 
     PLL_OUTPUT_TAP& tap = a->m_candidate->m_taps[index];
     split_count(count, &tap);
@@ -156,8 +141,9 @@ void assign_output(int index, const PLL_OUTPUT_TAP& carried, ASSIGNMENT* a)
     tap.m_previous_tap = PLL_ILLEGAL_TAP;
     copy_carried_values(carried, &tap);
 
-    const double tap_error = add_frequency_error(m, n, count, wish, &a->m_score);
-    const double error = add_vco_ratio_error(m, n, a->m_request, tap_error, &a->m_score);
+    const double tap_error = add_frequency_error(a->m_vco, count, wish, &a->m_score);
+    const double error =
+        add_vco_ratio_error(a->m_vco, a->m_limits.m_vco_wish, tap_error, &a->m_score);
     const bool feedback_exact = index != a->m_pll.m_feedback_tap || divide_feedback(count, a);
 
     bool impossible = false;
@@ -186,9 +172,9 @@ CANDIDATE_SCORE assign_candidate(const PLL& pll, const PLL_PROP& request,
                                  const PLL& best, PLL* candidate)
 {
     prepare(pll, request, limits, point, candidate);
-    ASSIGNMENT assignment{pll, request, point, candidate, {}, request.m_taps_count};
-    const int taps = clamp_taps(request.m_taps_count);
-    for (int i = 0; i < taps; ++i) {
+    ASSIGNMENT assignment{
+        pll, limits, point, VCO_RATIO(point.m_m, point.m_n), candidate, {}, request.m_taps_count};
+    for (int i = 0; i < limits.m_taps_count; ++i) {
         assign_output(i, best.m_taps[i], &assignment);
     }
     return assignment.m_score;

@@ -10,6 +10,7 @@
 
 #include <cmath>
 #include <cstdint>
+#include <cstring>
 #include <limits>
 
 namespace {
@@ -52,6 +53,7 @@ void clamp_split(int max_count, SPLIT* split, DUTY_PLAN* plan)
     if (split->m_high > max_count) {
         const int excess = wrap_sub(split->m_high, max_count);
         add_charge(excess, plan);
+        plan->m_has_clamps = true;
         split->m_high = max_count;
         split->m_even = true;
         split->m_low = wrap_add(split->m_low, excess);
@@ -59,6 +61,7 @@ void clamp_split(int max_count, SPLIT* split, DUTY_PLAN* plan)
     if (split->m_low > max_count) {
         const int excess = wrap_sub(split->m_low, max_count);
         add_charge(excess, plan);
+        plan->m_has_clamps = true;
         split->m_low = max_count;
         split->m_even = false;
         split->m_high = wrap_add(split->m_high, excess);
@@ -229,61 +232,49 @@ bool is_same_wish(const PLL_USER_TAP& a, const PLL_USER_TAP& b)
            a.m_use_even_counter_value == b.m_use_even_counter_value;
 }
 
-}  // namespace
+constexpr int MISSES_FOR_TABLE = 64;
+constexpr int NO_PERCENT = 255;
+constexpr int LARGEST_KEPT_COUNT = 1 << 24;
 
-DUTY_PLACING::DUTY_PLACING(const PLL_PROP& request) : m_request(request), m_is_shared{}
+std::uint8_t pack_percent(int percent)
 {
-    for (int i = 0; i < clamp_taps(request.m_taps_count); ++i) {
-        m_plans[i].m_count = 0;
-        m_is_shared[i] = i > 0 && is_same_wish(request.m_taps[i], request.m_taps[i - 1]);
-    }
+    return std::uint8_t(percent < 0 || percent > int(PERCENT) ? NO_PERCENT : percent);
 }
 
-// Whether a plan depends on count and largest count alone, and breaks no promise that would have
-// to be reported each time.
-bool DUTY_PLACING::is_ordinary(int index, const PLL& pll) const
+// The charges of a plan without clamps: perhaps an odd half, then the deviation.
+SMALL_DUTY_PLAN pack(std::uint32_t key, const DUTY_PLAN& plan)
 {
-    const PLL_OUTPUT_TAP& tap = pll.m_taps[index];
-    const int duty = m_request.m_taps[index].m_duty;
-    return tap.m_count >= 2 && !tap.m_bypass && (tap.m_count - 1) / 2 < tap.m_max_count &&
-           0 <= duty && duty <= int(PERCENT) && index < pll.m_total_taps_count;
+    const double deviation = plan.m_charges[plan.m_charges_count - 1] * PERCENT;
+    return {key,
+            plan.m_high,
+            plan.m_even,
+            plan.m_charges_count > 1,
+            pack_percent(round_percent(deviation)),
+            pack_percent(plan.m_smallest),
+            pack_percent(plan.m_largest),
+            pack_percent(plan.m_next),
+            pack_percent(plan.m_previous)};
 }
 
-void DUTY_PLACING::make_plan(int index, const PLL& pll, DUTY_PLAN* plan) const
+void unpack(const SMALL_DUTY_PLAN& small, int count, DUTY_PLAN* plan)
 {
-    const PLL_USER_TAP& wish = m_request.m_taps[index];
-    PLL_OUTPUT_TAP tap = pll.m_taps[index];
-    plan->m_count = tap.m_count;
-    plan->m_max_count = tap.m_max_count;
+    plan->m_count = count;
+    plan->m_high = small.m_high;
+    plan->m_low = count - small.m_high;
+    plan->m_even = small.m_even != 0;
     plan->m_charges_count = 0;
-    split_count(wish, &tap, plan);
-    plan->m_high = tap.m_high;
-    plan->m_low = tap.m_low;
-    plan->m_even = tap.m_even;
-    const double duty = checked_duty_cycle(tap, index, pll.m_total_taps_count);
-    charge_deviation(wish, duty, plan);
-    describe(tap, wish.m_duty, duty, plan);
+    if (small.m_has_odd_half != 0) {
+        add_charge(ODD_HALF_PENALTY, plan);
+    }
+    add_charge(small.m_deviation / PERCENT, plan);
+    plan->m_smallest = small.m_smallest;
+    plan->m_largest = small.m_largest;
+    plan->m_next = small.m_next == NO_PERCENT ? std::numeric_limits<int>::max() : small.m_next;
+    plan->m_previous =
+        small.m_previous == NO_PERCENT ? std::numeric_limits<int>::min() : small.m_previous;
 }
 
-const DUTY_PLAN& DUTY_PLACING::plan_of(int index, const PLL& pll)
-{
-    const PLL_OUTPUT_TAP& tap = pll.m_taps[index];
-    const auto fits = [&](const DUTY_PLAN& plan) {
-        return plan.m_count == tap.m_count && plan.m_max_count == tap.m_max_count;
-    };
-    DUTY_PLAN& plan = m_plans[index];
-    if (fits(plan)) {
-        return plan;
-    }
-    if (m_is_shared[index] && fits(m_plans[index - 1])) {
-        plan = m_plans[index - 1];
-        return plan;
-    }
-    make_plan(index, pll, &plan);
-    return plan;
-}
-
-void DUTY_PLACING::carry_out(const DUTY_PLAN& plan, PLL_OUTPUT_TAP* tap, double* cost)
+void carry_out(const DUTY_PLAN& plan, PLL_OUTPUT_TAP* tap, double* cost)
 {
     tap->m_high = plan.m_high;
     tap->m_low = plan.m_low;
@@ -294,15 +285,98 @@ void DUTY_PLACING::carry_out(const DUTY_PLAN& plan, PLL_OUTPUT_TAP* tap, double*
     narrow_duty_cycles(plan, tap);
 }
 
+}  // namespace
+
+DUTY_PLACING::DUTY_PLACING(const PLL& pll, const PLL_PROP& request)
+    : m_request(request), m_taps_count(clamp_taps(request.m_taps_count)), m_misses(0)
+{
+    for (int i = 0; i < m_taps_count; ++i) {
+        m_plans[i].m_count = 0;
+        m_max_counts[i] = pll.m_taps[i].m_max_count;
+        m_kinds[i] = 0;
+        while (!is_same_wish(request.m_taps[m_kinds[i]], request.m_taps[i]) ||
+               m_max_counts[m_kinds[i]] != m_max_counts[i]) {
+            ++m_kinds[i];
+        }
+    }
+}
+
+// Whether a plan depends on the count alone, has neither clamps nor an empty half, and breaks no
+// promise that would have to be reported each time.
+bool DUTY_PLACING::is_ordinary(int index, const PLL& pll) const
+{
+    const PLL_OUTPUT_TAP& tap = pll.m_taps[index];
+    const int duty = m_request.m_taps[index].m_duty;
+    return 2 <= tap.m_count && tap.m_count <= LARGEST_KEPT_COUNT && !tap.m_bypass &&
+           tap.m_max_count == m_max_counts[index] && (tap.m_count - 1) / 2 < tap.m_max_count &&
+           0 <= duty && duty <= int(PERCENT) && index < pll.m_total_taps_count;
+}
+
+void DUTY_PLACING::make_plan(int index, const PLL& pll, DUTY_PLAN* plan) const
+{
+    const PLL_USER_TAP& wish = m_request.m_taps[index];
+    PLL_OUTPUT_TAP tap = pll.m_taps[index];
+    plan->m_count = tap.m_count;
+    plan->m_charges_count = 0;
+    plan->m_has_clamps = false;
+    split_count(wish, &tap, plan);
+    plan->m_high = tap.m_high;
+    plan->m_low = tap.m_low;
+    plan->m_even = tap.m_even;
+    const double duty = checked_duty_cycle(tap, index, pll.m_total_taps_count);
+    charge_deviation(wish, duty, plan);
+    describe(tap, wish.m_duty, duty, plan);
+}
+
+std::uint32_t DUTY_PLACING::key_of(int index, int count) const
+{
+    return std::uint32_t(count) * PLL_MAX_TAPS + std::uint32_t(m_kinds[index]);
+}
+
+SMALL_DUTY_PLAN* DUTY_PLACING::slot_of(std::uint32_t key)
+{
+    return m_misses < MISSES_FOR_TABLE ? nullptr : &m_table[key % TABLE_SIZE];
+}
+
+void DUTY_PLACING::count_miss()
+{
+    if (m_misses < MISSES_FOR_TABLE && ++m_misses == MISSES_FOR_TABLE) {
+        std::memset(m_table, 0, sizeof m_table);
+    }
+}
+
+const DUTY_PLAN& DUTY_PLACING::plan_of(int index, const PLL& pll)
+{
+    DUTY_PLAN& plan = m_plans[index];
+    const int count = pll.m_taps[index].m_count;
+    if (plan.m_count == count) {
+        return plan;
+    }
+    const std::uint32_t key = key_of(index, count);
+    SMALL_DUTY_PLAN* slot = slot_of(key);
+    if (slot != nullptr && slot->m_key == key) {
+        unpack(*slot, count, &plan);
+        return plan;
+    }
+    make_plan(index, pll, &plan);
+    if (slot == nullptr) {
+        count_miss();
+    } else if (!plan.m_has_clamps) {
+        *slot = pack(key, plan);
+    }
+    return plan;
+}
+
 void DUTY_PLACING::place(int index, PLL* pll)
 {
+    PLL_OUTPUT_TAP* tap = &pll->m_taps[index];
     if (is_ordinary(index, *pll)) {
-        carry_out(plan_of(index, *pll), &pll->m_taps[index], &pll->m_cost);
+        carry_out(plan_of(index, *pll), tap, &pll->m_cost);
         return;
     }
     DUTY_PLAN plan;
     make_plan(index, *pll, &plan);
-    carry_out(plan, &pll->m_taps[index], &pll->m_cost);
+    carry_out(plan, tap, &pll->m_cost);
 }
 
 void PLL::compute_duty_cycle_for_ui(PLL* pll, const PLL_PROP& request, int tap,

@@ -70,19 +70,19 @@ inline FOUR missed_between(FOUR low, FOUR high)
 
 }  // namespace
 
-ERROR_BOUND::ERROR_BOUND(const PLL& pll, const PLL_PROP& request)
-    : m_count(clamp_taps(request.m_taps_count)), m_vco_ratio(0.0F), m_vco_weight(0.0F)
+ERROR_BOUND::ERROR_BOUND(const PLL& pll, const SEARCH_LIMITS& limits)
+    : m_count(limits.m_taps_count), m_vco_ratio(0.0F), m_vco_weight(0.0F)
 {
-    if (request.m_vco_mult >= 1 && request.m_vco_div >= 1) {
-        m_vco_ratio = float(double(request.m_vco_mult) / request.m_vco_div);
+    if (has_wish(limits.m_vco_wish)) {
+        m_vco_ratio = float(limits.m_vco_wish.m_ratio);
         m_vco_weight = float(m_count) * SURE_SHARE;
     }
     for (int i = 0; i < m_count; ++i) {
-        const PLL_USER_TAP& wish = request.m_taps[i];
-        const double ratio = double(wish.m_mult) / wish.m_div;
+        const RATIO_WISH& wish = limits.m_wishes[i];
         const int max_count = pll.m_taps[i].m_max_count;
-        m_outputs[i] = {ratio < SMALLEST_SURE_RATIO ? 0.0F : float(ratio) * SURE_SHARE,
-                        float(double(wish.m_div) / wish.m_mult),
+        m_outputs[i] = {wish.m_ratio < SMALLEST_SURE_RATIO ? 0.0F
+                                                           : float(wish.m_ratio) * SURE_SHARE,
+                        float(wish.m_div / wish.m_mult),
                         (max_count == 1 ? 1.0F : 2.0F * float(max_count)) + SURELY_BEYOND};
     }
 }

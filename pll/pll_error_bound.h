@@ -7,8 +7,9 @@
 #pragma once
 
 #include "pll.h"
-#include "pll_prop.h"
 #include "pll_region.h"
+
+struct SEARCH_LIMITS;
 
 class ERROR_BOUND
 {
@@ -16,7 +17,7 @@ public:
     static constexpr int LANES = 4;          // settings that are bounded in one go
     static constexpr int CELLS = 2 * LANES;  // cells that are
 
-    ERROR_BOUND(const PLL& pll, const PLL_PROP& request);
+    ERROR_BOUND(const PLL& pll, const SEARCH_LIMITS& limits);
 
     // bounds[i] is a bound for all ratios from low + i x width to low + (i + 1) x width. `count` is
     // a multiple of CELLS.

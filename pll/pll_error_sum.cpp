@@ -20,18 +20,17 @@ void add_impossible_counter_error(int count, int max_count, CANDIDATE_SCORE* sco
 
 }  // namespace
 
-ERROR_SUM::ERROR_SUM(const PLL& pll, const PLL_PROP& request)
-    : m_pll(pll), m_request(request), m_taps_count(clamp_taps(request.m_taps_count))
-{
-}
+ERROR_SUM::ERROR_SUM(const PLL& pll, const SEARCH_LIMITS& limits) : m_pll(pll), m_limits(limits) {}
 
 double ERROR_SUM::of(int m, int n, double limit) const
 {
+    const VCO_RATIO vco(m, n);
     CANDIDATE_SCORE score;
-    for (int i = 0; i < m_taps_count; ++i) {
-        const int count = counter_value(m, n, m_request.m_taps[i]);
-        const double error = add_frequency_error(m, n, count, m_request.m_taps[i], &score);
-        add_vco_ratio_error(m, n, m_request, error, &score);
+    for (int i = 0; i < m_limits.m_taps_count; ++i) {
+        const RATIO_WISH& wish = m_limits.m_wishes[i];
+        const int count = counter_value(vco, wish);
+        const double error = add_frequency_error(vco, count, wish, &score);
+        add_vco_ratio_error(vco, m_limits.m_vco_wish, error, &score);
         if (i == m_pll.m_feedback_tap) {
             score.m_error += feedback_rest(m, count);
         }

@@ -5,12 +5,13 @@
 #pragma once
 
 #include "pll.h"
-#include "pll_prop.h"
+
+struct SEARCH_LIMITS;
 
 class ERROR_SUM
 {
 public:
-    ERROR_SUM(const PLL& pll, const PLL_PROP& request);
+    ERROR_SUM(const PLL& pll, const SEARCH_LIMITS& limits);
 
     // What assigning the counters of (m, n) would measure, as long as nothing cascades; something
     // above `limit` when the sum is.
@@ -18,6 +19,5 @@ public:
 
 private:
     const PLL& m_pll;
-    const PLL_PROP& m_request;
-    int m_taps_count;
+    const SEARCH_LIMITS& m_limits;
 };

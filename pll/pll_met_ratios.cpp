@@ -20,9 +20,8 @@ struct DIVIDER
     double m_max_count;
 };
 
-DIVIDER read_divider(const PLL_USER_TAP& wish, int max_count)
+DIVIDER read_divider(double ratio, int max_count)
 {
-    const double ratio = double(wish.m_mult) / wish.m_div;
     return {ratio, std::max(MET_RELATIVE, EXACT_RATIO / ratio) * (1.0 + ROOM),
             max_count == 1 ? 1.0 : 2.0 * max_count};
 }
@@ -85,11 +84,11 @@ void MET_RATIOS::BUILDER::cut(const RATIO_RANGE& range, const DIVIDER& divider)
     }
 }
 
-MET_RATIOS::MET_RATIOS(const PLL& pll, const PLL_PROP& request, RATIO_RANGE within) : m_count(0)
+MET_RATIOS::MET_RATIOS(const PLL& pll, const SEARCH_LIMITS& limits, RATIO_RANGE within) : m_count(0)
 {
-    const int taps = clamp_taps(request.m_taps_count);
-    if (taps > 0 && request.m_vco_mult >= 1 && request.m_vco_div >= 1) {
-        const double ratio = double(request.m_vco_mult) / request.m_vco_div;
+    const int taps = limits.m_taps_count;
+    if (taps > 0 && has_wish(limits.m_vco_wish)) {
+        const double ratio = limits.m_vco_wish.m_ratio;
         const double room = EXACT_RATIO * (1.0 + ROOM) + ratio * ROUNDING;
         within = {std::max(within.m_low, ratio - room), std::min(within.m_high, ratio + room)};
     }
@@ -100,7 +99,7 @@ MET_RATIOS::MET_RATIOS(const PLL& pll, const PLL_PROP& request, RATIO_RANGE with
     int fastest = 0;
     DIVIDER dividers[PLL_MAX_TAPS];
     for (int i = 0; i < taps; ++i) {
-        dividers[i] = read_divider(request.m_taps[i], pll.m_taps[i].m_max_count);
+        dividers[i] = read_divider(limits.m_wishes[i].m_ratio, pll.m_taps[i].m_max_count);
         fastest = dividers[i].m_ratio > dividers[fastest].m_ratio ? i : fastest;
     }
     for (int step = 0; step < taps && m_count > 0; ++step) {

@@ -7,14 +7,15 @@
 #pragma once
 
 #include "pll.h"
-#include "pll_prop.h"
 #include "pll_region.h"
+
+struct SEARCH_LIMITS;
 
 class MET_RATIOS
 {
 public:
     // Of the ratios in `within`.
-    MET_RATIOS(const PLL& pll, const PLL_PROP& request, RATIO_RANGE within);
+    MET_RATIOS(const PLL& pll, const SEARCH_LIMITS& limits, RATIO_RANGE within);
 
     // Disjoint and ascending.
     const RATIO_RANGE* begin() const { return m_ranges; }

@@ -34,7 +34,7 @@ void MET_SEARCH::search(int post_scale, const REGION& region)
         return;
     }
     const PLL& pll = m_evaluation->pll();
-    const MET_RATIOS ratios(pll, m_evaluation->request(), region.ratios());
+    const MET_RATIOS ratios(pll, m_evaluation->limits(), region.ratios());
     if (ratios.count() == 0) {
         return;
     }

@@ -11,13 +11,13 @@ constexpr double LARGEST_EXACT = 9007199254740992.0;  // 2^53: whole numbers bel
 
 // Whether settings of one ratio have one error sum, to the last digit: none is taken from M, and
 // the products that counters are computed from are not rounded.
-bool ratio_tells_all(const PLL& pll, const PLL_PROP& request)
+bool ratio_tells_all(const PLL& pll, const SEARCH_LIMITS& limits)
 {
     bool tells = pll.m_feedback_tap < 0;
-    for (int i = 0; i < clamp_taps(request.m_taps_count); ++i) {
-        const PLL_USER_TAP& wish = request.m_taps[i];
-        tells = tells && double(pll.m_m.m_max_count) * wish.m_div < LARGEST_EXACT &&
-                double(pll.m_n.m_max_count) * wish.m_mult < LARGEST_EXACT;
+    for (int i = 0; i < limits.m_taps_count; ++i) {
+        const RATIO_WISH& wish = limits.m_wishes[i];
+        tells = tells && limits.m_m_max * wish.m_div < LARGEST_EXACT &&
+                limits.m_n_max * wish.m_mult < LARGEST_EXACT;
     }
     return tells;
 }
@@ -37,10 +37,10 @@ int lowest_of(const float* bounds, int count)
 
 }  // namespace
 
-NEAREST_SEARCH::NEAREST_SEARCH(const PLL& pll, const PLL_PROP& request)
-    : m_bound(pll, request),
-      m_sum(pll, request),
-      m_ratio_tells_all(ratio_tells_all(pll, request)),
+NEAREST_SEARCH::NEAREST_SEARCH(const PLL& pll, const SEARCH_LIMITS& limits)
+    : m_bound(pll, limits),
+      m_sum(pll, limits),
+      m_ratio_tells_all(ratio_tells_all(pll, limits)),
       m_post_scale(0),
       m_entered(0)
 {

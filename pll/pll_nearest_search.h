@@ -21,7 +21,7 @@ public:
         int m_n = 0;
     };
 
-    NEAREST_SEARCH(const PLL& pll, const PLL_PROP& request);
+    NEAREST_SEARCH(const PLL& pll, const SEARCH_LIMITS& limits);
 
     // To be called for each post-scale, in their order.
     void search(int post_scale, const REGION& region);

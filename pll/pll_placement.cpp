@@ -12,11 +12,11 @@ bool may_be_below_zero(double phase)
 
 }  // namespace
 
-PLACEMENT::PLACEMENT(const PLL_PROP& request)
+PLACEMENT::PLACEMENT(const PLL& pll, const PLL_PROP& request)
     : m_request(request),
       m_taps(clamp_taps(request.m_taps_count)),
       m_may_be_negative(false),
-      m_duties(request)
+      m_duties(pll, request)
 {
     for (int i = 0; i < m_taps; ++i) {
         const PLL_USER_TAP& wish = request.m_taps[i];
@@ -40,7 +40,7 @@ bool PLL::synthesize_best_phase_and_duty_cycle(PLL* pll, const PLL_PROP& request
     if (pll == nullptr) {
         return false;
     }
-    PLACEMENT(request).place(pll);
+    PLACEMENT(*pll, request).place(pll);
     set_output_counts_from_high_low();
     return true;
 }

@@ -5,6 +5,8 @@
 #include "pll.h"
 #include "pll_prop.h"
 
+#include <cstdint>
+
 // Where a candidate's clocks are placed: what all its outputs share.
 struct PHASE_FRAME
 {
@@ -39,10 +41,10 @@ struct DUTY_PLAN
     static constexpr int MAX_CHARGES = 4;
 
     int m_count;
-    int m_max_count;
     int m_high;
     int m_low;
     bool m_even;
+    bool m_has_clamps;  // what one half cannot count went to the other
     int m_charges_count;
     double m_charges[MAX_CHARGES];  // added to the cost one after the other
     int m_smallest;                 // percent, as the next four
@@ -51,32 +53,55 @@ struct DUTY_PLAN
     int m_previous;  // the smallest int: no smaller one
 };
 
-// Places duty cycles. One counter often has the same value in many candidates, and one wish is
-// often that of many outputs, so the last plan of each output is kept and shared with the next one.
+// A plan without clamps for a duty cycle of 0 to 100 %, as small as can be.
+struct SMALL_DUTY_PLAN
+{
+    std::uint32_t m_key;  // 0: none
+    std::int32_t m_high;
+    std::uint8_t m_even;
+    std::uint8_t m_has_odd_half;
+    std::uint8_t m_deviation;  // percent, as the next four
+    std::uint8_t m_smallest;
+    std::uint8_t m_largest;
+    std::uint8_t m_next;      // above 100: no larger duty cycle
+    std::uint8_t m_previous;  // above 100: no smaller one
+};
+
+// Places duty cycles. Many candidates give a counter the same value, and many outputs have the same
+// wish, so plans are kept: the last one of each output, and once there have been many, those of
+// many counter values.
 class DUTY_PLACING
 {
 public:
-    explicit DUTY_PLACING(const PLL_PROP& request);
+    DUTY_PLACING(const PLL& pll, const PLL_PROP& request);
 
     // Charges what output `index` misses.
     void place(int index, PLL* pll);
 
 private:
+    static constexpr int TABLE_SIZE = 1024;
+
     bool is_ordinary(int index, const PLL& pll) const;
     const DUTY_PLAN& plan_of(int index, const PLL& pll);
     void make_plan(int index, const PLL& pll, DUTY_PLAN* plan) const;
-    static void carry_out(const DUTY_PLAN& plan, PLL_OUTPUT_TAP* tap, double* cost);
+    std::uint32_t key_of(int index, int count) const;
+    SMALL_DUTY_PLAN* slot_of(std::uint32_t key);
+    void count_miss();
 
     const PLL_PROP& m_request;
-    bool m_is_shared[PLL_MAX_TAPS];  // the output before asks for the same
+    int m_taps_count;
+    int m_misses;
+    int m_kinds[PLL_MAX_TAPS];  // the first output with the same wish and the same largest count
+    int m_max_counts[PLL_MAX_TAPS];
     DUTY_PLAN m_plans[PLL_MAX_TAPS];
+    SMALL_DUTY_PLAN m_table[TABLE_SIZE];  // in use after many misses
 };
 
 // Places the clocks of one candidate after the other.
 class PLACEMENT
 {
 public:
-    explicit PLACEMENT(const PLL_PROP& request);
+    PLACEMENT(const PLL& pll, const PLL_PROP& request);
 
     // Gives the outputs of `pll` their VCO taps, counter starts and high/low splits, and charges
     // what the request misses.

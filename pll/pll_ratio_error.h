@@ -4,7 +4,6 @@
 #pragma once
 
 #include "pll_arith.h"
-#include "pll_prop.h"
 
 #include <cmath>
 
@@ -21,19 +20,46 @@ struct CANDIDATE_SCORE
 inline constexpr double EXACT_RATIO = 1e-12;   // below it a ratio error is rounding
 inline constexpr double MET_RELATIVE = 0.001;  // below it an output counts as met
 
-// The counter that comes nearest to an output's ratio.
-inline int counter_value(int m, int n, const PLL_USER_TAP& wish)
+// What a clock asks for, as the expressions below use it.
+struct RATIO_WISH
 {
-    const double value = (double(m) * wish.m_div) / (double(n) * wish.m_mult) + 0.5;
+    double m_mult;
+    double m_div;
+    double m_ratio;  // mult / div
+};
+
+inline RATIO_WISH read_ratio_wish(int mult, int div)
+{
+    return {double(mult), double(div), double(mult) / double(div)};
+}
+
+inline bool has_wish(const RATIO_WISH& wish)
+{
+    return wish.m_mult >= 1.0 && wish.m_div >= 1.0;
+}
+
+// The VCO of a candidate.
+struct VCO_RATIO
+{
+    VCO_RATIO(int m, int n) : m_m(m), m_n(n), m_ratio(m_m / m_n) {}
+
+    double m_m;
+    double m_n;
+    double m_ratio;  // M / N
+};
+
+// The counter that comes nearest to an output's ratio.
+inline int counter_value(const VCO_RATIO& vco, const RATIO_WISH& wish)
+{
+    const double value = (vco.m_m * wish.m_div) / (vco.m_n * wish.m_mult) + 0.5;
     return value < 1.0 ? 1 : truncate_to_int(value);
 }
 
 // Adds the error of one output with counter `count`. Returns it, 0 when the output counts as met.
-inline double add_frequency_error(int m, int n, int count, const PLL_USER_TAP& wish,
+inline double add_frequency_error(const VCO_RATIO& vco, int count, const RATIO_WISH& wish,
                                   CANDIDATE_SCORE* score)
 {
-    const double ratio = double(m) / double(n);
-    const double error = std::fabs(ratio / count - double(wish.m_mult) / double(wish.m_div));
+    const double error = std::fabs(vco.m_ratio / count - wish.m_ratio);
     if (error < EXACT_RATIO) {
         return 0.0;
     }
@@ -46,15 +72,15 @@ inline double add_frequency_error(int m, int n, int count, const PLL_USER_TAP& w
     return error;
 }
 
-// The wish for a VCO ratio counts once for every output, in the place of the output's own error.
-inline double add_vco_ratio_error(int m, int n, const PLL_PROP& request, double tap_error,
+// The wish for a VCO ratio, if any, counts once for every output, in the place of the output's own
+// error.
+inline double add_vco_ratio_error(const VCO_RATIO& vco, const RATIO_WISH& wish, double tap_error,
                                   CANDIDATE_SCORE* score)
 {
-    if (request.m_vco_mult < 1 || request.m_vco_div < 1) {
+    if (!has_wish(wish)) {
         return tap_error;
     }
-    const double ratio = double(m) / double(n);
-    double error = std::fabs(ratio - double(request.m_vco_mult) / double(request.m_vco_div));
+    double error = std::fabs(vco.m_ratio - wish.m_ratio);
     if (error < EXACT_RATIO) {
         error = 0.0;
     }

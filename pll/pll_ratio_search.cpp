@@ -110,7 +110,7 @@ bool search_by_ratio(EVALUATION* evaluation)
     if (evaluation->result().m_found) {
         return true;
     }
-    NEAREST_SEARCH nearest(pll, request);
+    NEAREST_SEARCH nearest(pll, limits);
     for (int post_scale = 1; post_scale <= limits.m_max_post_scale; ++post_scale) {
         nearest.search(post_scale, *regions[post_scale]);
     }

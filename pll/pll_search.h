@@ -57,6 +57,9 @@ struct SEARCH_LIMITS
     int m_product_min;  // charge-pump current x resistor
     int m_product_max;
     int m_first_resistor;  // ohm
+    int m_taps_count;      // of the request, as many as a record holds
+    RATIO_WISH m_wishes[PLL_MAX_TAPS];
+    RATIO_WISH m_vco_wish;  // 0 / 0 or less: none
 
     VCO_LIMITS get_vco(const PLL& pll, int post_scale) const;
 };
@@ -146,7 +149,7 @@ public:
           m_table_mode(table_mode),
           m_spread(spread),
           m_trace(trace),
-          m_placement(request)
+          m_placement(pll, request)
     {
     }
 

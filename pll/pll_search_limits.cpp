@@ -77,6 +77,11 @@ SEARCH_LIMITS read_search_limits(const PLL& pll, const PLL_PROP& request)
     limits.m_first_resistor = first_or_zero(resistors);
     limits.m_product_min = wrap_mul(first_or_zero(currents), first_or_zero(resistors));
     limits.m_product_max = wrap_mul(last_or_zero(currents), last_or_zero(resistors));
+    limits.m_taps_count = clamp_taps(request.m_taps_count);
+    for (int i = 0; i < limits.m_taps_count; ++i) {
+        limits.m_wishes[i] = read_ratio_wish(request.m_taps[i].m_mult, request.m_taps[i].m_div);
+    }
+    limits.m_vco_wish = read_ratio_wish(request.m_vco_mult, request.m_vco_div);
     check(pll.m_m.m_min_count == 1, "this->m_m.m_min_count == 1", "pll");
     check(pll.m_max_vco_post_scale <= PLL_VCO_POST_SCALE_MAX,
           "max_vco_post_scale <= PLL_VCO_POST_SCALE_MAX", "pll");
