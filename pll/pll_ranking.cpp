@@ -136,7 +136,7 @@ void RANKING::offer_exact(PLL* candidate, CANDIDATE_SCORE* score, SEARCH_RESULT*
     candidate->m_cost += (candidate->m_vco_post_scale - 1) * POST_SCALE_PENALTY;
 
     if (m_table_mode) {
-        PLL::synthesize_best_bandwidth_using_table(candidate, m_request);
+        m_chooser.choose(candidate);
         const bool legal =
             candidate->m_bandwidth_legal_for_mult_div && candidate->m_bandwidth_legal_for_fin;
         if (m_pll.m_info.m_basic_info->m_is_pfd_bandwidth_rule_an_error && !legal) {

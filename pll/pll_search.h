@@ -6,6 +6,7 @@
 #pragma once
 
 #include "pll.h"
+#include "pll_bandwidth.h"
 #include "pll_placement.h"
 #include "pll_prop.h"
 #include "pll_ratio_error.h"
@@ -149,7 +150,8 @@ public:
           m_table_mode(table_mode),
           m_spread(spread),
           m_trace(trace),
-          m_placement(pll, request)
+          m_placement(pll, request),
+          m_chooser(request)
     {
     }
 
@@ -168,6 +170,7 @@ private:
     bool m_spread;
     SYNTHESIS_TRACE* m_trace;
     PLACEMENT m_placement;
+    PLL_BANDWIDTH_CHOOSER m_chooser;
 };
 
 // Chooses resistor and charge-pump current for a custom bandwidth, raising M and N by a common

@@ -1,0 +1,198 @@
+// Error sums without counters, and their lower bounds, against the sums of assigned counters.
+#include "pll_error_bound.h"
+#include "pll_error_sum.h"
+#include "pll_met_ratios.h"
+#include "pll_search.h"
+#include "random_ratio_request.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+namespace {
+
+constexpr int M_MAX = 60;
+constexpr int N_MAX = 20;
+
+// A request and what a search knows of it.
+class SUBJECT
+{
+public:
+    explicit SUBJECT(RANDOM_RATIOS* random)
+        : m_request(random->request()), m_pll(random->pll(m_request, M_MAX, N_MAX))
+    {
+        m_pll->m_feedback_tap = m_request.m_feedback_tap;
+        m_limits = read_search_limits(*m_pll, m_request);
+    }
+
+    const PLL& pll() const { return *m_pll; }
+    const SEARCH_LIMITS& limits() const { return m_limits; }
+
+    double assigned_sum(int m, int n) const
+    {
+        PLL candidate(m_request.m_taps_count, PLL_MAX_TAPS);
+        candidate = *m_pll;
+        const SEARCH_POINT point{1, m, n, 1000.0, 1000, 0};
+        return assign_candidate(*m_pll, m_request, m_limits, point, *m_pll, &candidate).m_error;
+    }
+
+private:
+    PLL_PROP m_request;
+    std::unique_ptr<PLL> m_pll;
+    SEARCH_LIMITS m_limits{};
+};
+
+template <class CHECK>
+void for_all_settings(unsigned seed, int subjects, CHECK check_setting)
+{
+    RANDOM_RATIOS random(seed);
+    for (int i = 0; i < subjects; ++i) {
+        const SUBJECT subject(&random);
+        for (int m = 2; m <= M_MAX; m += 3) {
+            for (int n = 1; n <= N_MAX; n += 2) {
+                check_setting(subject, m, n);
+            }
+        }
+    }
+}
+
+TEST(ErrorSum, IsThatOfTheAssignedCountersToTheLastDigit)
+{
+    int missed = 0;
+    for_all_settings(20, 60, [&](const SUBJECT& subject, int m, int n) {
+        const ERROR_SUM sum(subject.pll(), subject.limits());
+        const double expected = subject.assigned_sum(m, n);
+        ASSERT_EQ(expected, sum.of(m, n, expected)) << m << " / " << n;
+        ASSERT_EQ(expected, sum.of(m, n, 1e300)) << m << " / " << n;
+        missed += expected != 0.0 ? 1 : 0;
+    });
+    EXPECT_GT(missed, 1000);
+}
+
+TEST(ErrorSum, IsAboveEveryLimitThatItPasses)
+{
+    for_all_settings(21, 60, [&](const SUBJECT& subject, int m, int n) {
+        const ERROR_SUM sum(subject.pll(), subject.limits());
+        const double expected = subject.assigned_sum(m, n);
+        const double below = std::nextafter(expected, -1.0);
+        ASSERT_GT(sum.of(m, n, below), below) << m << " / " << n;
+    });
+}
+
+TEST(ErrorBound, OfARatioIsNeverAboveTheSumAndRarelyFarBelow)
+{
+    int close = 0;
+    for_all_settings(22, 100, [&](const SUBJECT& subject, int m, int n) {
+        const ERROR_BOUND bound(subject.pll(), subject.limits());
+        const float ratio = float(double(m) / n);
+        const float ratios[ERROR_BOUND::LANES] = {ratio, 1.0F, ratio, ratio};
+        float bounds[ERROR_BOUND::LANES];
+        bound.bound_ratios(ratios, bounds);
+        const double expected = subject.assigned_sum(m, n);
+        for (const int lane : {0, 2, 3}) {
+            ASSERT_LE(bounds[lane], expected) << m << " / " << n;
+        }
+        close += expected > 0.01 && bounds[0] > 0.99 * expected ? 1 : 0;
+    });
+    EXPECT_GT(close, 8000);
+}
+
+TEST(ErrorBound, OfACellIsNeverAboveASumInItAndOftenAboveNothing)
+{
+    constexpr int CELLS = 64;
+    int above_nothing = 0;
+    for_all_settings(23, 60, [&](const SUBJECT& subject, int m, int n) {
+        const ERROR_BOUND bound(subject.pll(), subject.limits());
+        const double low = 0.1;
+        const double width = (double(M_MAX) + 0.1) / CELLS;
+        float bounds[CELLS];
+        bound.bound_cells(low, width, CELLS, bounds);
+        const double ratio = double(m) / n;
+        for (int cell = 0; cell < CELLS; ++cell) {
+            if (low + cell * width <= ratio && ratio <= low + (cell + 1) * width) {
+                ASSERT_LE(bounds[cell], subject.assigned_sum(m, n)) << m << " / " << n;
+                above_nothing += bounds[cell] > 0.0F ? 1 : 0;
+            }
+        }
+    });
+    EXPECT_GT(above_nothing, 1000);
+}
+
+bool holds(const MET_RATIOS& met, double ratio)
+{
+    return std::any_of(met.begin(), met.end(), [=](const RATIO_RANGE& range) {
+        return range.m_low <= ratio && ratio <= range.m_high;
+    });
+}
+
+TEST(MetRatios, HoldEverySettingWithoutAnErrorAndFewOthers)
+{
+    int exact = 0;
+    int others = 0;
+    for_all_settings(24, 300, [&](const SUBJECT& subject, int m, int n) {
+        const MET_RATIOS met(subject.pll(), subject.limits(), {0.01, 100.0});
+        const bool is_exact = subject.assigned_sum(m, n) == 0.0;
+        const bool is_held = holds(met, double(m) / n);
+        ASSERT_TRUE(is_held || !is_exact) << m << " / " << n;
+        exact += is_exact ? 1 : 0;
+        others += is_held && !is_exact && subject.pll().m_feedback_tap < 0 ? 1 : 0;
+    });
+    EXPECT_GT(exact, 3000);
+    EXPECT_LT(others, exact / 20);
+}
+
+TEST(MetRatios, AreDisjointAndAscending)
+{
+    RANDOM_RATIOS random(25);
+    int ranges = 0;
+    for (int i = 0; i < 300; ++i) {
+        const SUBJECT subject(&random);
+        const MET_RATIOS met(subject.pll(), subject.limits(), {0.01, 100.0});
+        double last = 0.0;
+        for (const RATIO_RANGE& range : met) {
+            EXPECT_LT(last, range.m_low);
+            EXPECT_LE(range.m_low, range.m_high);
+            last = range.m_high;
+            ++ranges;
+        }
+    }
+    EXPECT_GT(ranges, 1000);
+}
+
+// 1000 multiples of the output's ratio are more than are told apart, and from 500 on every ratio
+// is within a thousandth of one.
+TEST(MetRatios, AreOneRangeWhereMultiplesAreDense)
+{
+    PLL_PROP request(1);
+    request.m_taps[0].m_div = 2000;
+    PLL pll(1, PLL_MAX_TAPS);
+    pll.m_taps[0].m_max_count = 1000;
+    const SEARCH_LIMITS limits = read_search_limits(pll, request);
+    const MET_RATIOS dense(pll, limits, {0.3, 0.9});
+    ASSERT_EQ(1, dense.count());
+    EXPECT_LE(dense.begin()->m_low, 0.3);
+    EXPECT_GE(dense.begin()->m_high, 0.9);
+    const MET_RATIOS many(pll, limits, {0.0004, 0.9});
+    EXPECT_LT(400, many.count());
+    EXPECT_TRUE(holds(many, 0.0005));
+    EXPECT_FALSE(holds(many, 0.00075));  // between K = 1 and K = 2
+}
+
+TEST(MetRatios, EndWhereTheCounterDoes)
+{
+    PLL_PROP request(1);
+    PLL pll(1, PLL_MAX_TAPS);
+    const auto met_to = [&](int max_count, double ratio) {
+        pll.m_taps[0].m_max_count = max_count;
+        return holds(MET_RATIOS(pll, read_search_limits(pll, request), {0.5, 50.0}), ratio);
+    };
+    EXPECT_TRUE(met_to(3, 6.0));
+    EXPECT_FALSE(met_to(3, 7.0));
+    EXPECT_TRUE(met_to(1, 1.0));  // such a counter passes the VCO clock and no more
+    EXPECT_FALSE(met_to(1, 2.0));
+    EXPECT_FALSE(met_to(0, 1.0));
+}
+
+}  // namespace

@@ -1,0 +1,198 @@
+// The search by VCO ratio against the walk over all rows: both must leave the same result behind.
+#include "pll_evaluation.h"
+#include "pll_met_search.h"
+#include "pll_nearest_search.h"
+#include "random_ratio_request.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <sstream>
+#include <string>
+
+namespace {
+
+// Everything that a search leaves, doubles to the last digit.
+std::string text_of(const SEARCH_RESULT& result)
+{
+    std::ostringstream text;
+    text << std::hexfloat << result.m_best_error << ' ' << result.m_best_cost << ' '
+         << result.m_best_vco_deviation << ' ' << result.m_found << result.m_taken
+         << result.m_clamped << '\n'
+         << result.m_best.m_cost << ' ' << result.m_best.m_vco_period << ' '
+         << result.m_best.m_delta_phase << ' ' << result.m_best.m_i << '\n';
+    for (const PLL_OUTPUT_TAP& tap : result.m_best.m_taps) {
+        text << tap.m_next_phase_degree << ' ' << tap.m_prev_phase_degree << ' '
+             << tap.m_next_duty_cycle << ' ' << tap.m_prev_duty_cycle << ' '
+             << tap.m_smallest_duty_cycle_min << ' ' << tap.m_largest_duty_cycle_max << ' '
+             << tap.m_delta_phase << '\n';
+    }
+    result.m_best.dump(text, true, false);
+    return text.str();
+}
+
+enum class WAY
+{
+    WALK,
+    BY_RATIO
+};
+
+// The result of one way; an empty text when the search by ratio leaves it to the walk.
+std::string search_by(WAY way, const PLL& pll, const PLL_PROP& request)
+{
+    const SEARCH_LIMITS limits = read_search_limits(pll, request);
+    SEARCH_RESULT result(pll, request);
+    EVALUATION evaluation(pll, request, limits, nullptr, &result);
+    if (way == WAY::WALK) {
+        walk_rows(&evaluation);
+    } else if (!search_by_ratio(&evaluation)) {
+        return "";
+    }
+    return text_of(result);
+}
+
+struct TALLY
+{
+    int m_by_ratio = 0;
+    int m_exact = 0;
+    int m_missed = 0;
+};
+
+void expect_the_walk(const PLL& pll, const PLL_PROP& request, TALLY* tally)
+{
+    const std::string by_ratio = search_by(WAY::BY_RATIO, pll, request);
+    const SEARCH_LIMITS limits = read_search_limits(pll, request);
+    SEARCH_RESULT walked(pll, request);
+    EVALUATION evaluation(pll, request, limits, nullptr, &walked);
+    walk_rows(&evaluation);
+    ASSERT_EQ(walked.m_found, !by_ratio.empty());
+    if (!walked.m_found) {
+        return;
+    }
+    ASSERT_EQ(text_of(walked), by_ratio);
+    ++tally->m_by_ratio;
+    ++(walked.m_best_error == 0.0 ? tally->m_exact : tally->m_missed);
+}
+
+TEST(RatioSearch, LeavesWhatTheWalkLeavesInSmallBoxes)
+{
+    RANDOM_RATIOS random(30);
+    TALLY tally;
+    for (int i = 0; i < 3000; ++i) {
+        const PLL_PROP request = random.request();
+        const auto pll = random.pll(request, 1 + random.number(60), random.number(40));
+        pll->m_feedback_tap = request.m_feedback_tap;
+        SCOPED_TRACE(i);
+        expect_the_walk(*pll, request, &tally);
+    }
+    EXPECT_GT(tally.m_exact, 300);
+    EXPECT_GT(tally.m_missed, 500);
+}
+
+TEST(RatioSearch, LeavesWhatTheWalkLeavesInLargeBoxes)
+{
+    RANDOM_RATIOS random(31);
+    TALLY tally;
+    for (int i = 0; i < 150; ++i) {
+        const PLL_PROP request = random.request();
+        const auto pll = random.pll(request, 512, 512);
+        pll->m_feedback_tap = request.m_feedback_tap;
+        SCOPED_TRACE(i);
+        expect_the_walk(*pll, request, &tally);
+    }
+    EXPECT_GT(tally.m_exact, 20);
+    EXPECT_GT(tally.m_missed, 20);
+}
+
+// Too many exact candidates to gather before they are sorted: 512 columns of N beside more rows.
+TEST(RatioSearch, VisitsMoreExactCandidatesThanCanBeGathered)
+{
+    PLL_PROP request(1);
+    request.m_fin_period = 1000;
+    request.m_taps[0].m_div = 400;
+    request.m_bandwidth_type = 2;
+    PLL pll(1, PLL_MAX_TAPS);
+    pll.m_m.m_max_count = 900;
+    pll.m_n.m_max_count = 300;
+    pll.m_vco_min_period[1] = 300;
+    pll.m_vco_max_period[1] = 900;
+    pll.m_low_bandwidth = 1.2e6;
+    TALLY tally;
+    expect_the_walk(pll, request, &tally);
+    EXPECT_EQ(1, tally.m_exact);
+}
+
+TEST(RatioSearch, LeavesOddRequestsToTheWalk)
+{
+    PLL_PROP request(1);
+    request.m_fin_period = 10000;
+    PLL pll(1, PLL_MAX_TAPS);
+    EXPECT_NE("", search_by(WAY::BY_RATIO, pll, request));
+    const auto expect_left = [&](auto change) {
+        PLL_PROP odd(1);
+        odd.m_fin_period = 10000;
+        PLL odd_pll(1, PLL_MAX_TAPS);
+        change(&odd_pll, &odd);
+        EXPECT_EQ("", search_by(WAY::BY_RATIO, odd_pll, odd));
+        EXPECT_NE("", search_by(WAY::WALK, odd_pll, odd));
+    };
+    expect_left([](PLL*, PLL_PROP* odd) { odd->m_fin_period = -10000; });
+    expect_left([](PLL*, PLL_PROP* odd) { odd->m_taps[0].m_mult = 0; });
+    expect_left([](PLL*, PLL_PROP* odd) { odd->m_taps[0].m_div = -1; });
+    expect_left([](PLL*, PLL_PROP* odd) { odd->m_taps[0].m_phase = 1e300; });
+    expect_left([](PLL*, PLL_PROP* odd) { odd->m_taps[0].m_phase = std::nan(""); });
+    expect_left([](PLL* odd, PLL_PROP*) { odd->m_n.m_min_count = 0; });
+    expect_left([](PLL* odd, PLL_PROP*) { odd->m_taps[0].m_max_count = -1; });
+    expect_left([](PLL* odd, PLL_PROP* request_of_it) {
+        odd->m_output_counter_cascade = true;
+        request_of_it->m_taps[0].m_div = 2000;
+    });
+}
+
+TEST(RatioSearch, TrustsACascadeThatCannotHappen)
+{
+    PLL_PROP request(1);
+    request.m_fin_period = 10000;
+    PLL pll(1, PLL_MAX_TAPS);
+    pll.m_output_counter_cascade = true;
+    EXPECT_NE("", search_by(WAY::BY_RATIO, pll, request));
+    EXPECT_EQ(search_by(WAY::WALK, pll, request), search_by(WAY::BY_RATIO, pll, request));
+}
+
+// 7 / 3 and all its multiples miss by the same: the first of them stays.
+TEST(NearestSearch, KeepsTheFirstOfEqualSums)
+{
+    PLL_PROP request(1);
+    request.m_fin_period = 2000;
+    request.m_taps[0].m_mult = 7003;
+    request.m_taps[0].m_div = 3000;
+    PLL pll(1, PLL_MAX_TAPS);
+    pll.m_m.m_max_count = 70;
+    pll.m_n.m_max_count = 30;
+    pll.m_vco_min_period[1] = 856;
+    pll.m_vco_max_period[1] = 857;
+    pll.m_taps[0].m_max_count = 1;
+    request.m_taps[0].m_mult *= 2;
+    const SEARCH_LIMITS limits = read_search_limits(pll, request);
+    NEAREST_SEARCH search(pll, limits);
+    search.search(1, REGION(pll, limits, 1));
+    EXPECT_EQ(1, search.best().m_post_scale);
+    EXPECT_EQ(7, search.best().m_m);
+    EXPECT_EQ(3, search.best().m_n);
+}
+
+TEST(NearestSearch, FindsNothingWhereNothingIsLegal)
+{
+    PLL_PROP request(1);
+    request.m_fin_period = 2000;
+    PLL pll(1, PLL_MAX_TAPS);
+    pll.m_vco_min_period[1] = 901;
+    pll.m_vco_max_period[1] = 902;
+    pll.m_m.m_max_count = 3;
+    const SEARCH_LIMITS limits = read_search_limits(pll, request);
+    NEAREST_SEARCH search(pll, limits);
+    search.search(1, REGION(pll, limits, 1));
+    EXPECT_EQ(0, search.best().m_post_scale);
+}
+
+}  // namespace
