@@ -13,7 +13,6 @@ using FOUR = float __attribute__((vector_size(16)));
 constexpr float ROUNDING = 2e-6F;  // relative; several times that of the floats that lead to a term
 constexpr float SURE_SHARE = 1.0F - ROUNDING;
 constexpr float SURELY_NOT_MET = float(MET_RELATIVE) + 2.0F * ROUNDING;
-constexpr float ALWAYS_MET = 1000.0F;          // such counts are within a thousandth of any ratio
 constexpr float SURELY_BEYOND = 0.5F + 1e-3F;  // of a count, so that it rounds up
 constexpr double SMALLEST_SURE_RATIO = 1e-8;   // below it errors may count as rounding
 
@@ -44,8 +43,8 @@ inline FOUR at_least_zero(FOUR value)
     return larger(value, all(0.0F));
 }
 
-// A whole number nearest to the value, for values far below 2^22: adding 1.5 x 2^23 leaves no room
-// for a fraction.
+// A whole number nearest to the value: adding 1.5 x 2^23 leaves no room for a fraction. Beyond 2^22
+// it is off by a little, which is nothing beside a thousandth of the value.
 inline FOUR round_to_whole(FOUR value)
 {
     constexpr float NO_FRACTION = 12582912.0F;
@@ -65,7 +64,7 @@ inline FOUR missed_between(FOUR low, FOUR high)
     const FOUR numerator = is_below_one ? from_above : both_sides;
     const FOUR denominator = is_below_one ? above : below * above;
     const FOUR missed = numerator / denominator;
-    return (missed < SURELY_NOT_MET) | (low > ALWAYS_MET) ? all(0.0F) : missed - ROUNDING;
+    return missed < SURELY_NOT_MET ? all(0.0F) : missed - ROUNDING;
 }
 
 }  // namespace

@@ -99,6 +99,24 @@ TEST(ErrorBound, OfARatioIsNeverAboveTheSumAndRarelyFarBelow)
     EXPECT_GT(close, 8000);
 }
 
+// Where counts are far too large for the fractions of a float, every ratio is within a thousandth.
+TEST(ErrorBound, IsZeroForVeryLargeCounts)
+{
+    PLL_PROP request(1);
+    request.m_taps[0].m_div = 100000007;
+    PLL pll(1, PLL_MAX_TAPS);
+    pll.m_taps[0].m_max_count = 0x7FFFFFFF;
+    const ERROR_BOUND bound(pll, read_search_limits(pll, request));
+    for (int i = 1; i < 200; ++i) {
+        const float ratios[ERROR_BOUND::LANES] = {0.5F + 0.01F * float(i), 1.0F, 2.0F, 3.3F};
+        float bounds[ERROR_BOUND::LANES];
+        bound.bound_ratios(ratios, bounds);
+        for (const float value : bounds) {
+            EXPECT_EQ(0.0F, value);
+        }
+    }
+}
+
 TEST(ErrorBound, OfACellIsNeverAboveASumInItAndOftenAboveNothing)
 {
     constexpr int CELLS = 64;

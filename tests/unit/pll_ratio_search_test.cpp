@@ -3,10 +3,12 @@
 #include "pll_met_search.h"
 #include "pll_nearest_search.h"
 #include "random_ratio_request.h"
+#include "temp_dir.h"
 
 #include <gtest/gtest.h>
 
-#include <cstring>
+#include <algorithm>
+#include <cmath>
 #include <sstream>
 #include <string>
 
@@ -50,6 +52,53 @@ std::string search_by(WAY way, const PLL& pll, const PLL_PROP& request)
     }
     return text_of(result);
 }
+
+// M and N of the exact candidates of a search, in the order in which they were evaluated.
+std::string exact_candidates(WAY way, const PLL& pll, const PLL_PROP& request)
+{
+    const TEMP_WORKING_DIR here;
+    {
+        SYNTHESIS_TRACE trace;
+        trace.open();
+        const SEARCH_LIMITS limits = read_search_limits(pll, request);
+        SEARCH_RESULT result(pll, request);
+        EVALUATION evaluation(pll, request, limits, &trace, &result);
+        if (way == WAY::WALK) {
+            walk_rows(&evaluation);
+        } else {
+            search_by_ratio(&evaluation);
+        }
+    }
+    std::istringstream log(read_file("debug.log"));
+    std::string candidates;
+    std::string setting;
+    for (std::string line; std::getline(log, line);) {
+        if (line.starts_with("M ")) {
+            setting = line;
+        } else if (line.starts_with("N ")) {
+            setting += ' ' + line + '\n';
+        } else if (line.starts_with("cost 0 ")) {
+            candidates += setting;
+        }
+    }
+    return candidates;
+}
+
+// A request that thousands of candidates of many blocks of M meet, in columns or in rows.
+struct CROWD
+{
+    CROWD(int fin_period, int bandwidth_type) : m_request(1), m_pll(1, PLL_MAX_TAPS)
+    {
+        m_request.m_fin_period = fin_period;
+        m_request.m_bandwidth_type = bandwidth_type;
+        m_request.m_taps[0].m_div = 800000 / fin_period;
+        m_request.m_taps[0].m_mult = 1;
+        m_pll.m_taps[0].m_max_count = 2000;
+    }
+
+    PLL_PROP m_request;
+    PLL m_pll;
+};
 
 struct TALLY
 {
@@ -104,22 +153,42 @@ TEST(RatioSearch, LeavesWhatTheWalkLeavesInLargeBoxes)
     EXPECT_GT(tally.m_missed, 20);
 }
 
-// Too many exact candidates to gather before they are sorted: 512 columns of N beside more rows.
+TEST(RatioSearch, EvaluatesEveryExactCandidateInTheOrderOfTheWalk)
+{
+    constexpr int AUTO = 3;
+    constexpr int LOW = 2;
+    for (const int fin_period : {700, 10000, 40000}) {
+        for (const int bandwidth_type : {AUTO, LOW}) {
+            for (const int mult : {1, 3, 1009}) {
+                CROWD crowd(fin_period, bandwidth_type);
+                crowd.m_request.m_taps[0].m_mult = mult;
+                crowd.m_request.m_taps[0].m_div *= mult;
+                crowd.m_request.m_taps[0].m_div += mult > 3 ? 1 : 0;
+                crowd.m_pll.m_low_bandwidth = 1e6;
+                crowd.m_pll.m_n.m_max_count = 150;
+                SCOPED_TRACE(testing::Message()
+                             << fin_period << ' ' << bandwidth_type << ' ' << mult);
+                const std::string walked =
+                    exact_candidates(WAY::WALK, crowd.m_pll, crowd.m_request);
+                EXPECT_GT(walked.size(), 10U);
+                EXPECT_EQ(walked, exact_candidates(WAY::BY_RATIO, crowd.m_pll, crowd.m_request));
+            }
+        }
+    }
+}
+
+// Few columns of N beside many rows of M, with more exact candidates than are gathered at once.
 TEST(RatioSearch, VisitsMoreExactCandidatesThanCanBeGathered)
 {
-    PLL_PROP request(1);
-    request.m_fin_period = 1000;
-    request.m_taps[0].m_div = 400;
-    request.m_bandwidth_type = 2;
-    PLL pll(1, PLL_MAX_TAPS);
-    pll.m_m.m_max_count = 900;
-    pll.m_n.m_max_count = 300;
-    pll.m_vco_min_period[1] = 300;
-    pll.m_vco_max_period[1] = 900;
-    pll.m_low_bandwidth = 1.2e6;
-    TALLY tally;
-    expect_the_walk(pll, request, &tally);
-    EXPECT_EQ(1, tally.m_exact);
+    CROWD crowd(40000, 2);
+    crowd.m_pll.m_m.m_max_count = 4000;
+    crowd.m_pll.m_vco_min_period[1] = 100;
+    crowd.m_pll.m_low_bandwidth = 1e6;
+    crowd.m_request.m_taps[0].m_div = 1;
+    crowd.m_request.m_taps[0].m_mult = 1;
+    const std::string walked = exact_candidates(WAY::WALK, crowd.m_pll, crowd.m_request);
+    EXPECT_GT(std::count(walked.begin(), walked.end(), '\n'), 1024);
+    EXPECT_EQ(walked, exact_candidates(WAY::BY_RATIO, crowd.m_pll, crowd.m_request));
 }
 
 TEST(RatioSearch, LeavesOddRequestsToTheWalk)

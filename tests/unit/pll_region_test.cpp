@@ -121,6 +121,41 @@ TEST(Region, ReachesTheLargestMWhereNoPeriodIsTooShort)
     EXPECT_GT(region.ratios().m_high, 6.0);
 }
 
+TEST(Region, HoldsTheMThatNeedExactlyTheSmallestAndTheLargestProduct)
+{
+    PLL_PROP request(0);
+    PLL pll(1, PLL_MAX_TAPS);
+    request.m_fin_period = 10000;
+    request.m_bandwidth_type = 4;
+    request.m_bandwidth = 1e6;
+    SEARCH_LIMITS limits = read_search_limits(pll, request);
+    limits.m_product_min = current_resistor_product(12, 1e6, pll.get_kvco(1));
+    limits.m_product_max = current_resistor_product(31, 1e6, pll.get_kvco(1));
+    const REGION region(pll, limits, 1);
+    EXPECT_EQ(12, region.m_range().m_first);
+    EXPECT_EQ(31, region.m_range().m_last);
+}
+
+// 2^31 - 1 periods of 1 ps over 10^9 are a VCO period so close above the limit that only the exact
+// test tells.
+TEST(Region, HoldsTheSecondInputToItsExactPeriod)
+{
+    PLL_PROP request(0);
+    PLL pll(1, PLL_MAX_TAPS);
+    request.m_fin_period = 1;
+    request.m_fin2_period = 2;
+    pll.m_m.m_max_count = 1000000000;
+    pll.m_n.m_max_count = 2000000001;
+    pll.m_pfd_min_period = 1;
+    pll.m_pfd_max_period = 0x7FFFFFFF;
+    pll.m_vco_min_period[1] = 1;
+    pll.m_vco_max_period[1] = 1;
+    const SEARCH_LIMITS limits = read_search_limits(pll, request);
+    const REGION region(pll, limits, 1);
+    EXPECT_TRUE(region.is_legal(1000000000, 1000000000));
+    EXPECT_FALSE(region.is_legal(1000000000, 1000000001));
+}
+
 TEST(Region, IsEmptyWhenNoPeriodIsShortEnough)
 {
     PLL_PROP request(0);
