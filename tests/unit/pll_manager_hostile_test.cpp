@@ -256,7 +256,9 @@ TEST_F(HostileDatabase, MayAskForATableOfBillionsOfGroups)
 {
     for (const std::string count : {"2147483647", "2147483648", "4194304"}) {
         SCOPED_TRACE(count);
-        std::string text = TYPE_HEAD + "m_counter_max " + count;
+        std::string text = TYPE_HEAD;
+        text += "m_counter_max ";
+        text += count;
         text += "\nvco_post_scale_counter_max 2\nbandwidth_settings_table_file table.txt\n";
         write("family.txt", text);
         const std::size_t bytes = MEM_MANAGER::get_live_bytes(nullptr);
