@@ -1,18 +1,21 @@
 // pll_model_compare: sets the library against the plain model on random requests.
 //
-//   pll_model_compare [--requests N] [--seed S] [--kind K]
+//   pll_model_compare [--requests N] [--seed S] [--kind K] [--debug on|off]
 //
 // Request i of kind K is made of seed S + i. Without --kind the kinds take turns, BUILT_IN, whose
-// searches are long, less often. Ends with 1 at the first difference, after printing the case in a
-// form that can be run again.
+// searches are long, less often. With --debug on each request is made with debugging on instead, in
+// a directory of its own, and the trace compared. Ends with 1 at the first difference, after
+// printing the case in a form that can be run again.
 #include "comparison.h"
 
 #include "mem_alloc_sys.h"
+#include "temp_dir.h"
 
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <iostream>
+#include <optional>
 
 namespace {
 
@@ -24,6 +27,7 @@ struct OPTIONS
     std::uint64_t m_requests = 20000;
     std::uint64_t m_seed = 1;
     CASE_KIND m_kind = CASE_KIND::COUNT;  // COUNT: all in turn
+    bool m_debug = false;
 };
 
 typedef std::map<std::string, std::uint64_t> COUNTS;
@@ -36,6 +40,8 @@ bool read_options(int argc, char** argv, OPTIONS* options)
             options->m_requests = std::strtoull(argv[i + 1], nullptr, 10);
         } else if (name == "--seed") {
             options->m_seed = std::strtoull(argv[i + 1], nullptr, 10);
+        } else if (name == "--debug") {
+            options->m_debug = std::strcmp(argv[i + 1], "on") == 0;
         } else if (name == "--kind") {
             options->m_kind = find_case_kind(argv[i + 1]);
             if (options->m_kind == CASE_KIND::COUNT) {
@@ -135,7 +141,8 @@ bool run_all(const OPTIONS& options, COUNTS* counts)
     const PLL anchor(0, PLL_MAX_TAPS);  // keeps the shared lists alive between the cases
     for (std::uint64_t i = 0; i < options.m_requests; ++i) {
         const RANDOM_CASE random_case = make_random_case(kind_at(options, i), options.m_seed + i);
-        const std::string findings = run_case(random_case, i, counts);
+        const std::string findings =
+            options.m_debug ? compare_debugging(random_case) : run_case(random_case, i, counts);
         if (!findings.empty()) {
             std::cout << findings << describe_case(random_case);
             return false;
@@ -150,8 +157,13 @@ int main(int argc, char** argv)
 {
     OPTIONS options;
     if (!read_options(argc, argv, &options)) {
-        std::cerr << "usage: pll_model_compare [--requests N] [--seed S] [--kind K]\n";
+        std::cerr
+            << "usage: pll_model_compare [--requests N] [--seed S] [--kind K] [--debug on|off]\n";
         return 2;
+    }
+    std::optional<TEMP_WORKING_DIR> traces;
+    if (options.m_debug) {
+        traces.emplace();
     }
     COUNTS counts;
     std::cout << "seeds " << options.m_seed << " to " << options.m_seed + options.m_requests - 1

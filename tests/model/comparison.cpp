@@ -6,6 +6,8 @@
 
 #include "verifier.h"
 
+#include <cstdio>
+#include <fstream>
 #include <sstream>
 
 namespace {
@@ -72,7 +74,58 @@ std::string refusal_of(const RANDOM_CASE& random_case, const REAL_CASE& result)
     return text;
 }
 
+// "M" and "N" of the candidates in "debug.log", each on a line of its own.
+std::string read_traced_candidates()
+{
+    std::ifstream log("debug.log");
+    std::string candidates;
+    for (std::string line; std::getline(log, line);) {
+        if (line.rfind("----------Best Candidate", 0) == 0) {
+            break;
+        }
+        if (line.rfind("M limit", 0) != 0 &&
+            (line.rfind("M ", 0) == 0 || line.rfind("N ", 0) == 0)) {
+            candidates += line + '\n';
+        }
+    }
+    return candidates;
+}
+
+std::string text_of(const std::vector<MODEL_VISIT>& visits)
+{
+    std::string text;
+    for (const MODEL_VISIT& visit : visits) {
+        text += "M " + std::to_string(visit.m_m) + "\nN " + std::to_string(visit.m_n) + '\n';
+    }
+    return text;
+}
+
 }  // namespace
+
+std::string compare_debugging(const RANDOM_CASE& random_case)
+{
+    std::ostringstream stream;
+    REAL_CASE real(random_case);
+    MODEL_PLL model = start_of(random_case, real);
+    real.m_pll.m_debug = true;
+    model.m_debug = true;
+    MODEL_REPORTS
+        library_reports;  // the trace shows candidates as users see them, and reports more
+    MODEL_REPORTS model_reports;
+    std::vector<MODEL_VISIT> visits;
+    std::remove("debug.log");
+    const bool met = synthesize(&real, &library_reports);
+    if (met != model_synthesize(&model, random_case.m_request, random_case.m_parts, model_reports,
+                                &visits)) {
+        stream << "result with debugging on: library " << met << '\n';
+    }
+    FIELD_COMPARE compare = {stream};
+    visit_pll(real.m_pll, model, compare);
+    if (read_traced_candidates() != text_of(visits)) {
+        stream << "the trace is not that of " << visits.size() << " candidates in order\n";
+    }
+    return stream.str();
+}
 
 COMPARISON compare_case(const RANDOM_CASE& random_case)
 {

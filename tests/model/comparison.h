@@ -21,6 +21,11 @@ struct COMPARISON
 // field, doubles bit for bit.
 COMPARISON compare_case(const RANDOM_CASE& random_case);
 
+// The same with debugging on, in the current directory, whose "debug.log" is replaced: the answer
+// must be the same, and the trace that of the plain loop, candidate by candidate. Says what
+// differs.
+std::string compare_debugging(const RANDOM_CASE& random_case);
+
 // Compares the listings of VCO ratios; empty when they agree.
 std::string compare_ratios(const RANDOM_CASE& random_case);
 

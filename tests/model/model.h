@@ -5,9 +5,17 @@
 
 #include "model_records.h"
 
-// Fills `pll` for the request, as PLL::synthesize does; internal errors are appended.
+// M and N of a candidate once its outputs are assigned.
+struct MODEL_VISIT
+{
+    int m_m;
+    int m_n;
+};
+
+// Fills `pll` for the request, as PLL::synthesize does; internal errors are appended, and so is
+// every candidate to `visits`, if any.
 bool model_synthesize(MODEL_PLL* pll, const MODEL_PROP& request, const MODEL_PARTS& parts,
-                      MODEL_REPORTS& reports);
+                      MODEL_REPORTS& reports, std::vector<MODEL_VISIT>* visits = nullptr);
 
 // Fills `prop` with what `pll` achieves, as PLL_PROP::set_properties_from_internals does.
 void model_set_properties(MODEL_PROP* prop, const MODEL_PLL& pll, MODEL_REPORTS& reports);

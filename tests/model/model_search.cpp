@@ -34,6 +34,7 @@ struct RUN
 {
     MODEL_PLL* m_self;
     const MODEL_PROP* m_request;
+    std::vector<MODEL_VISIT>* m_visits;  // null: nobody asks
     MODEL_REPORTS* m_reports;
     MODEL_WISH m_wish;
     MODEL_PLL m_candidate;
@@ -280,6 +281,9 @@ void evaluate(RUN* run, const MODEL_POINT& point)
     const MODEL_SCORE score = model_assign_outputs(&run->m_candidate, *run->m_self, run->m_best,
                                                    point, run->m_wish, *run->m_reports);
     run->m_candidate.m_cost = score.m_error_sum;
+    if (run->m_visits != nullptr) {
+        run->m_visits->push_back({run->m_candidate.m_m.m_count, run->m_candidate.m_n.m_count});
+    }
     if (score.m_error_sum != 0.0) {
         if (score.m_error_sum < run->m_best_error) {
             run->m_best_error = score.m_error_sum;
@@ -481,9 +485,10 @@ void list_ratios_of_m(const MODEL_PLL& pll, const LIMITS& limits, int fin_period
 }  // namespace
 
 bool model_synthesize(MODEL_PLL* pll, const MODEL_PROP& request, const MODEL_PARTS& parts,
-                      MODEL_REPORTS& reports)
+                      MODEL_REPORTS& reports, std::vector<MODEL_VISIT>* visits)
 {
     RUN run = {};
+    run.m_visits = visits;
     run.m_self = pll;
     run.m_request = &request;
     run.m_reports = &reports;
