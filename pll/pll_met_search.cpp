@@ -73,14 +73,24 @@ bool MET_SEARCH::gather(const WORK& work, M_RANGE block)
     for (std::int64_t n = first; n <= last; ++n) {
         for (const RATIO_RANGE& met : work.m_ratios) {
             const M_RANGE column = work.m_region.m_between(met, n);
-            const std::int64_t m_last = std::min(column.m_last, block.m_last);
-            for (std::int64_t m = std::max(column.m_first, block.m_first); m <= m_last; ++m) {
-                if (m_gathered == CAPACITY) {
-                    return false;
-                }
-                m_fractions[m_gathered++] = pack(m, n);
+            if (!add_column({std::max(column.m_first, block.m_first),
+                             std::min(column.m_last, block.m_last)},
+                            n)) {
+                return false;
             }
         }
+    }
+    return true;
+}
+
+// Returns false when there is no room for them.
+bool MET_SEARCH::add_column(M_RANGE column, std::int64_t n)
+{
+    if (column.m_last - column.m_first >= CAPACITY - m_gathered) {
+        return false;
+    }
+    for (std::int64_t m = column.m_first; m <= column.m_last; ++m) {
+        m_fractions[m_gathered++] = pack(m, n);
     }
     return true;
 }

@@ -27,6 +27,7 @@ private:
 
     void search_block(const WORK& work, M_RANGE block);
     bool gather(const WORK& work, M_RANGE block);
+    bool add_column(M_RANGE column, std::int64_t n);
     void visit_gathered(const WORK& work);
     void visit_row(const WORK& work, std::int64_t m);
     void visit(const WORK& work, std::int64_t m, std::int64_t n);

@@ -39,8 +39,9 @@ bool has_finite_costs(const PLL& pll, const SEARCH_LIMITS& limits)
     if (!pll.m_info.has_info() || pll.m_info.m_basic_info->m_spe_ratio_constant_x == DBL_MAX) {
         return true;
     }
-    const double current =
-        limits.m_wish.is_custom() ? limits.m_product_min / limits.m_first_resistor : pll.m_i;
+    const double current = limits.m_wish.is_custom()
+                               ? double(limits.m_product_min) / limits.m_first_resistor
+                               : pll.m_i;
     return 1.0 / LARGEST_QUOTIENT < current && current < LARGEST_QUOTIENT;
 }
 
@@ -73,7 +74,9 @@ bool is_ordinary(const PLL& pll, const PLL_PROP& request, const SEARCH_LIMITS& l
 // Cascades leave traces in counters that later candidates inherit.
 bool may_cascade(const PLL& pll, const PLL_PROP& request, const REGION& region)
 {
-    if (!pll.m_output_counter_cascade) {
+    const bool has_free_counter =
+        request.m_taps_count < std::min(pll.m_max_taps_count, PLL_MAX_TAPS);
+    if (!pll.m_output_counter_cascade || !has_free_counter) {
         return false;
     }
     for (int i = 0; i < clamp_taps(request.m_taps_count); ++i) {

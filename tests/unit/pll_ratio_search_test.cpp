@@ -228,6 +228,19 @@ TEST(RatioSearch, TrustsACascadeThatCannotHappen)
     EXPECT_EQ(search_by(WAY::WALK, pll, request), search_by(WAY::BY_RATIO, pll, request));
 }
 
+TEST(RatioSearch, TrustsCascadesThatHaveNoCounterLeft)
+{
+    PLL_PROP request(2);
+    request.m_fin_period = 10000;
+    request.m_taps[0].m_div = 2000;
+    PLL pll(2, 2);
+    pll.m_output_counter_cascade = true;
+    EXPECT_NE("", search_by(WAY::BY_RATIO, pll, request));
+    EXPECT_EQ(search_by(WAY::WALK, pll, request), search_by(WAY::BY_RATIO, pll, request));
+    pll.m_max_taps_count = 3;
+    EXPECT_EQ("", search_by(WAY::BY_RATIO, pll, request));
+}
+
 // 7 / 3 and all its multiples miss by the same: the first of them stays.
 TEST(NearestSearch, KeepsTheFirstOfEqualSums)
 {
