@@ -70,14 +70,9 @@ bool divide_feedback(int count, ASSIGNMENT* a)
 // Two counters in a row in the place of one that is too long. Returns whether it was done.
 bool add_cascade(int index, int count, int max_count, ASSIGNMENT* a)
 {
-    const int max_total = wrap_mul(2, max_count);
-    if (!a->m_pll.m_output_counter_cascade || count <= max_total) {
-        return false;
-    }
-    const int factor = PLL_UTIL::cascade_factor(count, max_total);
     const int source_index = a->m_taps_in_use;
-    if (factor <= 1 || a->m_pll.m_max_taps_count <= source_index || source_index < 0 ||
-        source_index >= PLL_MAX_TAPS) {
+    const int factor = find_cascade(a->m_pll, count, max_count, source_index);
+    if (factor == 0) {
         return false;
     }
     PLL_OUTPUT_TAP& source = a->m_candidate->m_taps[source_index];
@@ -156,6 +151,17 @@ void assign_output(int index, const PLL_OUTPUT_TAP& carried, ASSIGNMENT* a)
 }
 
 }  // namespace
+
+int find_cascade(const PLL& pll, int count, int max_count, int source_index)
+{
+    const int max_total = wrap_mul(2, max_count);
+    if (!pll.m_output_counter_cascade || count <= max_total ||
+        pll.m_max_taps_count <= source_index || source_index < 0 || source_index >= PLL_MAX_TAPS) {
+        return 0;
+    }
+    const int factor = PLL_UTIL::cascade_factor(count, max_total);
+    return factor > 1 ? factor : 0;
+}
 
 void copy_carried_values(const PLL_OUTPUT_TAP& from, PLL_OUTPUT_TAP* to)
 {

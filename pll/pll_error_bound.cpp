@@ -3,6 +3,8 @@
 #include "pll_ratio_error.h"
 #include "pll_search.h"
 
+#include <limits>
+
 namespace {
 
 // Four floats that the processor works on at once.
@@ -67,6 +69,15 @@ inline FOUR missed_between(FOUR low, FOUR high)
     return missed < SURELY_NOT_MET ? all(0.0F) : missed - ROUNDING;
 }
 
+// Up to where an output's counter can count, perhaps with the help of a second one.
+float reach_of(int max_count, bool cascade)
+{
+    if (max_count == 1) {
+        return 1.0F + SURELY_BEYOND;
+    }
+    return cascade ? std::numeric_limits<float>::max() : 2.0F * float(max_count) + SURELY_BEYOND;
+}
+
 }  // namespace
 
 ERROR_BOUND::ERROR_BOUND(const PLL& pll, const SEARCH_LIMITS& limits)
@@ -81,8 +92,7 @@ ERROR_BOUND::ERROR_BOUND(const PLL& pll, const SEARCH_LIMITS& limits)
         const int max_count = pll.m_taps[i].m_max_count;
         m_outputs[i] = {wish.m_ratio < SMALLEST_SURE_RATIO ? 0.0F
                                                            : float(wish.m_ratio) * SURE_SHARE,
-                        float(wish.m_div / wish.m_mult),
-                        (max_count == 1 ? 1.0F : 2.0F * float(max_count)) + SURELY_BEYOND};
+                        float(wish.m_div / wish.m_mult), reach_of(max_count, limits.m_may_cascade)};
     }
 }
 

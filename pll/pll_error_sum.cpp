@@ -26,6 +26,7 @@ double ERROR_SUM::of(int m, int n, double limit) const
 {
     const VCO_RATIO vco(m, n);
     CANDIDATE_SCORE score;
+    int source_index = m_limits.m_taps_count;
     for (int i = 0; i < m_limits.m_taps_count; ++i) {
         const RATIO_WISH& wish = m_limits.m_wishes[i];
         const int count = counter_value(vco, wish);
@@ -34,7 +35,12 @@ double ERROR_SUM::of(int m, int n, double limit) const
         if (i == m_pll.m_feedback_tap) {
             score.m_error += feedback_rest(m, count);
         }
-        add_impossible_counter_error(count, m_pll.m_taps[i].m_max_count, &score);
+        const int max_count = m_pll.m_taps[i].m_max_count;
+        if (max_count != 1 && find_cascade(m_pll, count, max_count, source_index) != 0) {
+            ++source_index;
+        } else {
+            add_impossible_counter_error(count, max_count, &score);
+        }
         if (score.m_error > limit) {
             break;
         }

@@ -13,8 +13,7 @@ class ERROR_SUM
 public:
     ERROR_SUM(const PLL& pll, const SEARCH_LIMITS& limits);
 
-    // What assigning the counters of (m, n) would measure, as long as nothing cascades; something
-    // above `limit` when the sum is.
+    // What assigning the counters of (m, n) would measure; something above `limit` when the sum is.
     double of(int m, int n, double limit) const;
 
 private:

@@ -30,25 +30,27 @@ CANDIDATE_SCORE EVALUATION::assign(const SEARCH_POINT& point)
     return assign_candidate(m_pll, m_request, m_limits, point, m_result->m_best, &m_candidate);
 }
 
-void EVALUATION::offer(int m, CANDIDATE_SCORE* score)
+void EVALUATION::offer(const SEARCH_POINT& point, CANDIDATE_SCORE* score)
 {
-    m_ranking.offer(&m_candidate, score, m_result);
-    if (m < m_cut_off && score->m_error == 0.0 && score->m_may_lower_cut_off &&
+    if (m_ranking.offer(&m_candidate, score, m_result)) {
+        m_result->m_best_point = point;
+    }
+    if (point.m_m < m_cut_off && score->m_error == 0.0 && score->m_may_lower_cut_off &&
         score->m_relative_error < DBL_EPSILON) {
-        m_cut_off = m;
+        m_cut_off = point.m_m;
     }
 }
 
 void EVALUATION::evaluate(const SEARCH_POINT& point)
 {
     CANDIDATE_SCORE score = assign(point);
-    offer(point.m_m, &score);
+    offer(point, &score);
 }
 
 void EVALUATION::evaluate_if_met(const SEARCH_POINT& point)
 {
     CANDIDATE_SCORE score = assign(point);
     if (score.m_error == 0.0) {
-        offer(point.m_m, &score);
+        offer(point, &score);
     }
 }

@@ -4,6 +4,7 @@
 
 #include "pll_search.h"
 
+#include <algorithm>
 #include <cstdint>
 
 class EVALUATION
@@ -24,8 +25,15 @@ public:
     // Automatic bandwidth: nothing beyond four times the smallest M that was exact.
     bool is_cut_off(std::int64_t m) const
     {
-        constexpr int CUT_OFF_RATIO = 4;
         return m_limits.m_cut_off && CUT_OFF_RATIO * m_cut_off < m;
+    }
+
+    // The largest M that is not cut off by what is known now.
+    std::int64_t last_m() const
+    {
+        return m_limits.m_cut_off
+                   ? std::min<std::int64_t>(m_limits.m_m_max, CUT_OFF_RATIO * m_cut_off)
+                   : m_limits.m_m_max;
     }
 
     const PLL& pll() const { return m_pll; }
@@ -34,8 +42,10 @@ public:
     SEARCH_RESULT& result() const { return *m_result; }
 
 private:
+    static constexpr int CUT_OFF_RATIO = 4;
+
     CANDIDATE_SCORE assign(const SEARCH_POINT& point);
-    void offer(int m, CANDIDATE_SCORE* score);
+    void offer(const SEARCH_POINT& point, CANDIDATE_SCORE* score);
 
     const PLL& m_pll;
     const PLL_PROP& m_request;

@@ -20,10 +20,12 @@ struct DIVIDER
     double m_max_count;
 };
 
-DIVIDER read_divider(double ratio, int max_count)
+DIVIDER read_divider(double ratio, int max_count, bool cascade)
 {
+    constexpr double NO_LIMIT = 1e300;
+    const double single = max_count == 1 ? 1.0 : 2.0 * max_count;
     return {ratio, std::max(MET_RELATIVE, EXACT_RATIO / ratio) * (1.0 + ROOM),
-            max_count == 1 ? 1.0 : 2.0 * max_count};
+            cascade && max_count != 1 ? NO_LIMIT : single};
 }
 
 }  // namespace
@@ -99,7 +101,8 @@ MET_RATIOS::MET_RATIOS(const PLL& pll, const SEARCH_LIMITS& limits, RATIO_RANGE 
     int fastest = 0;
     DIVIDER dividers[PLL_MAX_TAPS];
     for (int i = 0; i < taps; ++i) {
-        dividers[i] = read_divider(limits.m_wishes[i].m_ratio, pll.m_taps[i].m_max_count);
+        dividers[i] = read_divider(limits.m_wishes[i].m_ratio, pll.m_taps[i].m_max_count,
+                                   limits.m_may_cascade);
         fastest = dividers[i].m_ratio > dividers[fastest].m_ratio ? i : fastest;
     }
     for (int step = 0; step < taps && m_count > 0; ++step) {

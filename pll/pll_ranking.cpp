@@ -95,24 +95,21 @@ int effective_feedback_division(const PLL& pll)
     return division;
 }
 
-void RANKING::offer(PLL* candidate, CANDIDATE_SCORE* score, SEARCH_RESULT* result)
+bool RANKING::offer(PLL* candidate, CANDIDATE_SCORE* score, SEARCH_RESULT* result)
 {
     candidate->m_cost = score->m_error;
     if (m_trace != nullptr) {
         m_trace->candidate(*candidate);
     }
-    if (score->m_error != 0.0) {
-        offer_inexact(*candidate, *score, result);
-    } else {
-        offer_exact(candidate, score, result);
-    }
+    return score->m_error != 0.0 ? offer_inexact(*candidate, *score, result)
+                                 : offer_exact(candidate, score, result);
 }
 
-void RANKING::offer_inexact(const PLL& candidate, const CANDIDATE_SCORE& score,
+bool RANKING::offer_inexact(const PLL& candidate, const CANDIDATE_SCORE& score,
                             SEARCH_RESULT* result) const
 {
     if (!(score.m_error < result->m_best_error)) {
-        return;
+        return false;
     }
     result->m_best_error = score.m_error;
     result->m_found = true;
@@ -121,9 +118,10 @@ void RANKING::offer_inexact(const PLL& candidate, const CANDIDATE_SCORE& score,
     }
     result->m_best = candidate;
     result->m_clamped = score.m_clamped;
+    return true;
 }
 
-void RANKING::offer_exact(PLL* candidate, CANDIDATE_SCORE* score, SEARCH_RESULT* result)
+bool RANKING::offer_exact(PLL* candidate, CANDIDATE_SCORE* score, SEARCH_RESULT* result)
 {
     result->m_best_error = 0.0;
     result->m_found = true;
@@ -145,8 +143,9 @@ void RANKING::offer_exact(PLL* candidate, CANDIDATE_SCORE* score, SEARCH_RESULT*
     }
     m_placement.place(candidate);
     add_device_penalties(candidate);
-    compare_cost(*candidate, result);
+    const bool taken = compare_cost(*candidate, result);
     carry_back(*candidate, clamp_taps(m_request.m_taps_count), &result->m_best);
+    return taken;
 }
 
 void RANKING::add_device_penalties(PLL* candidate) const
@@ -165,15 +164,19 @@ void RANKING::add_device_penalties(PLL* candidate) const
     }
 }
 
-void RANKING::compare_cost(const PLL& candidate, SEARCH_RESULT* result) const
+bool RANKING::compare_cost(const PLL& candidate, SEARCH_RESULT* result) const
 {
     if (candidate.m_cost < result->m_best_cost) {
         result->m_best_cost = candidate.m_cost;
         take(candidate, result);
-    } else if (candidate.m_cost == result->m_best_cost && wins_tie(candidate, *result)) {
+        return true;
+    }
+    if (candidate.m_cost == result->m_best_cost && wins_tie(candidate, *result)) {
         take(candidate, result);
         if (m_trace != nullptr) {
             m_trace->user_view(candidate, m_request);
         }
+        return true;
     }
+    return false;
 }

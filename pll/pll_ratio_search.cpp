@@ -5,7 +5,7 @@
 // in the order of the search. When no candidate is exact, the one with the smallest error sum is
 // looked for among the fractions of those ratios whose bound is low. When there is no candidate at
 // all, a walk over the rows finds the closest miss.
-#include "pll_arith.h"
+#include "pll_cascade_traces.h"
 #include "pll_evaluation.h"
 #include "pll_met_search.h"
 #include "pll_nearest_search.h"
@@ -17,8 +17,9 @@
 
 namespace {
 
-constexpr double LARGEST_QUOTIENT = 1e9;  // of M / N and an output's ratio
-constexpr double LARGEST_PHASE = 1e9;     // degrees
+constexpr double LARGEST_QUOTIENT = 1e9;   // of M / N and an output's ratio
+constexpr int LARGEST_COUNT = 0x3FFFFFFF;  // twice of it is an int
+constexpr double LARGEST_PHASE = 1e9;      // degrees
 
 bool is_ordinary(double phase)
 {
@@ -28,7 +29,7 @@ bool is_ordinary(double phase)
 // Whether ratio errors behave: they have no negative terms and are far from every overflow.
 bool is_ordinary(const PLL_USER_TAP& wish, int max_count, int m_max)
 {
-    return wish.m_mult >= 1 && wish.m_div >= 1 && max_count >= 0 &&
+    return wish.m_mult >= 1 && wish.m_div >= 1 && 0 <= max_count && max_count <= LARGEST_COUNT &&
            double(m_max) * wish.m_div / wish.m_mult < LARGEST_QUOTIENT &&
            is_ordinary(wish.m_phase) && is_ordinary(wish.m_sclkout_phase);
 }
@@ -63,30 +64,31 @@ bool has_ordinary_bandwidth(const PLL& pll, const SEARCH_LIMITS& limits)
 bool is_ordinary(const PLL& pll, const PLL_PROP& request, const SEARCH_LIMITS& limits)
 {
     bool ordinary = limits.m_fin_period > 0 && limits.m_n_min >= 1 &&
-                    has_ordinary_bandwidth(pll, limits) && has_finite_costs(pll, limits);
-    for (int i = 0; i < clamp_taps(request.m_taps_count); ++i) {
+                    has_ordinary_bandwidth(pll, limits) && has_finite_costs(pll, limits) &&
+                    (!limits.m_may_cascade || request.m_taps_count == limits.m_taps_count);
+    for (int i = 0; i < limits.m_taps_count; ++i) {
         ordinary =
             ordinary && is_ordinary(request.m_taps[i], pll.m_taps[i].m_max_count, limits.m_m_max);
     }
     return ordinary;
 }
 
-// Cascades leave traces in counters that later candidates inherit.
-bool may_cascade(const PLL& pll, const PLL_PROP& request, const REGION& region)
+using REGIONS = std::optional<REGION>[PLL_VCO_POST_SCALE_MAX + 1];
+
+// Evaluates the candidate that misses least. Returns false when there is none at all.
+bool search_nearest(const REGIONS& regions, EVALUATION* evaluation)
 {
-    const bool has_free_counter =
-        request.m_taps_count < std::min(pll.m_max_taps_count, PLL_MAX_TAPS);
-    if (!pll.m_output_counter_cascade || !has_free_counter) {
+    const SEARCH_LIMITS& limits = evaluation->limits();
+    NEAREST_SEARCH nearest(evaluation->pll(), limits);
+    for (int post_scale = 1; post_scale <= limits.m_max_post_scale; ++post_scale) {
+        nearest.search(post_scale, *regions[post_scale]);
+    }
+    const NEAREST_SEARCH::BEST& best = nearest.best();
+    if (best.m_post_scale == 0) {
         return false;
     }
-    for (int i = 0; i < clamp_taps(request.m_taps_count); ++i) {
-        const PLL_USER_TAP& wish = request.m_taps[i];
-        const double largest = region.ratios().m_high * wish.m_div / wish.m_mult + 1.0;
-        if (largest > wrap_mul(2, pll.m_taps[i].m_max_count)) {
-            return true;
-        }
-    }
-    return false;
+    evaluation->evaluate(evaluation->point(best.m_post_scale, best.m_m, best.m_n));
+    return true;
 }
 
 }  // namespace
@@ -99,28 +101,19 @@ bool search_by_ratio(EVALUATION* evaluation)
     if (!is_ordinary(pll, request, limits)) {
         return false;
     }
-    std::optional<REGION> regions[PLL_VCO_POST_SCALE_MAX + 1];
+    REGIONS regions;
     for (int post_scale = 1; post_scale <= limits.m_max_post_scale; ++post_scale) {
-        const REGION& region = regions[post_scale].emplace(pll, limits, post_scale);
-        if (!region.is_empty() && may_cascade(pll, request, region)) {
-            return false;
-        }
+        regions[post_scale].emplace(pll, limits, post_scale);
     }
     MET_SEARCH met(evaluation);
+    CASCADE_TRACES traces(*evaluation);
     for (int post_scale = 1; post_scale <= limits.m_max_post_scale; ++post_scale) {
         met.search(post_scale, *regions[post_scale]);
+        traces.add_post_scale(*regions[post_scale], evaluation->last_m());
     }
-    if (evaluation->result().m_found) {
-        return true;
+    const bool found = evaluation->result().m_found || search_nearest(regions, evaluation);
+    if (found && limits.m_may_cascade) {
+        traces.restore(&evaluation->result());
     }
-    NEAREST_SEARCH nearest(pll, limits);
-    for (int post_scale = 1; post_scale <= limits.m_max_post_scale; ++post_scale) {
-        nearest.search(post_scale, *regions[post_scale]);
-    }
-    const NEAREST_SEARCH::BEST& best = nearest.best();
-    if (best.m_post_scale == 0) {
-        return false;
-    }
-    evaluation->evaluate(evaluation->point(best.m_post_scale, best.m_m, best.m_n));
-    return true;
+    return found;
 }

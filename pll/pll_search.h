@@ -60,6 +60,7 @@ struct SEARCH_LIMITS
     int m_first_resistor;  // ohm
     int m_taps_count;      // of the request, as many as a record holds
     RATIO_WISH m_wishes[PLL_MAX_TAPS];
+    bool m_may_cascade;     // candidates may use counters beyond those of the outputs
     RATIO_WISH m_vco_wish;  // 0 / 0 or less: none
 
     VCO_LIMITS get_vco(const PLL& pll, int post_scale) const;
@@ -91,6 +92,7 @@ struct SEARCH_RESULT
     explicit SEARCH_RESULT(const PLL& pll, const PLL_PROP& request);
 
     PLL m_best;
+    SEARCH_POINT m_best_point{};
     double m_best_error = WORST;
     double m_best_cost = WORST;
     double m_best_vco_deviation = WORST;  // ps
@@ -136,6 +138,10 @@ CANDIDATE_SCORE assign_candidate(const PLL& pll, const PLL_PROP& request,
                                  const SEARCH_LIMITS& limits, const SEARCH_POINT& point,
                                  const PLL& best, PLL* candidate);
 
+// The division of the first of two counters that share `count`, with the counter `source_index` as
+// the first one; 0 when they cannot, or need not.
+int find_cascade(const PLL& pll, int count, int max_count, int source_index);
+
 // The next and previous values that are carried from candidate to candidate.
 void copy_carried_values(const PLL_OUTPUT_TAP& from, PLL_OUTPUT_TAP* to);
 
@@ -155,14 +161,15 @@ public:
     {
     }
 
-    void offer(PLL* candidate, CANDIDATE_SCORE* score, SEARCH_RESULT* result);
+    // Returns whether the candidate was taken as the best.
+    bool offer(PLL* candidate, CANDIDATE_SCORE* score, SEARCH_RESULT* result);
 
 private:
-    void offer_inexact(const PLL& candidate, const CANDIDATE_SCORE& score,
+    bool offer_inexact(const PLL& candidate, const CANDIDATE_SCORE& score,
                        SEARCH_RESULT* result) const;
-    void offer_exact(PLL* candidate, CANDIDATE_SCORE* score, SEARCH_RESULT* result);
+    bool offer_exact(PLL* candidate, CANDIDATE_SCORE* score, SEARCH_RESULT* result);
     void add_device_penalties(PLL* candidate) const;
-    void compare_cost(const PLL& candidate, SEARCH_RESULT* result) const;
+    bool compare_cost(const PLL& candidate, SEARCH_RESULT* result) const;
 
     const PLL& m_pll;
     const PLL_PROP& m_request;
