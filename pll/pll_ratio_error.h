@@ -25,12 +25,13 @@ struct RATIO_WISH
 {
     double m_mult;
     double m_div;
-    double m_ratio;  // mult / div
+    double m_ratio;    // mult / div
+    double m_inverse;  // div / mult
 };
 
 inline RATIO_WISH read_ratio_wish(int mult, int div)
 {
-    return {double(mult), double(div), double(mult) / double(div)};
+    return {double(mult), double(div), double(mult) / double(div), double(div) / double(mult)};
 }
 
 inline bool has_wish(const RATIO_WISH& wish)

@@ -110,7 +110,7 @@ std::string compare_debugging(const RANDOM_CASE& random_case)
     real.m_pll.m_debug = true;
     model.m_debug = true;
     MODEL_REPORTS
-        library_reports;  // the trace shows candidates as users see them, and reports more
+    library_reports;  // the trace shows candidates as users see them, and reports more
     MODEL_REPORTS model_reports;
     std::vector<MODEL_VISIT> visits;
     std::remove("debug.log");
