@@ -1,7 +1,10 @@
 #include "random_database.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <cstdlib>
 #include <iterator>
+#include <limits>
 #include <sstream>
 
 namespace {
@@ -174,7 +177,13 @@ void WRITER::say_list(const std::string& keyword, const std::vector<int>& values
 // The value itself, or one not far from it.
 int WRITER::near(int value)
 {
-    return m_random.chance(90) ? value : value + m_random.between(-value / 20 - 2, value / 20 + 2);
+    if (m_random.chance(90)) {
+        return value;
+    }
+    const int room = std::abs(value / 20) + 2;
+    const std::int64_t moved = std::int64_t{value} + m_random.between(-room, room);
+    return static_cast<int>(std::clamp<std::int64_t>(moved, std::numeric_limits<int>::min(),
+                                                     std::numeric_limits<int>::max()));
 }
 
 void WRITER::write_counters()
