@@ -127,11 +127,12 @@ bool NEAREST_SEARCH::is_first(std::int64_t m, std::int64_t n) const
            (m < m_best.m_m || (m == m_best.m_m && n < m_best.m_n));
 }
 
-// Whether (m, n) is the best setting again, multiplied. Columns are searched in ascending order, so
-// it comes after it.
+// Whether (m, n) is the best setting again, multiplied. A ratio on the edge of two cells may show
+// its multiples first.
 bool NEAREST_SEARCH::repeats_best(std::int64_t m, std::int64_t n) const
 {
-    return m_ratio_tells_all && m_best.m_post_scale != 0 && m * m_best.m_n == n * m_best.m_m;
+    return m_ratio_tells_all && m_best.m_post_scale != 0 && m * m_best.m_n == n * m_best.m_m &&
+           !is_first(m, n);
 }
 
 void NEAREST_SEARCH::test(const REGION& region, std::int64_t m, std::int64_t n)

@@ -34,6 +34,26 @@ bool is_ordinary(const PLL_USER_TAP& wish, int max_count, int m_max)
            is_ordinary(wish.m_phase) && is_ordinary(wish.m_sclkout_phase);
 }
 
+bool is_ordinary_current(double current)
+{
+    return 1.0 / LARGEST_QUOTIENT < current && current < LARGEST_QUOTIENT;
+}
+
+// Whether every row of the device's table has a current.
+bool has_ordinary_rows(const PLL_BASIC_INFO& info)
+{
+    for (int m = 0;
+         info.m_bandwidth_settings_table != nullptr && m < info.m_bandwidth_settings_table_size;
+         ++m) {
+        for (const PLL_BANDWIDTH_SETTING* row : info.m_bandwidth_settings_table[m].m_settings) {
+            if (row != nullptr && !is_ordinary_current(row->m_charge_pump_current)) {
+                return false;
+            }
+        }
+    }
+    return true;
+}
+
 // Whether every exact candidate has a finite cost, so that the first of them is taken.
 bool has_finite_costs(const PLL& pll, const SEARCH_LIMITS& limits)
 {
@@ -43,7 +63,8 @@ bool has_finite_costs(const PLL& pll, const SEARCH_LIMITS& limits)
     const double current = limits.m_wish.is_custom()
                                ? double(limits.m_product_min) / limits.m_first_resistor
                                : pll.m_i;
-    return 1.0 / LARGEST_QUOTIENT < current && current < LARGEST_QUOTIENT;
+    return is_ordinary_current(current) &&
+           (!limits.m_wish.m_table_mode || has_ordinary_rows(*pll.m_info.m_basic_info));
 }
 
 // Whether the products that a custom bandwidth asks for grow with M.

@@ -306,7 +306,7 @@ void GENERATOR::make_bandwidth()
 void GENERATOR::make_row(MODEL_ROW* row, int m)
 {
     row->m_m = m_random.chance(98) ? m : m + 1;
-    row->m_charge_pump_current = m_random.between(1, 2) * 20;
+    row->m_charge_pump_current = m_random.chance(1) ? 0 : m_random.between(1, 2) * 20;
     row->m_loop_filter_resistor = m_random.between(1, 2) * 1000;
     row->m_loop_filter_capacitor = m_random.chance(30) ? -1 : m_random.between(0, 4) * 5;
     row->m_typical_bandwidth = m_random.between(1, 60) * 50000.0;

@@ -3,6 +3,7 @@
 #include "pll_met_search.h"
 #include "pll_nearest_search.h"
 #include "random_ratio_request.h"
+#include "synthesis_builders.h"
 #include "temp_dir.h"
 
 #include <gtest/gtest.h>
@@ -214,6 +215,35 @@ TEST(RatioSearch, LeavesOddRequestsToTheWalk)
     expect_left([](PLL*, PLL_PROP* odd) { odd->m_taps[0].m_phase = std::nan(""); });
     expect_left([](PLL* odd, PLL_PROP*) { odd->m_n.m_min_count = 0; });
     expect_left([](PLL* odd, PLL_PROP*) { odd->m_taps[0].m_max_count = -1; });
+}
+
+// A row without current makes a cost of which nothing can be said, so its candidates are exact but
+// never taken: what is left behind is then the best of those that miss before them.
+TEST(RatioSearch, LeavesWhatTheWalkLeavesWhereCostsAreNoNumbers)
+{
+    RANDOM_RATIOS random(34);
+    int never_taken = 0;
+    for (int i = 0; i < 500; ++i) {
+        const PLL_PROP request = random.request();
+        const auto pll = random.pll(request, 40, 20);
+        DEVICE device(41);
+        device.m_info.m_spe_ratio_constant_x = 1.0;
+        for (int m = 1; m <= 40; ++m) {
+            const bool dead = i % 2 == 0 || random.chance(20);
+            device.add_row(m, 1e6, 1e6)->m_charge_pump_current = dead ? 0 : 40;
+        }
+        device.describe(*pll);
+        SCOPED_TRACE(i);
+        const SEARCH_LIMITS limits = read_search_limits(*pll, request);
+        SEARCH_RESULT found(*pll, request);
+        search(*pll, request, limits, nullptr, &found);
+        SEARCH_RESULT expected(*pll, request);
+        EVALUATION evaluation(*pll, request, limits, nullptr, &expected);
+        walk_rows(&evaluation);
+        ASSERT_EQ(text_of(expected), text_of(found));
+        never_taken += expected.m_best_error == 0.0 && !expected.m_taken ? 1 : 0;
+    }
+    EXPECT_GT(never_taken, 20);
 }
 
 // Counters of 2 to 12 need many cascades; the counters beyond the outputs show the last ones.
