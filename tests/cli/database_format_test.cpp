@@ -5,9 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
 
 namespace {
 
@@ -15,44 +13,29 @@ const std::string FOLDER = "basil_db";
 const std::string PROMPT = DOCUMENT_INDENT + "$ pllcalc ";
 const std::string FENCE = "```";
 
-std::string replace_all(std::string text, const std::string& from, const std::string& to)
-{
-    for (std::size_t at = text.find(from); at != std::string::npos;
-         at = text.find(from, at + to.size())) {
-        text.replace(at, from.size(), to);
-    }
-    return text;
-}
-
 class DatabaseWalk : public testing::Test
 {
 protected:
-    DatabaseWalk()
-    {
-        std::string name = (std::filesystem::temp_directory_path() / "pllcalc_XXXXXX").string();
-        EXPECT_NE(nullptr, mkdtemp(name.data()));
-        m_folder = name;
-    }
-    ~DatabaseWalk() override { std::filesystem::remove_all(m_folder); }
-
     // A line "`name`:" and the fenced text after it are a file. Returns the line behind it.
     std::size_t write_shown_file(std::size_t at) const
     {
-        const std::filesystem::path path = m_folder / m_lines[at].substr(1, m_lines[at].size() - 3);
+        const std::filesystem::path path =
+            m_folder.file(m_lines[at].substr(1, m_lines[at].size() - 3));
         std::filesystem::create_directories(path.parent_path());
-        std::ofstream file(path);
+        std::string text;
         while (m_lines.at(at).rfind(FENCE, 0) != 0) {
             ++at;
         }
         for (++at; m_lines.at(at) != FENCE; ++at) {
-            file << m_lines[at] << '\n';
+            text += m_lines[at] + "\n";
         }
+        write_file(path, text);
         return at;
     }
 
     const std::vector<std::string> m_lines = split(
         read_file(std::filesystem::path(PLL_SOURCE_TREE) / "docs" / "database-format.md"), '\n');
-    std::filesystem::path m_folder;
+    const TEMP_DIR m_folder;
 };
 
 TEST_F(DatabaseWalk, ShowsWhatTheProgramPrints)
@@ -67,11 +50,11 @@ TEST_F(DatabaseWalk, ShowsWhatTheProgramPrints)
             ++files;
         } else if (line.rfind(PROMPT, 0) == 0) {
             const std::string words =
-                replace_all(line.substr(PROMPT.size()), FOLDER, m_folder.string());
+                replace_all(line.substr(PROMPT.size()), FOLDER, m_folder.path());
             const RUN run = run_pllcalc(words);
             EXPECT_EQ(0, run.m_status) << run.m_errors;
             EXPECT_EQ(block_from(m_lines, at + 1),
-                      replace_all(run.m_output, m_folder.string(), FOLDER));
+                      replace_all(run.m_output, m_folder.path(), FOLDER));
             ++commands;
         }
     }

@@ -4,10 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <set>
 
 namespace {
@@ -33,24 +30,21 @@ class OWN_DATABASE
 public:
     explicit OWN_DATABASE(const std::string& family_file)
     {
-        char name[] = "/tmp/pllcalc_database_XXXXXX";
-        EXPECT_NE(nullptr, mkdtemp(name));
-        m_directory = name;
-        std::ofstream(m_directory + "/ddb_pll_path.txt") << "Own . own.txt\n";
-        std::ofstream(m_directory + "/own.txt") << family_file;
+        write("ddb_pll_path.txt", "Own . own.txt\n");
+        write("own.txt", family_file);
     }
-    ~OWN_DATABASE() { std::filesystem::remove_all(m_directory); }
-    OWN_DATABASE(const OWN_DATABASE&) = delete;
-    OWN_DATABASE& operator=(const OWN_DATABASE&) = delete;
 
-    const std::string& get_directory() const { return m_directory; }
+    void write(const std::string& name, const std::string& text) const
+    {
+        write_file(m_directory.file(name), text);
+    }
     RUN run(const std::string& command, const std::string& words) const
     {
-        return run_pllcalc(command + " --database " + m_directory + words);
+        return run_pllcalc(command + " --database " + m_directory.path() + words);
     }
 
 private:
-    std::string m_directory;
+    const TEMP_DIR m_directory;
 };
 
 const char* const OWN_FAMILY =
@@ -166,9 +160,9 @@ TEST(CliDevice, DeviceWithoutOutputCountersIsRefused)
 TEST(CliDevice, ListGoesOnBehindAFamilyThatCannotBeRead)
 {
     const OWN_DATABASE database(OWN_FAMILY);
-    std::ofstream(database.get_directory() + "/ddb_pll_path.txt")
-        << "Gone . gone.txt\nBroken . broken.txt\nNameless\nOwn . own.txt\n";
-    std::ofstream(database.get_directory() + "/broken.txt") << "family Broken\nno_such_word 1\n";
+    database.write("ddb_pll_path.txt",
+                   "Gone . gone.txt\nBroken . broken.txt\nNameless\nOwn . own.txt\n");
+    database.write("broken.txt", "family Broken\nno_such_word 1\n");
     const RUN run = database.run("devices", " --format csv");
     EXPECT_EQ(4, run.m_status);
     EXPECT_NE(std::string::npos, run.m_output.find("Own,FAST_PLL,P1,1,true,400,1000,"))
@@ -243,9 +237,7 @@ std::vector<std::string> words_below(const std::string& text, const std::string&
     if (at == std::string::npos) {
         return {};
     }
-    std::vector<std::string> words = split(split(text.substr(at), '\n')[2], ' ');
-    words.erase(std::remove(words.begin(), words.end(), ""), words.end());
-    return words;
+    return words_of(split(text.substr(at), '\n')[2]);
 }
 
 // The cells of the row that a table says is taken; fails the test unless it is one.

@@ -9,7 +9,6 @@
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 
 namespace {
 
@@ -56,7 +55,7 @@ TEST_P(CLI_TRANSCRIPT, IsWhatTheProgramWrites)
     const std::string actual = replay(expected);
     ASSERT_NE(std::string::npos, expected.find(PROMPT));
     if (std::getenv("PLL_UPDATE_GOLDEN") != nullptr) {
-        std::ofstream(path) << actual;
+        write_file(path, actual);
     } else {
         EXPECT_EQ(expected, actual);
     }

@@ -9,7 +9,6 @@
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <map>
 #include <set>
 #include <sys/stat.h>
@@ -76,7 +75,7 @@ TEST_P(LINT_EXAMPLE, GivesItsMessages)
                                std::to_string(run.m_status) + "]\n";
     const std::filesystem::path path = GOLDEN / (rule_of(GetParam()) + ".txt");
     if (std::getenv("PLL_UPDATE_GOLDEN") != nullptr) {
-        std::ofstream(path) << actual;
+        write_file(path, actual);
     } else {
         EXPECT_EQ(read_file(path), actual);
     }
@@ -112,22 +111,14 @@ INSTANTIATE_TEST_SUITE_P(All, LINT_EXAMPLE, testing::ValuesIn(list_examples()),
 class Lint : public testing::Test
 {
 protected:
-    Lint()
-    {
-        std::string name = testing::TempDir() + "pllcalc_lint_XXXXXX";
-        EXPECT_NE(nullptr, mkdtemp(name.data()));
-        m_directory = name;
-    }
-    ~Lint() override { std::filesystem::remove_all(m_directory); }
-
     void write(const std::string& name, const std::string& text) const
     {
-        std::ofstream(m_directory / name, std::ios::binary) << text;
+        write_file(m_directory.file(name), text);
     }
 
     RUN lint(const std::string& name, const std::vector<std::string>& options = {}) const
     {
-        std::vector<std::string> words = {"lint", (m_directory / name).string()};
+        std::vector<std::string> words = {"lint", m_directory.file(name)};
         words.insert(words.end(), options.begin(), options.end());
         return run_program(PLLCALC, words);
     }
@@ -136,15 +127,10 @@ protected:
     std::string messages(const std::string& name,
                          const std::vector<std::string>& options = {}) const
     {
-        std::string text = lint(name, options).m_output;
-        const std::string prefix = m_directory.string() + "/";
-        for (std::size_t i = text.find(prefix); i != std::string::npos; i = text.find(prefix)) {
-            text.erase(i, prefix.size());
-        }
-        return text;
+        return replace_all(lint(name, options).m_output, m_directory.file(""), "");
     }
 
-    std::filesystem::path m_directory;
+    const TEMP_DIR m_directory;
 };
 
 TEST_F(Lint, IsSilentOnTheSampleDatabase)
@@ -163,7 +149,7 @@ TEST_F(Lint, IsSilentOnTheSampleDatabase)
 
 TEST_F(Lint, TellsWhatCannotBeRead)
 {
-    ASSERT_EQ(0, mkfifo((m_directory / "pipe").c_str(), 0600));
+    ASSERT_EQ(0, mkfifo(m_directory.file("pipe").c_str(), 0600));
     for (const std::string name : {"missing", "missing/ddb_pll_path.txt", "pipe", ""}) {
         const RUN run = lint(name);
         EXPECT_EQ(4, run.m_status) << name;
@@ -263,7 +249,7 @@ TEST_F(Lint, CountsInJson)
     EXPECT_EQ(1, json["warnings"]);
     ASSERT_EQ(2U, json["messages"].size());
     const JSON& message = json["messages"][1];
-    EXPECT_EQ((m_directory / "file").string(), message["file"]);
+    EXPECT_EQ(m_directory.file("file"), message["file"]);
     EXPECT_EQ(3, message["line"]);
     EXPECT_EQ(1, message["column"]);
     EXPECT_EQ(8, message["length"]);

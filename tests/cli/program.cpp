@@ -3,10 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
-#include <cstdlib>
 #include <fcntl.h>
-#include <filesystem>
-#include <sstream>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -53,16 +50,11 @@ private:
     int m_ends[2] = {-1, -1};
 };
 
-// A directory without files that would switch traces on.
-const std::string& empty_directory()
+// Without files that would switch traces on. Made before there is a child, and so removed by its
+// parent.
+const TEMP_DIR& empty_directory()
 {
-    static const std::string DIRECTORY = [] {
-        char name[] = "/tmp/pllcalc_test_XXXXXX";
-        EXPECT_NE(nullptr, mkdtemp(name));
-        static const std::string CREATED = name;
-        std::atexit([] { std::filesystem::remove_all(CREATED); });
-        return CREATED;
-    }();
+    static const TEMP_DIR DIRECTORY;
     return DIRECTORY;
 }
 
@@ -84,21 +76,13 @@ const std::string& empty_directory()
         words.push_back(const_cast<char*>(argument.c_str()));
     }
     words.push_back(nullptr);
-    if (chdir(empty_directory().c_str()) == 0) {
+    if (chdir(empty_directory().path().c_str()) == 0) {
         execv(program, words.data());
     }
     _exit(CANNOT_START);
 }
 
 const std::string DATA_MARK = "@DATA@";
-
-std::string replace_all(std::string text, const std::string& from, const std::string& to)
-{
-    for (std::size_t at = 0; (at = text.find(from, at)) != std::string::npos; at += to.size()) {
-        text.replace(at, from.size(), to);
-    }
-    return text;
-}
 
 }  // namespace
 
@@ -143,21 +127,4 @@ std::string from_anywhere(std::string words)
 std::string hide_data_folder(const std::string& text)
 {
     return replace_all(text, PLL_DATA_DIR, DATA_MARK);
-}
-
-std::vector<std::string> split(const std::string& text, char separator)
-{
-    std::vector<std::string> parts;
-    std::istringstream stream(text);
-    for (std::string part; std::getline(stream, part, separator);) {
-        parts.push_back(part);
-    }
-    return parts;
-}
-
-std::vector<std::string> words_of(const std::string& line)
-{
-    std::vector<std::string> words = split(line, ' ');
-    std::erase(words, std::string());
-    return words;
 }

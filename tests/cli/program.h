@@ -2,6 +2,7 @@
 #pragma once
 
 #include "temp_dir.h"
+#include "text.h"
 
 #include <string>
 #include <vector>
@@ -36,8 +37,3 @@ std::string from_anywhere(std::string words);
 
 // The text with @DATA@ for that folder.
 std::string hide_data_folder(const std::string& text);
-
-std::vector<std::string> split(const std::string& text, char separator);
-
-// The words of a line, without the blanks between them.
-std::vector<std::string> words_of(const std::string& line);
