@@ -2,12 +2,12 @@
 // writes to standard output, to standard error, and its exit status. @DATA@ stands for the folder
 // data of the tree. PLL_UPDATE_GOLDEN=1 writes them anew.
 
+#include "golden.h"
 #include "program.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <filesystem>
 
 namespace {
@@ -37,7 +37,7 @@ std::string replay(const std::string& transcript)
 std::vector<std::string> list_transcripts()
 {
     std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(PLL_CLI_GOLDEN_DIR)) {
+    for (const auto& entry : std::filesystem::directory_iterator(golden_path("golden"))) {
         names.push_back(entry.path().filename().string());
     }
     std::sort(names.begin(), names.end());
@@ -50,15 +50,10 @@ class CLI_TRANSCRIPT : public testing::TestWithParam<std::string>
 
 TEST_P(CLI_TRANSCRIPT, IsWhatTheProgramWrites)
 {
-    const std::filesystem::path path = std::filesystem::path(PLL_CLI_GOLDEN_DIR) / GetParam();
-    const std::string expected = read_file(path);
-    const std::string actual = replay(expected);
-    ASSERT_NE(std::string::npos, expected.find(PROMPT));
-    if (std::getenv("PLL_UPDATE_GOLDEN") != nullptr) {
-        write_file(path, actual);
-    } else {
-        EXPECT_EQ(expected, actual);
-    }
+    const std::string name = "golden/" + GetParam();
+    const std::string transcript = read_file(golden_path(name));
+    ASSERT_NE(std::string::npos, transcript.find(PROMPT));
+    expect_golden(replay(transcript), name);
 }
 
 std::string name_of(const testing::TestParamInfo<std::string>& info)

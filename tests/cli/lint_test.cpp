@@ -1,13 +1,13 @@
 // pllcalc lint. Each of its rules has an example in data/broken, which gives exactly the messages
 // in lint_golden/. PLL_UPDATE_GOLDEN=1 writes those anew.
 
+#include "golden.h"
 #include "program.h"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
-#include <cstdlib>
 #include <filesystem>
 #include <map>
 #include <set>
@@ -18,7 +18,6 @@ namespace {
 using JSON = nlohmann::json;
 
 const std::filesystem::path BROKEN = std::filesystem::path(PLL_DATA_DIR) / "broken";
-const std::filesystem::path GOLDEN = PLL_LINT_GOLDEN_DIR;
 
 // What the examples share and what explains them.
 const std::set<std::string> NO_EXAMPLES = {".gitattributes", "README.md", "common"};
@@ -71,14 +70,9 @@ class LINT_EXAMPLE : public testing::TestWithParam<std::string>
 TEST_P(LINT_EXAMPLE, GivesItsMessages)
 {
     const RUN run = run_pllcalc("lint @DATA@/broken/" + GetParam() + " --caret always");
-    const std::string actual = hide_data_folder(run.m_output + run.m_errors) + "[exit status " +
-                               std::to_string(run.m_status) + "]\n";
-    const std::filesystem::path path = GOLDEN / (rule_of(GetParam()) + ".txt");
-    if (std::getenv("PLL_UPDATE_GOLDEN") != nullptr) {
-        write_file(path, actual);
-    } else {
-        EXPECT_EQ(read_file(path), actual);
-    }
+    expect_golden(hide_data_folder(run.m_output + run.m_errors) + "[exit status " +
+                      std::to_string(run.m_status) + "]\n",
+                  "lint_golden/" + rule_of(GetParam()) + ".txt");
 }
 
 TEST_P(LINT_EXAMPLE, GivesItsRuleAndNoOther)

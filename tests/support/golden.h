@@ -1,4 +1,5 @@
-// Comparison of a text with a file in tests/golden/.
+// Comparison of a text with a golden file. They lie in tests/golden/, those of the program in
+// tests/cli/.
 #pragma once
 
 #include <string>
@@ -8,5 +9,5 @@
 // in git before you believe it.
 void expect_golden(const std::string& actual, const std::string& file_name);
 
-// The path of a file in tests/golden/.
+// The path of a golden file, or of a folder of them.
 std::string golden_path(const std::string& file_name);
