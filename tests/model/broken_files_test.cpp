@@ -40,7 +40,7 @@ protected:
 
     TEMP_DIR m_dir;
     RANDOM_DATABASE m_database;
-    DATABASE_COUNTS m_counts;
+    COUNTS m_counts;
 };
 
 TEST_P(BrokenFileModel, MayBeCutAtEveryLength)

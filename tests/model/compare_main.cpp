@@ -7,8 +7,8 @@
 // a directory of its own, and the trace compared. Ends with 1 at the first difference, after
 // printing the case in a form that can be run again.
 #include "comparison.h"
+#include "comparison_run.h"
 
-#include "mem_alloc_sys.h"
 #include "temp_dir.h"
 
 #include <cstdint>
@@ -29,8 +29,6 @@ struct OPTIONS
     CASE_KIND m_kind = CASE_KIND::COUNT;  // COUNT: all in turn
     bool m_debug = false;
 };
-
-typedef std::map<std::string, std::uint64_t> COUNTS;
 
 bool read_options(int argc, char** argv, OPTIONS* options)
 {
@@ -165,21 +163,6 @@ int main(int argc, char** argv)
     if (options.m_debug) {
         traces.emplace();
     }
-    COUNTS counts;
-    std::cout << "seeds " << options.m_seed << " to " << options.m_seed + options.m_requests - 1
-              << std::endl;
-    const bool agreed = run_all(options, &counts);
-    for (const auto& [name, number] : counts) {
-        std::cout << number << '\t' << name << '\n';
-    }
-    if (!agreed) {
-        return 1;
-    }
-    const std::size_t live = MEM_MANAGER::get_live_blocks(nullptr);
-    if (live != 0) {
-        std::cout << live << " blocks are still live\n";
-        return 1;
-    }
-    std::cout << "no differences in " << options.m_requests << " requests\n";
-    return 0;
+    return run_comparison({options.m_seed, options.m_requests}, "requests",
+                          [&](COUNTS* counts) { return run_all(options, counts); });
 }

@@ -181,7 +181,7 @@ PLL_QUERY query_of(const MODEL_QUERY& query)
 class RUN
 {
 public:
-    RUN(const RANDOM_DATABASE& database, const std::string& directory, DATABASE_COUNTS* counts)
+    RUN(const RANDOM_DATABASE& database, const std::string& directory, COUNTS* counts)
         : m_database(database),
           m_directory(directory),
           m_counts(*counts),
@@ -213,7 +213,7 @@ private:
 
     const RANDOM_DATABASE& m_database;
     const std::string m_directory;
-    DATABASE_COUNTS& m_counts;
+    COUNTS& m_counts;
     MODEL_DATABASE m_model;
     CHECKING_OBSERVER m_observer;
     PLL_MANAGER m_manager;
@@ -380,7 +380,7 @@ void RUN::take(const RANDOM_STEP& step, std::ostream& stream)
 }  // namespace
 
 std::string compare_database(const RANDOM_DATABASE& database, const std::string& directory,
-                             DATABASE_COUNTS* counts)
+                             COUNTS* counts)
 {
     for (const auto& [name, text] : database.m_files) {
         const std::filesystem::path path = std::filesystem::path(directory) / name;

@@ -4,9 +4,9 @@
 //
 // Database i is made of seed S + i. Ends with 1 at the first difference, after printing the
 // database in a form that can be run again.
+#include "comparison_run.h"
 #include "database_comparison.h"
 
-#include "mem_alloc_sys.h"
 #include "temp_dir.h"
 
 #include <cstdlib>
@@ -36,7 +36,7 @@ bool read_options(int argc, char** argv, OPTIONS* options)
     return argc % 2 == 1 && options->m_databases > 0;
 }
 
-bool run_all(const OPTIONS& options, DATABASE_COUNTS* counts)
+bool run_all(const OPTIONS& options, COUNTS* counts)
 {
     const TEMP_DIR temporary;
     for (std::uint64_t i = 0; i < options.m_databases; ++i) {
@@ -62,21 +62,6 @@ int main(int argc, char** argv)
         std::cerr << "usage: pll_model_databases [--databases N] [--seed S]\n";
         return 2;
     }
-    DATABASE_COUNTS counts;
-    std::cout << "seeds " << options.m_seed << " to " << options.m_seed + options.m_databases - 1
-              << std::endl;
-    const bool agreed = run_all(options, &counts);
-    for (const auto& [name, number] : counts) {
-        std::cout << number << '\t' << name << '\n';
-    }
-    if (!agreed) {
-        return 1;
-    }
-    const std::size_t live = MEM_MANAGER::get_live_blocks(nullptr);
-    if (live != 0) {
-        std::cout << live << " blocks are still live\n";
-        return 1;
-    }
-    std::cout << "no differences in " << options.m_databases << " databases\n";
-    return 0;
+    return run_comparison({options.m_seed, options.m_databases}, "databases",
+                          [&](COUNTS* counts) { return run_all(options, counts); });
 }
