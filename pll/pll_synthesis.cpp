@@ -13,16 +13,12 @@ constexpr double FULL_TURN = 360.0;            // degrees
 constexpr double NEGLIGIBLE_PHASE_TIME = 0.5;  // ps
 constexpr int UNKNOWN_DUTY = 50;               // percent
 
-// The switch files of the current directory; the second wins.
+// The switch files of the current directory. The second wins, but there is nothing to win over
+// while debugging is off: asking for it then would be a system call on every synthesis for nothing.
 bool read_debug_switch(bool debug)
 {
-    if (access("pll_debug", F_OK) == 0) {
-        debug = true;
-    }
-    if (access("pll_nodebug", F_OK) == 0) {
-        debug = false;
-    }
-    return debug;
+    debug = debug || access("pll_debug", F_OK) == 0;
+    return debug && access("pll_nodebug", F_OK) != 0;
 }
 
 PLL::PLL_ERROR_TYPE search_error(const SEARCH_RESULT& result)
