@@ -1,14 +1,12 @@
 #include "pll_error_bound.h"
 
+#include "pll_lanes.h"
 #include "pll_ratio_error.h"
 #include "pll_search.h"
 
 #include <limits>
 
 namespace {
-
-// Four floats that the processor works on at once.
-using FOUR = float __attribute__((vector_size(16)));
 
 // Bounds are off by rounding, so whatever is added to a sum is taken to be a little smaller than
 // computed, and errors near the border of a met output are not counted at all.
@@ -18,11 +16,6 @@ constexpr float SURELY_NOT_MET = float(MET_RELATIVE) + 2.0F * ROUNDING;
 constexpr float SURELY_BEYOND = 0.5F + 1e-3F;  // of a count, so that it rounds up
 constexpr double SMALLEST_SURE_RATIO = 1e-8;   // below it errors may count as rounding
 
-inline FOUR all(float value)
-{
-    return FOUR{value, value, value, value};
-}
-
 inline void store(FOUR values, float* to)
 {
     for (int i = 0; i < 4; ++i) {
@@ -30,27 +23,9 @@ inline void store(FOUR values, float* to)
     }
 }
 
-inline FOUR smaller(FOUR a, FOUR b)
-{
-    return a < b ? a : b;
-}
-
-inline FOUR larger(FOUR a, FOUR b)
-{
-    return a > b ? a : b;
-}
-
 inline FOUR at_least_zero(FOUR value)
 {
     return larger(value, all(0.0F));
-}
-
-// A whole number nearest to the value: adding 1.5 x 2^23 leaves no room for a fraction. Beyond 2^22
-// it is off by a little, which is nothing beside a thousandth of the value.
-inline FOUR round_to_whole(FOUR value)
-{
-    constexpr float NO_FRACTION = 12582912.0F;
-    return (value + NO_FRACTION) - NO_FRACTION;
 }
 
 // A bound of |x / K - 1| for every x in low..high, with K the counter nearest to x: 0 where a
@@ -66,6 +41,16 @@ inline FOUR missed_between(FOUR low, FOUR high)
     const FOUR numerator = is_below_one ? from_above : both_sides;
     const FOUR denominator = is_below_one ? above : below * above;
     const FOUR missed = numerator / denominator;
+    return missed < SURELY_NOT_MET ? all(0.0F) : missed - ROUNDING;
+}
+
+// The same for one x. Next to the middle of two whole numbers the upper one is off by less, so it
+// is taken wherever rounding might have moved x across.
+inline FOUR missed_at(FOUR x)
+{
+    const FOUR any_below_middle = all(0.75F);  // all of them count as 1
+    const FOUR count = round_to_whole(larger(any_below_middle, x * (1.0F + ROUNDING)));
+    const FOUR missed = distance(x, count) / count;
     return missed < SURELY_NOT_MET ? all(0.0F) : missed - ROUNDING;
 }
 
@@ -109,14 +94,25 @@ public:
     void add(const OUTPUT& output)
     {
         const FOUR low = m_low * output.m_inverse;
-        const FOUR missed = missed_between(low, m_high * output.m_inverse);
-        const FOUR beyond = low * SURE_SHARE - output.m_reach;
-        m_sum += missed * output.m_ratio + at_least_zero(beyond);
+        add(output, low, missed_between(low, m_high * output.m_inverse));
+    }
+
+    // The same where both ends are one.
+    void add_at(const OUTPUT& output)
+    {
+        const FOUR x = m_low * output.m_inverse;
+        add(output, x, missed_at(x));
     }
 
     FOUR value() const { return m_sum * SURE_SHARE; }
 
 private:
+    void add(const OUTPUT& output, FOUR low, FOUR missed)
+    {
+        const FOUR beyond = low * SURE_SHARE - output.m_reach;
+        m_sum += missed * output.m_ratio + at_least_zero(beyond);
+    }
+
     FOUR m_low;
     FOUR m_high;
     FOUR m_sum;
@@ -143,10 +139,10 @@ void ERROR_BOUND::bound_cells(double low, double width, int count, float* bounds
 
 void ERROR_BOUND::bound_ratios(const float (&ratios)[LANES], float (&bounds)[LANES]) const
 {
-    const FOUR all = {ratios[0], ratios[1], ratios[2], ratios[3]};
-    SUM sum(*this, all, all);
+    const FOUR ends = {ratios[0], ratios[1], ratios[2], ratios[3]};
+    SUM sum(*this, ends, ends);
     for (int output = 0; output < m_count; ++output) {
-        sum.add(m_outputs[output]);
+        sum.add_at(m_outputs[output]);
     }
     store(sum.value(), bounds);
 }

@@ -1,7 +1,10 @@
 #include "pll_error_sum.h"
 
+#include "pll_lanes.h"
 #include "pll_ratio_error.h"
 #include "pll_search.h"
+
+#include <algorithm>
 
 namespace {
 
@@ -50,19 +53,36 @@ double missed_error(const VCO_RATIO& vco, int count, const RATIO_WISH& wish)
 
 }  // namespace
 
-ERROR_SUM::ERROR_SUM(const PLL& pll, const SEARCH_LIMITS& limits) : m_pll(pll), m_limits(limits) {}
+ERROR_SUM::ERROR_SUM(const PLL& pll, const SEARCH_LIMITS& limits) : m_pll(pll), m_limits(limits)
+{
+    constexpr double ROOM = 1e-9;  // for the rounding of the exact comparison
+    for (int i = 0; i < limits.m_taps_count; ++i) {
+        const RATIO_WISH& wish = limits.m_wishes[i];
+        const double met = MET_RELATIVE * wish.m_ratio;
+        const int max_count = pll.m_taps[i].m_max_count;
+        m_outputs[i] = {wish.m_ratio, wish.m_inverse, met * (1.0 - ROOM),
+                        std::max(met, EXACT_RATIO) * (1.0 + ROOM),
+                        max_count == 1 ? 1.0 : 2.0 * max_count};
+    }
+}
+
+bool ERROR_SUM::has_feedback() const
+{
+    return 0 <= m_pll.m_feedback_tap && m_pll.m_feedback_tap < m_limits.m_taps_count;
+}
+
+int ERROR_SUM::feedback_rest_of(int m, int n) const
+{
+    if (!has_feedback()) {
+        return 0;
+    }
+    const RATIO_WISH& wish = m_limits.m_wishes[m_pll.m_feedback_tap];
+    return feedback_rest(m, quick_counter_value(VCO_RATIO(m, n), wish));
+}
 
 double ERROR_SUM::of(int m, int n, double limit) const
 {
     const VCO_RATIO vco(m, n);
-    const int feedback = m_pll.m_feedback_tap;
-    if (0 <= feedback && feedback < m_limits.m_taps_count) {
-        // Nothing makes the sum smaller again.
-        const double rest = feedback_rest(m, counter_value(vco, m_limits.m_wishes[feedback]));
-        if (rest > limit) {
-            return rest;
-        }
-    }
     CANDIDATE_SCORE score;
     int source_index = m_limits.m_taps_count;
     for (int i = 0; i < m_limits.m_taps_count; ++i) {
@@ -71,7 +91,7 @@ double ERROR_SUM::of(int m, int n, double limit) const
         const double error = missed_error(vco, count, wish);
         score.m_error += error;
         add_vco_ratio_error(vco, m_limits.m_vco_wish, error, &score);
-        if (i == feedback) {
+        if (i == m_pll.m_feedback_tap) {
             score.m_error += feedback_rest(m, count);
         }
         const int max_count = m_pll.m_taps[i].m_max_count;
@@ -85,4 +105,85 @@ double ERROR_SUM::of(int m, int n, double limit) const
         }
     }
     return score.m_error;
+}
+
+// Two settings, whose sums are added up side by side.
+class ERROR_SUM::PAIR
+{
+public:
+    PAIR(const SETTINGS& settings, int first, const RATIO_WISH& vco_wish)
+        : m_m(read(settings.m_m, first)),
+          m_ratio(m_m / read(settings.m_n, first)),
+          m_vco_error{},
+          m_sum{},
+          m_farthest{},
+          m_unsure{}
+    {
+        if (has_wish(vco_wish)) {
+            const TWO error = distance(m_ratio, both(vco_wish.m_ratio));
+            m_vco_error = error >= EXACT_RATIO ? error : both(0.0);
+        }
+    }
+
+    // The expressions are those of one setting. Where a product of a rounded inverse might round to
+    // another count, an error to another verdict, or a counter is too small, only it can tell.
+    void add(const OUTPUT& output, bool is_feedback)
+    {
+        const TWO any_below_middle = both(0.75);  // all of them count as 1
+        const TWO quotient = larger(m_ratio * output.m_inverse, any_below_middle);
+        const TWO count = round_to_whole(quotient);
+        m_farthest = larger(m_farthest, distance(quotient, count));
+        const TWO error = distance(m_ratio / count, both(output.m_ratio));
+        const FLAGS missed = error > output.m_surely_missed;
+        m_sum += missed ? error : both(0.0);
+        m_sum += m_vco_error;
+        if (is_feedback) {
+            m_sum += rest_of(m_m, count);
+        }
+        m_unsure |= (error >= output.m_surely_met) ^ missed;
+        m_unsure |= count > output.m_largest_count;
+    }
+
+    bool is_sure(int lane) const
+    {
+        constexpr double SURELY_NEARER = 0.5 - 1e-6;
+        return m_unsure[lane] == 0 && m_farthest[lane] < SURELY_NEARER;
+    }
+    double sum(int lane) const { return m_sum[lane]; }
+
+private:
+    using FLAGS = decltype(TWO{} < TWO{});
+
+    static TWO read(const int (&counts)[LANES], int first)
+    {
+        return TWO{double(counts[first]), double(counts[first + 1])};
+    }
+
+    static TWO rest_of(TWO m, TWO count)
+    {
+        const TWO rest = m - round_to_whole(m / count) * count;
+        return rest < 0.0 ? rest + count : rest;
+    }
+
+    TWO m_m;
+    TWO m_ratio;
+    TWO m_vco_error;
+    TWO m_sum;
+    TWO m_farthest;  // from the count chosen
+    FLAGS m_unsure;
+};
+
+void ERROR_SUM::of(const SETTINGS& settings, double (&sums)[LANES]) const
+{
+    PAIR pairs[] = {PAIR(settings, 0, m_limits.m_vco_wish), PAIR(settings, 2, m_limits.m_vco_wish)};
+    for (int i = 0; i < m_limits.m_taps_count; ++i) {
+        const bool is_feedback = i == m_pll.m_feedback_tap;
+        pairs[0].add(m_outputs[i], is_feedback);
+        pairs[1].add(m_outputs[i], is_feedback);
+    }
+    for (int i = 0; i < LANES; ++i) {
+        const PAIR& pair = pairs[i / 2];
+        sums[i] = pair.is_sure(i % 2) ? pair.sum(i % 2)
+                                      : of(settings.m_m[i], settings.m_n[i], SEARCH_RESULT::WORST);
+    }
 }

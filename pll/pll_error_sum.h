@@ -1,7 +1,4 @@
-// The error sum of one setting, to the last digit, without assigning any counter.
-//
-// The sum grows from output to output and never shrinks, so it may be given up as soon as it has
-// passed a limit.
+// Error sums of settings, to the last digit, without assigning any counter.
 #pragma once
 
 #include "pll.h"
@@ -11,12 +8,42 @@ struct SEARCH_LIMITS;
 class ERROR_SUM
 {
 public:
+    static constexpr int LANES = 4;  // settings that are summed in one go
+
+    struct SETTINGS
+    {
+        int m_m[LANES];
+        int m_n[LANES];
+    };
+
     ERROR_SUM(const PLL& pll, const SEARCH_LIMITS& limits);
 
-    // What assigning the counters of (m, n) would measure; something above `limit` when the sum is.
+    // What assigning the counters of (m, n) would measure; something above `limit` when the sum is:
+    // it grows from output to output and never shrinks.
     double of(int m, int n, double limit) const;
 
+    // The same for all settings, without a limit.
+    void of(const SETTINGS& settings, double (&sums)[LANES]) const;
+
+    // What an output in the feedback path adds to the sum of (m, n); 0 when there is none.
+    int feedback_rest_of(int m, int n) const;
+
 private:
+    class PAIR;
+
+    // What the sums of many settings need to know of an output, worked out once.
+    struct OUTPUT
+    {
+        double m_ratio;
+        double m_inverse;
+        double m_surely_met;     // an error below it is not counted
+        double m_surely_missed;  // an error above it is
+        double m_largest_count;
+    };
+
+    bool has_feedback() const;
+
     const PLL& m_pll;
     const SEARCH_LIMITS& m_limits;
+    OUTPUT m_outputs[PLL_MAX_TAPS];
 };

@@ -8,6 +8,7 @@ namespace {
 constexpr double CELLS_PER_ROOT = 2.5;
 constexpr double COLUMNS_PER_SETTING = 4.0;
 constexpr double LARGEST_EXACT = 9007199254740992.0;  // 2^53: whole numbers below it are exact
+constexpr double SURE_SHARE = 1.0 - 1e-9;             // more than the rounding of a sum
 
 // Whether settings of one ratio have one error sum, to the last digit: none is taken from M, and
 // the products that counters are computed from are not rounded.
@@ -20,6 +21,51 @@ bool ratio_tells_all(const PLL& pll, const SEARCH_LIMITS& limits)
                 limits.m_n_max * wish.m_mult < LARGEST_EXACT;
     }
     return tells;
+}
+
+// The prime factors of whole numbers, as far as 2, 3, 5 and 7 go: most fractions that can be
+// reduced can be reduced by one of them.
+class SMALL_FACTORS
+{
+public:
+    constexpr SMALL_FACTORS() : m_factors{}, m_smallest{}
+    {
+        for (int prime = 0; prime < PRIMES; ++prime) {
+            for (int number = 0; number < PERIOD; number += PRIME[prime]) {
+                m_factors[number] = std::uint8_t(m_factors[number] | 1 << prime);
+            }
+            for (int set = 1 << prime; set < SETS; set += 2 << prime) {
+                m_smallest[set] = std::uint8_t(PRIME[prime]);
+            }
+        }
+    }
+
+    // The smallest that both have in common; 0: none.
+    int smallest_common(std::int64_t a, std::int64_t b) const
+    {
+        return m_smallest[m_factors[std::uint64_t(a) % PERIOD] &
+                          m_factors[std::uint64_t(b) % PERIOD]];
+    }
+
+private:
+    static constexpr int PRIMES = 4;
+    static constexpr int PRIME[PRIMES] = {2, 3, 5, 7};
+    static constexpr int PERIOD = 210;
+    static constexpr int SETS = 1 << PRIMES;
+
+    std::uint8_t m_factors[PERIOD];  // a bit for each
+    std::uint8_t m_smallest[SETS];
+};
+
+constexpr SMALL_FACTORS FACTORS;
+
+// Whether (m, n) is a multiple of another setting that is legal when it is: the VCO is the same,
+// and what bounds M and N is in their ranges.
+bool repeats_legal(const REGION& region, std::int64_t m, std::int64_t n)
+{
+    const int factor = FACTORS.smallest_common(m, n);
+    return factor != 0 && m >= factor * region.m_range().m_first &&
+           n >= factor * region.n_range().m_first;
 }
 
 int lowest_of(const float* bounds, int count)
@@ -42,7 +88,8 @@ NEAREST_SEARCH::NEAREST_SEARCH(const PLL& pll, const SEARCH_LIMITS& limits)
       m_sum(pll, limits),
       m_ratio_tells_all(ratio_tells_all(pll, limits)),
       m_post_scale(0),
-      m_entered(0)
+      m_entered_count(0),
+      m_waiting_count(0)
 {
 }
 
@@ -72,77 +119,119 @@ void NEAREST_SEARCH::search(int post_scale, const REGION& region)
     if (m_bounds[lowest] > m_best.m_error) {
         return;
     }
-    search_cell(region, grid, lowest);
-    test_entered(region);
-    double limit = m_best.m_error;
-    for (int cell = 0; cell < grid.m_cells; ++cell) {
-        if (m_bounds[cell] <= limit && cell != lowest) {
-            search_cell(region, grid, cell);
-            limit = m_best.m_error;
-        }
-    }
-    test_entered(region);
+    search_cells(region, grid, {lowest, lowest});
+    finish_waiting(region);
+    search_low_cells(region, grid);
+    finish_waiting(region);
 }
 
-void NEAREST_SEARCH::search_cell(const REGION& region, const GRID& grid, int cell)
+// Neighbours are searched together, which spares looks at columns; the more cells have been
+// searched, the fewer will be found not to be worth it on the way.
+void NEAREST_SEARCH::search_low_cells(const REGION& region, const GRID& grid)
 {
-    const RATIO_RANGE ratios{grid.edge(cell), grid.edge(cell + 1)};
+    int searched = 1;
+    for (int first = 0; first < grid.m_cells; ++first) {
+        if (m_bounds[first] > m_best.m_error) {
+            continue;
+        }
+        int last = first;
+        const int end = std::min(first + searched, grid.m_cells);
+        while (last + 1 < end && m_bounds[last + 1] <= m_best.m_error) {
+            ++last;
+        }
+        search_cells(region, grid, {first, last});
+        searched += last - first + 1;
+        first = last;
+    }
+}
+
+void NEAREST_SEARCH::search_cells(const REGION& region, const GRID& grid, CELL_RANGE cells)
+{
+    const RATIO_RANGE ratios{grid.edge(cells.m_first), grid.edge(cells.m_last + 1)};
     const N_RANGE columns = region.n_range();
     for (std::int64_t n = columns.m_first; n <= columns.m_last; ++n) {
         const M_RANGE column = region.m_between(ratios, n);
         for (std::int64_t m = column.m_first; m <= column.m_last; ++m) {
-            enter(region, m, n);
+            if (!m_ratio_tells_all || !repeats_legal(region, m, n)) {
+                enter(region, m, n);
+            }
         }
     }
 }
 
 void NEAREST_SEARCH::enter(const REGION& region, std::int64_t m, std::int64_t n)
 {
-    m_entered_m[m_entered] = m;
-    m_entered_n[m_entered] = n;
-    if (++m_entered == ERROR_BOUND::LANES) {
-        test_entered(region);
+    m_entered.m_m[m_entered_count] = int(m);
+    m_entered.m_n[m_entered_count] = int(n);
+    if (++m_entered_count == LANES) {
+        bound_entered(region);
     }
 }
 
-void NEAREST_SEARCH::test_entered(const REGION& region)
+// Lets those wait whose bound does not tell that they miss by more than the best.
+void NEAREST_SEARCH::bound_entered(const REGION& region)
 {
-    float ratios[ERROR_BOUND::LANES] = {1.0F, 1.0F, 1.0F, 1.0F};
-    float bounds[ERROR_BOUND::LANES];
-    for (int i = 0; i < m_entered; ++i) {
-        ratios[i] = float(double(m_entered_m[i]) / double(m_entered_n[i]));
+    float ratios[LANES] = {1.0F, 1.0F, 1.0F, 1.0F};
+    float bounds[LANES];
+    for (int i = 0; i < m_entered_count; ++i) {
+        ratios[i] = float(double(m_entered.m_m[i]) / double(m_entered.m_n[i]));
     }
     m_bound.bound_ratios(ratios, bounds);
-    for (int i = 0; i < m_entered; ++i) {
-        if (bounds[i] <= m_best.m_error) {
-            test(region, m_entered_m[i], m_entered_n[i]);
+    for (int i = 0; i < m_entered_count; ++i) {
+        if (bounds[i] <= m_best.m_error && may_win(i, bounds[i])) {
+            wait(region, m_entered.m_m[i], m_entered.m_n[i]);
         }
     }
-    m_entered = 0;
+    m_entered_count = 0;
 }
 
-bool NEAREST_SEARCH::is_first(std::int64_t m, std::int64_t n) const
+// Whether the bound still says so with what a feedback output leaves over.
+bool NEAREST_SEARCH::may_win(int entered, double bound) const
+{
+    const int rest = m_sum.feedback_rest_of(m_entered.m_m[entered], m_entered.m_n[entered]);
+    return (bound + rest) * SURE_SHARE <= m_best.m_error;
+}
+
+void NEAREST_SEARCH::wait(const REGION& region, int m, int n)
+{
+    m_waiting.m_m[m_waiting_count] = m;
+    m_waiting.m_n[m_waiting_count] = n;
+    if (++m_waiting_count == LANES) {
+        sum_waiting(region);
+    }
+}
+
+void NEAREST_SEARCH::sum_waiting(const REGION& region)
+{
+    double sums[LANES];
+    if (m_waiting_count == LANES) {
+        m_sum.of(m_waiting, sums);
+    }
+    for (int i = 0; i < m_waiting_count; ++i) {
+        const int m = m_waiting.m_m[i];
+        const int n = m_waiting.m_n[i];
+        const double sum = m_waiting_count == LANES ? sums[i] : m_sum.of(m, n, m_best.m_error);
+        take_if_best(region, m, n, sum);
+    }
+    m_waiting_count = 0;
+}
+
+void NEAREST_SEARCH::finish_waiting(const REGION& region)
+{
+    bound_entered(region);
+    sum_waiting(region);
+}
+
+bool NEAREST_SEARCH::is_first(int m, int n) const
 {
     return m_post_scale == m_best.m_post_scale &&
            (m < m_best.m_m || (m == m_best.m_m && n < m_best.m_n));
 }
 
-// Whether (m, n) is the best setting again, multiplied. A ratio on the edge of two cells may show
-// its multiples first.
-bool NEAREST_SEARCH::repeats_best(std::int64_t m, std::int64_t n) const
+void NEAREST_SEARCH::take_if_best(const REGION& region, int m, int n, double error)
 {
-    return m_ratio_tells_all && m_best.m_post_scale != 0 && m * m_best.m_n == n * m_best.m_m &&
-           !is_first(m, n);
-}
-
-void NEAREST_SEARCH::test(const REGION& region, std::int64_t m, std::int64_t n)
-{
-    if (repeats_best(m, n)) {
-        return;
-    }
-    const double error = m_sum.of(int(m), int(n), m_best.m_error);
     const bool wins = error < m_best.m_error || (error == m_best.m_error && is_first(m, n));
     if (wins && region.is_legal(m, n)) {
-        m_best = {error, m_post_scale, int(m), int(n)};
+        m_best = {error, m_post_scale, m, n};
     }
 }

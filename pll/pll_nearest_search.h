@@ -40,21 +40,35 @@ private:
         double edge(int cell) const { return m_low + cell * m_width; }
     };
 
+    struct CELL_RANGE
+    {
+        int m_first;
+        int m_last;
+    };
+
     static GRID make_grid(const REGION& region);
-    void search_cell(const REGION& region, const GRID& grid, int cell);
+    void search_low_cells(const REGION& region, const GRID& grid);
+    void search_cells(const REGION& region, const GRID& grid, CELL_RANGE cells);
     void enter(const REGION& region, std::int64_t m, std::int64_t n);
-    void test_entered(const REGION& region);
-    void test(const REGION& region, std::int64_t m, std::int64_t n);
-    bool repeats_best(std::int64_t m, std::int64_t n) const;
-    bool is_first(std::int64_t m, std::int64_t n) const;
+    void bound_entered(const REGION& region);
+    bool may_win(int entered, double bound) const;
+    void wait(const REGION& region, int m, int n);
+    void sum_waiting(const REGION& region);
+    void finish_waiting(const REGION& region);
+    void take_if_best(const REGION& region, int m, int n, double error);
+    bool is_first(int m, int n) const;
+
+    static constexpr int LANES = ERROR_SUM::LANES;
+    static_assert(LANES == ERROR_BOUND::LANES);
 
     ERROR_BOUND m_bound;
     ERROR_SUM m_sum;
     bool m_ratio_tells_all;
     BEST m_best;
     int m_post_scale;
-    int m_entered;  // settings that wait to be bounded together
-    std::int64_t m_entered_m[ERROR_BOUND::LANES];
-    std::int64_t m_entered_n[ERROR_BOUND::LANES];
+    int m_entered_count;
+    int m_waiting_count;
+    ERROR_SUM::SETTINGS m_entered;  // to be bounded together
+    ERROR_SUM::SETTINGS m_waiting;  // to be summed together
     float m_bounds[MAX_CELLS];
 };

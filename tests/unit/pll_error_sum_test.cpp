@@ -81,6 +81,61 @@ TEST(ErrorSum, IsAboveEveryLimitThatItPasses)
     });
 }
 
+TEST(ErrorSum, OfFourSettingsIsThatOfEachToTheLastDigit)
+{
+    int missed = 0;
+    for_all_settings(26, 100, [&](const SUBJECT& subject, int m, int n) {
+        const ERROR_SUM sum(subject.pll(), subject.limits());
+        const ERROR_SUM::SETTINGS settings = {{m, m + 1, 3 * m, m}, {n, 7 * n, n + 1, 300}};
+        double sums[ERROR_SUM::LANES];
+        sum.of(settings, sums);
+        for (int i = 0; i < ERROR_SUM::LANES; ++i) {
+            const int lane_m = settings.m_m[i];
+            const int lane_n = settings.m_n[i];
+            ASSERT_EQ(subject.assigned_sum(lane_m, lane_n), sums[i]) << lane_m << " / " << lane_n;
+            missed += sums[i] != 0.0 ? 1 : 0;
+        }
+    });
+    EXPECT_GT(missed, 4000);
+}
+
+// Ratios in the middle of two counts, a thousandth away, and next to both.
+TEST(ErrorSum, OfFourSettingsIsExactWhereRoundingDecides)
+{
+    for (const int mult : {2, 6, 1000, 1001, 2001, 3003}) {
+        PLL_PROP request(2);
+        request.m_taps[0].m_mult = mult;
+        request.m_taps[1].m_mult = mult;
+        request.m_taps[1].m_div = 3;
+        PLL pll(2, PLL_MAX_TAPS);
+        const SEARCH_LIMITS limits = read_search_limits(pll, request);
+        const ERROR_SUM sum(pll, limits);
+        for (int k = 1; k < 200; ++k) {
+            const int m = mult * k / 2;
+            const ERROR_SUM::SETTINGS settings = {{m, m + mult / 2, m + 1, m}, {1, 1, 3, 1000}};
+            double sums[ERROR_SUM::LANES];
+            sum.of(settings, sums);
+            for (int i = 0; i < ERROR_SUM::LANES; ++i) {
+                ASSERT_EQ(sum.of(settings.m_m[i], settings.m_n[i], 1e300), sums[i])
+                    << settings.m_m[i] << " / " << settings.m_n[i];
+            }
+        }
+    }
+}
+
+TEST(ErrorSum, TellsWhatTheFeedbackOutputLeavesOver)
+{
+    PLL_PROP request(2);
+    request.m_taps[1].m_div = 3;
+    PLL pll(2, PLL_MAX_TAPS);
+    const SEARCH_LIMITS limits = read_search_limits(pll, request);
+    EXPECT_EQ(0, ERROR_SUM(pll, limits).feedback_rest_of(8, 4));
+    pll.m_feedback_tap = 1;
+    EXPECT_EQ(8 % 6, ERROR_SUM(pll, limits).feedback_rest_of(8, 4));  // K = 8 x 3 / 4
+    pll.m_feedback_tap = 2;
+    EXPECT_EQ(0, ERROR_SUM(pll, limits).feedback_rest_of(8, 4));
+}
+
 TEST(ErrorBound, OfARatioIsNeverAboveTheSumAndRarelyFarBelow)
 {
     int close = 0;

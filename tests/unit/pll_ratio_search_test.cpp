@@ -277,26 +277,51 @@ TEST(RatioSearch, LeavesTheTracesOfCascadesThatTheWalkLeaves)
     EXPECT_GT(used, 100);
 }
 
-// 7 / 3 and all its multiples miss by the same: the first of them stays.
+// An output that misses 14 / 6 = 7 / 3 least, of all fractions.
+struct SEVEN_THIRDS
+{
+    SEVEN_THIRDS() : m_request(1), m_pll(1, PLL_MAX_TAPS)
+    {
+        m_request.m_fin_period = 2000;
+        m_request.m_taps[0].m_mult = 2 * 7003;
+        m_request.m_taps[0].m_div = 3000;
+        m_pll.m_m.m_max_count = 70;
+        m_pll.m_n.m_max_count = 30;
+        m_pll.m_vco_min_period[1] = 856;
+        m_pll.m_vco_max_period[1] = 857;
+        m_pll.m_taps[0].m_max_count = 1;
+    }
+
+    NEAREST_SEARCH::BEST search() const
+    {
+        const SEARCH_LIMITS limits = read_search_limits(m_pll, m_request);
+        NEAREST_SEARCH search(m_pll, limits);
+        search.search(1, REGION(m_pll, limits, 1));
+        return search.best();
+    }
+
+    PLL_PROP m_request;
+    PLL m_pll;
+};
+
+// All multiples miss by the same: the first of them stays.
 TEST(NearestSearch, KeepsTheFirstOfEqualSums)
 {
-    PLL_PROP request(1);
-    request.m_fin_period = 2000;
-    request.m_taps[0].m_mult = 7003;
-    request.m_taps[0].m_div = 3000;
-    PLL pll(1, PLL_MAX_TAPS);
-    pll.m_m.m_max_count = 70;
-    pll.m_n.m_max_count = 30;
-    pll.m_vco_min_period[1] = 856;
-    pll.m_vco_max_period[1] = 857;
-    pll.m_taps[0].m_max_count = 1;
-    request.m_taps[0].m_mult *= 2;
-    const SEARCH_LIMITS limits = read_search_limits(pll, request);
-    NEAREST_SEARCH search(pll, limits);
-    search.search(1, REGION(pll, limits, 1));
-    EXPECT_EQ(1, search.best().m_post_scale);
-    EXPECT_EQ(7, search.best().m_m);
-    EXPECT_EQ(3, search.best().m_n);
+    const NEAREST_SEARCH::BEST best = SEVEN_THIRDS().search();
+    EXPECT_EQ(1, best.m_post_scale);
+    EXPECT_EQ(7, best.m_m);
+    EXPECT_EQ(3, best.m_n);
+}
+
+TEST(NearestSearch, TakesTheFirstMultipleWhoseCounterIsLongEnough)
+{
+    for (int n_min = 4; n_min <= 30; ++n_min) {
+        SEVEN_THIRDS box;
+        box.m_pll.m_n.m_min_count = n_min;
+        const NEAREST_SEARCH::BEST best = box.search();
+        EXPECT_EQ((n_min + 2) / 3 * 3, best.m_n);
+        EXPECT_EQ((n_min + 2) / 3 * 7, best.m_m);
+    }
 }
 
 TEST(NearestSearch, FindsNothingWhereNothingIsLegal)

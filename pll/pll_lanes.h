@@ -1,0 +1,47 @@
+// Vectors of numbers that the processor works on at once: two doubles or four floats.
+#pragma once
+
+using TWO = double __attribute__((vector_size(16)));
+using FOUR = float __attribute__((vector_size(16)));
+
+template <class LANES>
+inline LANES smaller(LANES a, LANES b)
+{
+    return a < b ? a : b;
+}
+
+template <class LANES>
+inline LANES larger(LANES a, LANES b)
+{
+    return a > b ? a : b;
+}
+
+template <class LANES>
+inline LANES distance(LANES a, LANES b)
+{
+    return larger(a - b, b - a);
+}
+
+inline TWO both(double value)
+{
+    return TWO{value, value};
+}
+
+inline FOUR all(float value)
+{
+    return FOUR{value, value, value, value};
+}
+
+// A whole number nearest to the value: adding 1.5 x 2^23, or 1.5 x 2^52, leaves no room for a
+// fraction. Beyond 2^22 a float is off by a little.
+inline FOUR round_to_whole(FOUR value)
+{
+    const FOUR no_fraction = all(12582912.0F);
+    return (value + no_fraction) - no_fraction;
+}
+
+inline TWO round_to_whole(TWO value)
+{
+    const TWO no_fraction = both(6755399441055744.0);
+    return (value + no_fraction) - no_fraction;
+}
