@@ -53,6 +53,14 @@ double missed_error(const VCO_RATIO& vco, int count, const RATIO_WISH& wish)
 
 }  // namespace
 
+int feedback_rest_of(const PLL& pll, const SEARCH_LIMITS& limits, int m, int n)
+{
+    const int feedback = pll.m_feedback_tap;
+    return 0 <= feedback && feedback < limits.m_taps_count
+               ? feedback_rest(m, quick_counter_value(VCO_RATIO(m, n), limits.m_wishes[feedback]))
+               : 0;
+}
+
 ERROR_SUM::ERROR_SUM(const PLL& pll, const SEARCH_LIMITS& limits) : m_pll(pll), m_limits(limits)
 {
     constexpr double ROOM = 1e-9;  // for the rounding of the exact comparison
@@ -64,20 +72,6 @@ ERROR_SUM::ERROR_SUM(const PLL& pll, const SEARCH_LIMITS& limits) : m_pll(pll), 
                         std::max(met, EXACT_RATIO) * (1.0 + ROOM),
                         max_count == 1 ? 1.0 : 2.0 * max_count};
     }
-}
-
-bool ERROR_SUM::has_feedback() const
-{
-    return 0 <= m_pll.m_feedback_tap && m_pll.m_feedback_tap < m_limits.m_taps_count;
-}
-
-int ERROR_SUM::feedback_rest_of(int m, int n) const
-{
-    if (!has_feedback()) {
-        return 0;
-    }
-    const RATIO_WISH& wish = m_limits.m_wishes[m_pll.m_feedback_tap];
-    return feedback_rest(m, quick_counter_value(VCO_RATIO(m, n), wish));
 }
 
 double ERROR_SUM::of(int m, int n, double limit) const

@@ -5,6 +5,9 @@
 
 struct SEARCH_LIMITS;
 
+// What an output in the feedback path adds to the sum of (m, n); 0 when there is none.
+int feedback_rest_of(const PLL& pll, const SEARCH_LIMITS& limits, int m, int n);
+
 class ERROR_SUM
 {
 public:
@@ -25,9 +28,6 @@ public:
     // The same for all settings, without a limit.
     void of(const SETTINGS& settings, double (&sums)[LANES]) const;
 
-    // What an output in the feedback path adds to the sum of (m, n); 0 when there is none.
-    int feedback_rest_of(int m, int n) const;
-
 private:
     class PAIR;
 
@@ -40,8 +40,6 @@ private:
         double m_surely_missed;  // an error above it is
         double m_largest_count;
     };
-
-    bool has_feedback() const;
 
     const PLL& m_pll;
     const SEARCH_LIMITS& m_limits;

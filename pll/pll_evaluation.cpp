@@ -8,7 +8,9 @@ EVALUATION::EVALUATION(const PLL& pll, const PLL_PROP& request, const SEARCH_LIM
       m_request(request),
       m_limits(limits),
       m_result(result),
+      m_trace(trace),
       m_ranking(pll, request, limits.m_wish.m_table_mode, limits.m_spread, trace),
+      m_sieve(pll, request, limits),
       m_candidate(request.m_taps_count, PLL_MAX_TAPS),
       m_cut_off(std::int64_t{limits.m_m_max} + 1)
 {
@@ -34,6 +36,9 @@ void EVALUATION::offer(const SEARCH_POINT& point, CANDIDATE_SCORE* score)
 {
     if (m_ranking.offer(&m_candidate, score, m_result)) {
         m_result->m_best_point = point;
+    }
+    if (score->m_error == 0.0) {
+        m_sieve.note_told(point, m_candidate);
     }
     if (point.m_m < m_cut_off && score->m_error == 0.0 && score->m_may_lower_cut_off &&
         score->m_relative_error < DBL_EPSILON) {

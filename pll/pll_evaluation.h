@@ -2,6 +2,7 @@
 // an automatic bandwidth. All that a candidate leaves to the next is kept here and in the result.
 #pragma once
 
+#include "pll_candidate_sieve.h"
 #include "pll_search.h"
 
 #include <algorithm>
@@ -21,6 +22,13 @@ public:
 
     // Offers it only when its error sum is 0.
     void evaluate_if_met(const SEARCH_POINT& point);
+
+    // Whether offering the setting, if met, would surely change nothing. With a trace every
+    // candidate changes it.
+    bool is_idle(int post_scale, int m, int n) const
+    {
+        return m_trace == nullptr && m_sieve.retains(post_scale, m, n, m_cut_off, *m_result);
+    }
 
     // Automatic bandwidth: nothing beyond four times the smallest M that was exact.
     bool is_cut_off(std::int64_t m) const
@@ -51,7 +59,9 @@ private:
     const PLL_PROP& m_request;
     const SEARCH_LIMITS& m_limits;
     SEARCH_RESULT* m_result;
+    const SYNTHESIS_TRACE* m_trace;
     RANKING m_ranking;
+    CANDIDATE_SIEVE m_sieve;
     PLL m_candidate;
     std::int64_t m_cut_off;  // smallest M that was exact
 };

@@ -34,14 +34,23 @@ inline FOUR all(float value)
 
 // A whole number nearest to the value: adding 1.5 x 2^23, or 1.5 x 2^52, leaves no room for a
 // fraction. Beyond 2^22 a float is off by a little.
+template <class REAL>
+inline REAL round_by(REAL value, REAL no_fraction)
+{
+    return (value + no_fraction) - no_fraction;
+}
+
 inline FOUR round_to_whole(FOUR value)
 {
-    const FOUR no_fraction = all(12582912.0F);
-    return (value + no_fraction) - no_fraction;
+    return round_by(value, all(12582912.0F));
 }
 
 inline TWO round_to_whole(TWO value)
 {
-    const TWO no_fraction = both(6755399441055744.0);
-    return (value + no_fraction) - no_fraction;
+    return round_by(value, both(6755399441055744.0));
+}
+
+inline double round_to_whole(double value)
+{
+    return round_by(value, 6755399441055744.0);
 }

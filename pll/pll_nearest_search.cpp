@@ -10,17 +10,17 @@ constexpr double COLUMNS_PER_SETTING = 4.0;
 constexpr double LARGEST_EXACT = 9007199254740992.0;  // 2^53: whole numbers below it are exact
 constexpr double SURE_SHARE = 1.0 - 1e-9;             // more than the rounding of a sum
 
-// Whether settings of one ratio have one error sum, to the last digit: none is taken from M, and
-// the products that counters are computed from are not rounded.
-bool ratio_tells_all(const PLL& pll, const SEARCH_LIMITS& limits)
+// Whether the products that counters are computed from are not rounded, so that settings of one
+// ratio have the same counters and errors, to the last digit.
+bool has_exact_products(const SEARCH_LIMITS& limits)
 {
-    bool tells = pll.m_feedback_tap < 0;
+    bool exact = true;
     for (int i = 0; i < limits.m_taps_count; ++i) {
         const RATIO_WISH& wish = limits.m_wishes[i];
-        tells = tells && limits.m_m_max * wish.m_div < LARGEST_EXACT &&
+        exact = exact && limits.m_m_max * wish.m_div < LARGEST_EXACT &&
                 limits.m_n_max * wish.m_mult < LARGEST_EXACT;
     }
-    return tells;
+    return exact;
 }
 
 // The prime factors of whole numbers, as far as 2, 3, 5 and 7 go: most fractions that can be
@@ -59,15 +59,6 @@ private:
 
 constexpr SMALL_FACTORS FACTORS;
 
-// Whether (m, n) is a multiple of another setting that is legal when it is: the VCO is the same,
-// and what bounds M and N is in their ranges.
-bool repeats_legal(const REGION& region, std::int64_t m, std::int64_t n)
-{
-    const int factor = FACTORS.smallest_common(m, n);
-    return factor != 0 && m >= factor * region.m_range().m_first &&
-           n >= factor * region.n_range().m_first;
-}
-
 int lowest_of(const float* bounds, int count)
 {
     int lowest = 0;
@@ -84,9 +75,12 @@ int lowest_of(const float* bounds, int count)
 }  // namespace
 
 NEAREST_SEARCH::NEAREST_SEARCH(const PLL& pll, const SEARCH_LIMITS& limits)
-    : m_bound(pll, limits),
+    : m_pll(pll),
+      m_limits(limits),
+      m_bound(pll, limits),
       m_sum(pll, limits),
-      m_ratio_tells_all(ratio_tells_all(pll, limits)),
+      m_has_exact_products(has_exact_products(limits)),
+      m_last_region(nullptr),
       m_post_scale(0),
       m_entered_count(0),
       m_waiting_count(0)
@@ -95,9 +89,8 @@ NEAREST_SEARCH::NEAREST_SEARCH(const PLL& pll, const SEARCH_LIMITS& limits)
 
 // Enough cells to leave few settings in each, but not so many that most columns of N have none in
 // most cells.
-NEAREST_SEARCH::GRID NEAREST_SEARCH::make_grid(const REGION& region)
+NEAREST_SEARCH::GRID NEAREST_SEARCH::make_grid(const REGION& region, RATIO_RANGE ratios)
 {
-    const RATIO_RANGE ratios = region.ratios();
     const double settings = region.count_about(ratios);
     const double columns = double(region.n_range().m_last - region.n_range().m_first + 1);
     const double wished =
@@ -113,7 +106,12 @@ void NEAREST_SEARCH::search(int post_scale, const REGION& region)
         return;
     }
     m_post_scale = post_scale;
-    const GRID grid = make_grid(region);
+    const RATIO_RANGE ratios = new_ratios_of(region);
+    m_last_region = &region;
+    if (ratios.is_empty()) {
+        return;
+    }
+    const GRID grid = make_grid(region, ratios);
     m_bound.bound_cells(grid.m_low, grid.m_width, grid.m_cells, m_bounds);
     const int lowest = lowest_of(m_bounds, grid.m_cells);
     if (m_bounds[lowest] > m_best.m_error) {
@@ -123,6 +121,24 @@ void NEAREST_SEARCH::search(int post_scale, const REGION& region)
     finish_waiting(region);
     search_low_cells(region, grid);
     finish_waiting(region);
+}
+
+// What is legal at the post-scale before misses by the same there, and comes first.
+RATIO_RANGE NEAREST_SEARCH::new_ratios_of(const REGION& region) const
+{
+    constexpr double SURELY_WITHIN = 1e-8;
+    RATIO_RANGE ratios = region.ratios();
+    if (m_last_region == nullptr || !m_last_region->allows_m(region)) {
+        return ratios;
+    }
+    const RATIO_RANGE known = {m_last_region->ratios().m_low * (1.0 + SURELY_WITHIN),
+                               m_last_region->ratios().m_high * (1.0 - SURELY_WITHIN)};
+    if (known.m_low <= ratios.m_high && ratios.m_high <= known.m_high) {
+        ratios.m_high = known.m_low;
+    } else if (known.m_low <= ratios.m_low && ratios.m_low <= known.m_high) {
+        ratios.m_low = known.m_high;
+    }
+    return ratios;
 }
 
 // Neighbours are searched together, which spares looks at columns; the more cells have been
@@ -152,11 +168,22 @@ void NEAREST_SEARCH::search_cells(const REGION& region, const GRID& grid, CELL_R
     for (std::int64_t n = columns.m_first; n <= columns.m_last; ++n) {
         const M_RANGE column = region.m_between(ratios, n);
         for (std::int64_t m = column.m_first; m <= column.m_last; ++m) {
-            if (!m_ratio_tells_all || !repeats_legal(region, m, n)) {
+            if (!repeats_legal(region, m, n)) {
                 enter(region, m, n);
             }
         }
     }
+}
+
+// Whether (m, n) is a multiple of another setting that misses by the same and is legal when it is:
+// the VCO is the same, and what bounds M and N is in their ranges. Where nothing of that setting's
+// M is left over in the feedback path, nothing is of its multiples.
+bool NEAREST_SEARCH::repeats_legal(const REGION& region, std::int64_t m, std::int64_t n) const
+{
+    const int factor = FACTORS.smallest_common(m, n);
+    return factor != 0 && m_has_exact_products && m >= factor * region.m_range().m_first &&
+           n >= factor * region.n_range().m_first &&
+           feedback_rest_of(m_pll, m_limits, int(m / factor), int(n / factor)) == 0;
 }
 
 void NEAREST_SEARCH::enter(const REGION& region, std::int64_t m, std::int64_t n)
@@ -188,7 +215,8 @@ void NEAREST_SEARCH::bound_entered(const REGION& region)
 // Whether the bound still says so with what a feedback output leaves over.
 bool NEAREST_SEARCH::may_win(int entered, double bound) const
 {
-    const int rest = m_sum.feedback_rest_of(m_entered.m_m[entered], m_entered.m_n[entered]);
+    const int rest =
+        feedback_rest_of(m_pll, m_limits, m_entered.m_m[entered], m_entered.m_n[entered]);
     return (bound + rest) * SURE_SHARE <= m_best.m_error;
 }
 

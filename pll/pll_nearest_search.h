@@ -23,7 +23,7 @@ public:
 
     NEAREST_SEARCH(const PLL& pll, const SEARCH_LIMITS& limits);
 
-    // To be called for each post-scale, in their order.
+    // To be called for each post-scale, in their order. Every region must outlive the search.
     void search(int post_scale, const REGION& region);
 
     const BEST& best() const { return m_best; }
@@ -46,9 +46,11 @@ private:
         int m_last;
     };
 
-    static GRID make_grid(const REGION& region);
+    static GRID make_grid(const REGION& region, RATIO_RANGE ratios);
+    RATIO_RANGE new_ratios_of(const REGION& region) const;
     void search_low_cells(const REGION& region, const GRID& grid);
     void search_cells(const REGION& region, const GRID& grid, CELL_RANGE cells);
+    bool repeats_legal(const REGION& region, std::int64_t m, std::int64_t n) const;
     void enter(const REGION& region, std::int64_t m, std::int64_t n);
     void bound_entered(const REGION& region);
     bool may_win(int entered, double bound) const;
@@ -61,9 +63,12 @@ private:
     static constexpr int LANES = ERROR_SUM::LANES;
     static_assert(LANES == ERROR_BOUND::LANES);
 
+    const PLL& m_pll;
+    const SEARCH_LIMITS& m_limits;
     ERROR_BOUND m_bound;
     ERROR_SUM m_sum;
-    bool m_ratio_tells_all;
+    bool m_has_exact_products;
+    const REGION* m_last_region;  // of the post-scale before; null: none
     BEST m_best;
     int m_post_scale;
     int m_entered_count;

@@ -22,6 +22,14 @@ constexpr double RATIO_LIMIT_PENALTY = 32768.0;
 constexpr double EVEN_M_ADVANTAGE = 200.0;  // ps of VCO deviation
 constexpr int LARGE_M = 40;                 // beyond it a loop is noisier
 
+double add_frequency_cost(double relative_error, int post_scale, double cost)
+{
+    if (relative_error > DBL_EPSILON) {
+        cost += relative_error / NEARLY_MET_UNIT + NEARLY_MET_PENALTY;
+    }
+    return cost + (post_scale - 1) * POST_SCALE_PENALTY;
+}
+
 // One rounding for every penalty: costs are compared to the last digit.
 void add_penalty_if(bool outside, double* cost)
 {
@@ -95,6 +103,11 @@ int effective_feedback_division(const PLL& pll)
     return division;
 }
 
+double frequency_cost(double relative_error, int post_scale)
+{
+    return add_frequency_cost(relative_error, post_scale, 0.0);
+}
+
 bool RANKING::offer(PLL* candidate, CANDIDATE_SCORE* score, SEARCH_RESULT* result)
 {
     candidate->m_cost = score->m_error;
@@ -127,11 +140,8 @@ bool RANKING::offer_exact(PLL* candidate, CANDIDATE_SCORE* score, SEARCH_RESULT*
     result->m_found = true;
     result->m_clamped = false;
 
-    candidate->m_cost += score->m_cascade_penalty;
-    if (score->m_relative_error > DBL_EPSILON) {
-        candidate->m_cost += score->m_relative_error / NEARLY_MET_UNIT + NEARLY_MET_PENALTY;
-    }
-    candidate->m_cost += (candidate->m_vco_post_scale - 1) * POST_SCALE_PENALTY;
+    candidate->m_cost = add_frequency_cost(score->m_relative_error, candidate->m_vco_post_scale,
+                                           candidate->m_cost + score->m_cascade_penalty);
 
     if (m_table_mode) {
         m_chooser.choose(candidate);

@@ -29,6 +29,7 @@ REGION::REGION(const PLL& pll, const SEARCH_LIMITS& limits, int post_scale)
       m_fin2(std::max(limits.m_fin2_period, 0)),
       m_vco{limits.get_vco(pll, post_scale).m_min, limits.get_vco(pll, post_scale).m_max},
       m_pfd{limits.m_pfd_min, limits.m_pfd_max},
+      m_allowed_m{},
       m_m{first_m_of(limits), limits.m_m_max},
       m_n{limits.m_n_min, limits.m_n_max},
       m_ratios{0.0, std::max(limits.m_m_max, 0) * WIDER}
@@ -42,6 +43,7 @@ REGION::REGION(const PLL& pll, const SEARCH_LIMITS& limits, int post_scale)
     if (limits.m_wish.is_custom()) {
         narrow_m_to_bandwidth(limits, pll.get_kvco(post_scale));
     }
+    m_allowed_m = m_m;
     if (!is_empty()) {
         narrow_counters_to_ratios();
     }

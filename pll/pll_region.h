@@ -58,6 +58,13 @@ public:
     N_RANGE n_range() const { return m_n; }
     RATIO_RANGE ratios() const { return m_ratios; }
 
+    // Whether every M that the bandwidth allows in `other` is allowed here.
+    bool allows_m(const REGION& other) const
+    {
+        return m_allowed_m.m_first <= other.m_allowed_m.m_first &&
+               other.m_allowed_m.m_last <= m_allowed_m.m_last;
+    }
+
     bool is_legal(std::int64_t m, std::int64_t n) const;
     double vco_period(std::int64_t m, std::int64_t n) const { return periods(m_fin, m).vco(n); }
 
@@ -83,6 +90,7 @@ private:
     double m_fin2;  // 0: none
     PERIOD_RANGE m_vco;
     PERIOD_RANGE m_pfd;
+    M_RANGE m_allowed_m;  // by the bandwidth and the spread
     M_RANGE m_m;
     N_RANGE m_n;
     RATIO_RANGE m_ratios;

@@ -129,11 +129,11 @@ TEST(ErrorSum, TellsWhatTheFeedbackOutputLeavesOver)
     request.m_taps[1].m_div = 3;
     PLL pll(2, PLL_MAX_TAPS);
     const SEARCH_LIMITS limits = read_search_limits(pll, request);
-    EXPECT_EQ(0, ERROR_SUM(pll, limits).feedback_rest_of(8, 4));
+    EXPECT_EQ(0, feedback_rest_of(pll, limits, 8, 4));
     pll.m_feedback_tap = 1;
-    EXPECT_EQ(8 % 6, ERROR_SUM(pll, limits).feedback_rest_of(8, 4));  // K = 8 x 3 / 4
+    EXPECT_EQ(8 % 6, feedback_rest_of(pll, limits, 8, 4));  // K = 8 x 3 / 4
     pll.m_feedback_tap = 2;
-    EXPECT_EQ(0, ERROR_SUM(pll, limits).feedback_rest_of(8, 4));
+    EXPECT_EQ(0, feedback_rest_of(pll, limits, 8, 4));
 }
 
 TEST(ErrorBound, OfARatioIsNeverAboveTheSumAndRarelyFarBelow)

@@ -194,6 +194,43 @@ TEST(RatioSearch, VisitsMoreExactCandidatesThanCanBeGathered)
     EXPECT_EQ(walked, exact_candidates(WAY::BY_RATIO, crowd.m_pll, crowd.m_request));
 }
 
+// Requests that most candidates of a small box meet: those that cost more than the best are passed
+// over as soon as they tell nothing new.
+PLL_PROP crowded_request(RANDOM_RATIOS* random)
+{
+    PLL_PROP request(random->number(3));
+    request.m_fin_period = 1000 * random->number(4);
+    request.m_bandwidth_type = random->chance(70) ? 3 : 4;
+    request.m_bandwidth = 1e5 * random->number(20);
+    const int division = 100 * random->number(8);
+    for (int i = 0; i < request.m_taps_count; ++i) {
+        const int off = random->chance(50) ? random->number(5) - 3 : 0;
+        request.m_taps[i].m_mult = 1000;
+        request.m_taps[i].m_div = 1000 * division + off * division;
+        request.m_taps[i].m_duty = random->chance(50) ? 50 : random->number(101) - 1;
+        request.m_taps[i].m_phase = random->chance(10) ? random->number(90) : 0;
+        request.m_taps[i].m_use_even_counter_mode = random->chance(10);
+        request.m_taps[i].m_use_even_counter_value = random->chance(10);
+    }
+    return request;
+}
+
+TEST(RatioSearch, LeavesWhatTheWalkLeavesInCrowds)
+{
+    RANDOM_RATIOS random(35);
+    TALLY tally;
+    for (int i = 0; i < 1500; ++i) {
+        const PLL_PROP request = crowded_request(&random);
+        const auto pll = random.pll(request, 2 + random.number(60), random.number(30));
+        for (PLL_OUTPUT_TAP& tap : pll->m_taps) {
+            tap.m_max_count = random.chance(90) ? 2000 : 300;
+        }
+        SCOPED_TRACE(i);
+        expect_the_walk(*pll, request, &tally);
+    }
+    EXPECT_GT(tally.m_exact, 700);
+}
+
 TEST(RatioSearch, LeavesOddRequestsToTheWalk)
 {
     PLL_PROP request(1);
