@@ -254,10 +254,14 @@ void add_options(const COMMAND_ENTRY& entry, CLI::App* app, COMMAND_LINE* line)
     }
     std::vector<std::string> names;
     for (const CLI::Option* option : app->get_options()) {
-        names.push_back("--" + option->get_lnames().front());
+        for (const std::string& long_name : option->get_lnames()) {
+            names.push_back("--" + long_name);
+        }
     }
     const std::string name = word.substr(0, word.find('='));
-    throw USAGE_ERROR(name, "unknown option" + suggest(name, {names.begin(), names.end()}));
+    const std::string nearest = suggest(name, {names.begin(), names.end()});
+    const std::string help = "; see " + app->get_name() + " --help";
+    throw USAGE_ERROR(name, "unknown option" + (nearest.empty() ? help : nearest));
 }
 
 // A value that is missing or out of place, or an option that stands twice.
@@ -306,10 +310,18 @@ bool parse(const COMMAND_ENTRY& entry, int count, const char* const* words, COMM
         return false;
     } catch (const CLI::ExtrasError&) {
         refuse_extra(&app);
+    } catch (const CLI::RequiredError&) {
+        // The mistake may be an unknown option instead.
+        if (!app.remaining().empty()) {
+            refuse_extra(&app);
+        }
     } catch (const CLI::ArgumentMismatch& error) {
         refuse_count(error);
     } catch (const CLI::ParseError& error) {
         throw USAGE_ERROR(entry.m_name, error.what());
+    }
+    if (entry.m_command == COMMAND::LINT) {
+        require_lint_path(line->m_lint);
     }
     return true;
 }

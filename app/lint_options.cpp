@@ -8,6 +8,8 @@
 
 namespace {
 
+const char* const PATH_DESCRIPTION = "a database directory, a family file or a table file";
+
 // An option whose value is one of a few words.
 template <class T>
 void add_choice(CLI::App* app, const std::string& name, const std::string& description,
@@ -34,7 +36,7 @@ void add_choice(CLI::App* app, const std::string& name, const std::string& descr
 
 void add_lint_options(CLI::App* app, LINT_REQUEST* request)
 {
-    app->add_option("PATH", request->m_path, "a database directory, a family file or a table file")
+    app->add_option("PATH", request->m_path, PATH_DESCRIPTION)
         ->required()
         ->option_text("DIRECTORY|FILE");
     add_choice<LINT_FORMAT>(
@@ -61,4 +63,11 @@ void add_lint_options(CLI::App* app, LINT_REQUEST* request)
            },
            "-Werror: warnings count for the exit status")
         ->option_text("error");
+}
+
+void require_lint_path(const LINT_REQUEST& request)
+{
+    if (request.m_path.empty()) {
+        throw USAGE_ERROR("PATH", std::string("needed; ") + PATH_DESCRIPTION);
+    }
 }

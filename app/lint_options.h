@@ -10,3 +10,6 @@ inline constexpr char LINT_EXAMPLES[] = "  pllcalc lint data/sample\n"
                                         "  pllcalc lint data/sample --format sarif\n";
 
 void add_lint_options(CLI::App* app, LINT_REQUEST* request);
+
+// Throws a USAGE_ERROR unless the words named what to look at.
+void require_lint_path(const LINT_REQUEST& request);
