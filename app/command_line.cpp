@@ -140,7 +140,7 @@ const COMMAND_ENTRY& find_command(std::string_view name)
     }
     const bool is_option = name.substr(0, 1) == "-";
     throw USAGE_ERROR(
-        std::string(name),
+        name.empty() ? "''" : std::string(name),
         std::string(is_option ? "unknown option" : "unknown command") + "; legal are " +
             (is_option ? "--help, --version, or a command first: " : "") + join_commands() +
             suggest(name, is_option ? std::vector<std::string_view>{"--help", "--version"}
@@ -278,6 +278,20 @@ void add_options(const COMMAND_ENTRY& entry, CLI::App* app, COMMAND_LINE* line)
     throw USAGE_ERROR(name, "may be given once");
 }
 
+// Left to itself, the parser takes the word behind "--in=" for the value.
+void refuse_empty_values(CLI::App* app, int count, const char* const* words)
+{
+    for (int i = 1; i < count; ++i) {
+        const std::string word = words[i];
+        const std::string name = word.substr(0, word.find('='));
+        const CLI::Option* const option = app->get_option_no_throw(name);
+        if (name.size() + 1 == word.size() && option != nullptr &&
+            option->get_items_expected() > 0) {
+            throw USAGE_ERROR(name, "needs a value");
+        }
+    }
+}
+
 std::string write_program_help()
 {
     constexpr std::size_t NAME_WIDTH = 9;
@@ -303,6 +317,7 @@ bool parse(const COMMAND_ENTRY& entry, int count, const char* const* words, COMM
 {
     CLI::App app(entry.m_description, std::string("pllcalc ") + entry.m_name);
     add_options(entry, &app, line);
+    refuse_empty_values(&app, count, words);
     try {
         app.parse(count, words);
     } catch (const CLI::CallForHelp&) {

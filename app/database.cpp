@@ -27,6 +27,9 @@ std::string reason_for(const std::string& file)
 
 std::optional<std::string> find_database(const std::optional<std::string>& word)
 {
+    if (word && word->empty()) {
+        throw USAGE_ERROR("--database", "'' is not legal; expected a directory");
+    }
     if (word) {
         return word;
     }

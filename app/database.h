@@ -11,7 +11,8 @@
 // The variable of the environment that names the database when the command line does not.
 inline constexpr const char* DATABASE_VARIABLE = "PLL_DATABASE";
 
-// The directory of the database, if one is named.
+// The directory of the database, if one is named. An empty word, which would be the root directory
+// to the library, throws a USAGE_ERROR; an empty variable names none.
 std::optional<std::string> find_database(const std::optional<std::string>& word);
 
 class DATABASE

@@ -69,7 +69,7 @@ EXIT_STATUS show_device(const COMMAND_LINE& line, std::string* text)
 
 bool has_request(const REQUEST_WORDS& words)
 {
-    return words.m_in || !words.m_outs.empty();
+    return !(words == REQUEST_WORDS());
 }
 
 EXIT_STATUS choose_row(const COMMAND_LINE& line, std::string* text)

@@ -27,6 +27,8 @@ struct REQUEST_WORDS
     std::optional<std::string> m_tolerance;
     bool m_reconfig = false;
     bool m_exact = false;
+
+    bool operator==(const REQUEST_WORDS& other) const = default;
 };
 
 // An input clock. The library knows it by its period in whole ps, which need not be exact.
