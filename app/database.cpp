@@ -1,26 +1,21 @@
 #include "database.h"
 
 #include "input_error.h"
+#include "input_file.h"
 #include "suggestion.h"
 #include "usage_error.h"
 
 #include "gen_string.h"
 
-#include <cerrno>
 #include <cstdlib>
-#include <cstring>
-#include <unistd.h>
 
 namespace {
 
-const char* const PATH_FILE = "ddb_pll_path.txt";
-
-// Why a file cannot be opened, or where its fault is shown.
+// Why a family file cannot be read, or where its fault is shown.
 std::string reason_for(const std::string& file)
 {
-    const bool is_readable = access(file.c_str(), R_OK) == 0;
-    return is_readable ? "it or a table of it is at fault; see pllcalc lint " + file
-                       : std::string(std::strerror(errno));
+    return why_unreadable(file).value_or("it or a table of it is at fault; see pllcalc lint " +
+                                         file);
 }
 
 }  // namespace
@@ -71,8 +66,7 @@ DATABASE::DATABASE(const std::string& directory) : m_directory(directory)
     if (!m_manager.read(directory.c_str())) {
         const std::string file = directory + "/" + PATH_FILE;
         throw INPUT_ERROR("cannot read the database: " + file + ": " +
-                          (access(file.c_str(), R_OK) == 0 ? std::string("names no family")
-                                                           : std::string(std::strerror(errno))));
+                          why_unreadable(file).value_or("names no family"));
     }
 }
 
@@ -109,6 +103,6 @@ const PLL_FAMILY_INFO& DATABASE::read_family(std::string_view name)
     if (record.m_path == nullptr || record.m_file_name == nullptr) {
         throw INPUT_ERROR("cannot read family " + text + ": the path file names no file for it");
     }
-    const std::string file = std::string(record.m_path) + "/" + record.m_file_name;
+    const std::string file = tidy_path(std::string(record.m_path) + "/" + record.m_file_name);
     throw INPUT_ERROR("cannot read family " + text + ": " + file + ": " + reason_for(file));
 }

@@ -8,6 +8,9 @@
 #include <string_view>
 #include <vector>
 
+// The file of a database that names its families.
+inline constexpr char PATH_FILE[] = "ddb_pll_path.txt";
+
 // The variable of the environment that names the database when the command line does not.
 inline constexpr const char* DATABASE_VARIABLE = "PLL_DATABASE";
 

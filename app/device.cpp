@@ -125,6 +125,10 @@ PLL_TYPE_ENUM type_of_name(std::string_view name)
 PLL_TYPE_ENUM choose_type(const PLL_FAMILY_INFO& family, const DEVICE_WORDS& words)
 {
     const RECORDS records = all_records(family);
+    if (records.empty()) {
+        throw INPUT_ERROR(std::string("cannot use family ") + family.m_name +
+                          ": the database gives it no part");
+    }
     if (words.m_type) {
         return type_of_name(find_name("--type", *words.m_type, std::string(" in ") + family.m_name,
                                       list_types(records)));

@@ -1,13 +1,13 @@
 #include "lint.h"
 
+#include "database.h"
+#include "input_file.h"
 #include "internal_errors.h"
 #include "lint_devices.h"
 #include "lint_observer.h"
 #include "lint_print.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <new>
@@ -17,8 +17,6 @@
 #include <vector>
 
 namespace {
-
-const char PATH_FILE[] = "ddb_pll_path.txt";
 
 // A table without its family: no list is known, and any M up to this one is taken.
 constexpr int LARGEST_M_OF_LONE_TABLE = 65535;
@@ -163,24 +161,6 @@ TARGET find_target(const LINT_REQUEST& request)
     return {request.m_path, is_table ? TARGET::TABLE_FILE : TARGET::FAMILY_FILE};
 }
 
-// Why a file cannot be read; none when it can. A directory without a path file has a message.
-std::optional<std::string> why_unreadable(const std::string& path)
-{
-    std::error_code error;
-    if (std::filesystem::is_directory(path, error)) {
-        return std::nullopt;
-    }
-    const bool is_file = std::filesystem::is_regular_file(path, error);
-    if (error || !is_file) {
-        return "cannot read " + path + ": " + (error ? error.message() : "not a regular file");
-    }
-    errno = 0;
-    if (!std::ifstream(path)) {
-        return "cannot read " + path + ": " + std::strerror(errno);
-    }
-    return std::nullopt;
-}
-
 void look_at(const TARGET& target, LINT_MESSAGES* messages)
 {
     const DATABASE_REPORTS reports;
@@ -221,9 +201,12 @@ std::string print(const LINT_MESSAGES& messages, const LINT_REQUEST& request)
 
 LINT_VERDICT lint(const LINT_REQUEST& request, std::string* text, std::string* problem)
 {
-    if (const std::optional<std::string> reason = why_unreadable(request.m_path)) {
-        *problem = *reason;
-        return LINT_VERDICT::UNREADABLE;
+    std::error_code ignored;
+    if (!std::filesystem::is_directory(request.m_path, ignored)) {
+        if (const std::optional<std::string> reason = why_unreadable(request.m_path)) {
+            *problem = "cannot read " + request.m_path + ": " + *reason;
+            return LINT_VERDICT::UNREADABLE;
+        }
     }
     LINT_MESSAGES messages;
     look_at(find_target(request), &messages);

@@ -1,7 +1,6 @@
 #include "lint_messages.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <tuple>
 
 void LINT_MESSAGES::meet(const std::string& file)
@@ -42,9 +41,4 @@ bool LINT_MESSAGES::has(std::size_t rule) const
 {
     return std::any_of(m_messages.begin(), m_messages.end(),
                        [rule](const LINT_MESSAGE& message) { return message.m_rule == rule; });
-}
-
-std::string tidy_path(const std::string& path)
-{
-    return std::filesystem::path(path).lexically_normal().string();
 }

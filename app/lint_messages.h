@@ -76,6 +76,3 @@ private:
     std::vector<LINT_MESSAGE> m_messages;
     std::map<std::string, std::size_t> m_files;  // by name, the place in the order of meeting
 };
-
-// A file name without what only leads back to itself, such as "a/./b".
-std::string tidy_path(const std::string& path);

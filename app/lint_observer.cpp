@@ -1,5 +1,7 @@
 #include "lint_observer.h"
 
+#include "input_file.h"
+
 #include <algorithm>
 #include <exception>
 #include <tuple>

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <filesystem>
 #include <set>
 
 namespace {
@@ -174,6 +175,33 @@ TEST(CliDevice, ListGoesOnBehindAFamilyThatCannotBeRead)
               run.m_errors.find("cannot read family Nameless: the path file names no file for it"));
     EXPECT_EQ(2, database.run("device", " --family Goner").m_status);
     EXPECT_EQ(4, database.run("device", " --family Gone").m_status);
+}
+
+TEST(CliDevice, WhatIsNoFileIsToldAsSuch)
+{
+    const OWN_DATABASE database(OWN_FAMILY);
+    const TEMP_DIR folder;
+    database.write("ddb_pll_path.txt", "Own .. " + folder.path().substr(folder.path().rfind('/')));
+    const RUN family = database.run("devices", "");
+    EXPECT_EQ(4, family.m_status);
+    EXPECT_EQ("pllcalc: cannot read family Own: " + folder.path() + ": not a regular file\n",
+              family.m_errors);
+    std::filesystem::create_directory(folder.file("ddb_pll_path.txt"));
+    const RUN path_file = run_pllcalc("devices --database " + folder.path());
+    EXPECT_EQ(4, path_file.m_status);
+    EXPECT_EQ("pllcalc: cannot read the database: " + folder.file("ddb_pll_path.txt") +
+                  ": not a regular file\n",
+              path_file.m_errors);
+}
+
+TEST(CliDevice, FamilyWithoutPartsIsNoQuestionOfTheType)
+{
+    const OWN_DATABASE database("family Own\npll FAST_PLL\nm_counter_max 64\n");
+    for (const std::string type : {"", " --type FAST_PLL"}) {
+        const RUN run = database.run("device", type);
+        EXPECT_EQ(4, run.m_status);
+        EXPECT_EQ("pllcalc: cannot use family Own: the database gives it no part\n", run.m_errors);
+    }
 }
 
 TEST(CliDevice, NamesKeepTheirCharactersInEveryForm)

@@ -151,6 +151,18 @@ TEST_F(Lint, TellsWhatCannotBeRead)
     }
 }
 
+// The lines of a file are shown, but only of a file that has an end.
+TEST_F(Lint, DoesNotWaitForAPathFileThatIsAPipe)
+{
+    ASSERT_EQ(0, mkfifo(m_directory.file("ddb_pll_path.txt").c_str(), 0600));
+    for (const std::string format : {"text", "sarif"}) {
+        const RUN run = run_program("/usr/bin/timeout", {"10", PLLCALC, "lint", m_directory.path(),
+                                                         "--caret=always", "--format", format});
+        EXPECT_EQ(4, run.m_status) << format;
+        EXPECT_NE(std::string::npos, run.m_output.find("path-file-not-opened")) << format;
+    }
+}
+
 TEST_F(Lint, RefusesWordsThatItDoesNotKnow)
 {
     write("file", "family F\n");
