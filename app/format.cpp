@@ -8,9 +8,12 @@ namespace {
 constexpr int MHZ_EXPONENT = 6;
 constexpr double PS_MHZ = 1e6;  // MHz = PS_MHZ / ps
 
+// Larger numbers, which only a faulty database holds, take an exponent to fit a column.
+constexpr double LARGEST_FIXED = 1e15;
+
 std::string without_trailing_zeros(std::string text)
 {
-    if (text.find('.') == std::string::npos) {
+    if (text.find('.') == std::string::npos || text.find('e') != std::string::npos) {
         return text;
     }
     text.erase(text.find_last_not_of('0') + 1);
@@ -42,7 +45,11 @@ std::string format_fixed(double value, int decimals)
     if (!std::isfinite(value)) {
         return "-";
     }
-    char text[400];
+    char text[32];
+    if (std::abs(value) >= LARGEST_FIXED) {
+        std::snprintf(text, sizeof text, "%.9g", value);
+        return text;
+    }
     std::snprintf(text, sizeof text, "%.*f", decimals, value);
     const bool is_zero = std::string(text).find_first_of("123456789") == std::string::npos;
     return is_zero && text[0] == '-' ? std::string(text + 1) : std::string(text);

@@ -5,7 +5,7 @@
 
 #include <string>
 
-// Fixed decimals; "-" for what is not a number or infinite.
+// Fixed decimals, at most 9; an exponent from 1e15 on; "-" for what is not a number or infinite.
 std::string format_fixed(double value, int decimals);
 
 // Likewise with trailing zeros cut.

@@ -1,6 +1,10 @@
 #include "record_list.h"
 
+#include "format.h"
+
 #include <nlohmann/json.hpp>
+
+#include <cmath>
 
 namespace {
 
@@ -13,6 +17,11 @@ std::string json_string(const std::string& text)
 }
 
 }  // namespace
+
+RECORD_VALUE RECORD_VALUE::number(double value, int decimals)
+{
+    return std::isfinite(value) ? number(format_short(value, decimals)) : none();
+}
 
 std::string RECORD_VALUE::to_csv() const
 {

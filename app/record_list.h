@@ -17,6 +17,8 @@ public:
     static RECORD_VALUE none() { return {KIND::NONE, ""}; }
     static RECORD_VALUE number(const std::string& digits) { return {KIND::NUMBER, digits}; }
     static RECORD_VALUE number(int value) { return {KIND::NUMBER, std::to_string(value)}; }
+    // Rounded to `decimals`; nothing for what is not a number or infinite.
+    static RECORD_VALUE number(double value, int decimals);
     static RECORD_VALUE text(const std::string& text) { return {KIND::TEXT, text}; }
     static RECORD_VALUE truth(bool value) { return {KIND::NUMBER, value ? "true" : "false"}; }
 

@@ -6,6 +6,7 @@
 #include "table_choice.h"
 #include "text_table.h"
 
+#include <cmath>
 #include <iostream>
 #include <sstream>
 
@@ -36,7 +37,7 @@ std::vector<CORNER> corners_of(const PLL_BANDWIDTH_SETTING& row)
 // Tables need not give capacitors or results.
 RECORD_VALUE record_given(double value, int decimals)
 {
-    return value < 0.0 ? RECORD_VALUE::none() : RECORD_VALUE::number(format_short(value, decimals));
+    return value < 0.0 ? RECORD_VALUE::none() : RECORD_VALUE::number(value, decimals);
 }
 
 // Calls `use` with M, the number of the row in its group from 1, and the row.
@@ -129,10 +130,13 @@ RECORD_LIST list_rows(const PLL_BASIC_INFO& info, std::optional<int> effective_m
     return records;
 }
 
-// Why a row is taken or left, the cheapest being the one with index `taken`.
+// Why a row is taken or left, the one with index `taken` being taken.
 std::string judge(const std::vector<ROW_CHOICE>& choices, std::size_t index, std::size_t taken)
 {
     const ROW_CHOICE& choice = choices[index];
+    if (std::isinf(choice.m_cost)) {
+        return "too costly to be taken";
+    }
     const std::string winner = "row " + std::to_string(taken + 1);
     if (index == taken) {
         return choice.m_cost > 0.0 ? "TAKEN: costs least" : "TAKEN: costs nothing";
@@ -193,10 +197,9 @@ RECORD_LIST list_choice_records(int m, const std::vector<ROW_CHOICE>& choices)
                      record_given(choice.m_row->m_loop_filter_capacitor, 0),
                      record_given(choice.m_row->m_typical_bandwidth, DECIMALS),
                      record_given(choice.m_row->m_fast_bandwidth, DECIMALS),
-                     RECORD_VALUE::number(format_short(choice.m_pfd_cost, DECIMALS)),
-                     RECORD_VALUE::number(format_short(choice.m_wish_cost, DECIMALS)),
-                     RECORD_VALUE::number(format_short(choice.m_cost, DECIMALS)),
-                     RECORD_VALUE::truth(i == taken),
+                     RECORD_VALUE::number(choice.m_pfd_cost, DECIMALS),
+                     RECORD_VALUE::number(choice.m_wish_cost, DECIMALS),
+                     RECORD_VALUE::number(choice.m_cost, DECIMALS), RECORD_VALUE::truth(i == taken),
                      RECORD_VALUE::text(judge(choices, i, taken))});
     }
     return records;

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cfloat>
+#include <cmath>
 #include <cstdint>
 #include <limits>
 #include <new>
@@ -14,7 +15,8 @@ namespace {
 constexpr int BANDWIDTH_AUTO = 3;
 constexpr double HZ_PS = 1e12;  // frequency in Hz x period in ps
 
-// The library's cost of a row: it is asked with a table that holds nothing else.
+// The library's cost of a row: it is asked with a table that holds nothing else. Infinite for a row
+// that the library would not even take then.
 double cost_alone(const PLL& answer, const PLL_PROP& prop, const PLL_BANDWIDTH_SETTING& row)
 {
     PLL_BASIC_INFO info;
@@ -37,8 +39,8 @@ double cost_alone(const PLL& answer, const PLL_PROP& prop, const PLL_BANDWIDTH_S
     pll = answer;
     pll.m_info.m_basic_info = &info;
     pll.m_cost = 0.0;
-    PLL::synthesize_best_bandwidth_using_table(&pll, prop);
-    return pll.m_cost;
+    const bool is_taken = PLL::synthesize_best_bandwidth_using_table(&pll, prop);
+    return is_taken ? pll.m_cost : std::numeric_limits<double>::infinity();
 }
 
 }  // namespace
@@ -90,5 +92,6 @@ std::size_t find_taken(const std::vector<ROW_CHOICE>& choices)
     const auto cheapest = std::min_element(
         choices.begin(), choices.end(),
         [](const ROW_CHOICE& a, const ROW_CHOICE& b) { return a.m_cost < b.m_cost; });
-    return static_cast<std::size_t>(cheapest - choices.begin());
+    const bool is_taken = cheapest != choices.end() && std::isfinite(cheapest->m_cost);
+    return is_taken ? static_cast<std::size_t>(cheapest - choices.begin()) : choices.size();
 }

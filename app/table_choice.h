@@ -25,14 +25,14 @@ struct ROW_CHOICE
     const PLL_BANDWIDTH_SETTING* m_row;
     double m_pfd_cost;   // for a bandwidth too large for the PFD
     double m_wish_cost;  // for missing the bandwidth asked for
-    double m_cost;
-    bool m_looked_at;  // the library stops at the first row that costs nothing
+    double m_cost;       // of both; infinite: never taken
+    bool m_looked_at;    // the library stops at the first row that costs nothing
 };
 
 // The rows of the answer's effective M in their order, each with the cost that the library gives it
 // when it is alone. Empty without rows.
 std::vector<ROW_CHOICE> list_choices(const REQUEST& request, const ANSWER& answer);
 
-// The index of the row that is taken: the first of the cheapest. The number of choices when there
-// is none.
+// The index of the row that is taken: the first of the cheapest. The number of choices when none
+// is.
 std::size_t find_taken(const std::vector<ROW_CHOICE>& choices);

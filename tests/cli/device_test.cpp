@@ -3,12 +3,15 @@
 #include "program.h"
 
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 #include <cstdlib>
 #include <filesystem>
 #include <set>
 
 namespace {
+
+using JSON = nlohmann::json;
 
 const std::string SAMPLE = std::string(PLL_DATA_DIR) + "/sample";
 
@@ -256,6 +259,57 @@ TEST(CliSample, EveryPartSynthesisesAndEveryTableIsSound)
     EXPECT_LE(3U, families.size());
     EXPECT_EQ(4U, types.size());
     EXPECT_EQ(10U, parts.size());
+}
+
+// The file of a table whose bandwidths are infinite in Hz, though finite in the file.
+std::string endless_table()
+{
+    std::string table = "V2 endless\ntitles\n";
+    for (int m = 1; m <= 64; ++m) {
+        table.append("1 ")
+            .append(std::to_string(m))
+            .append(" 10 1000 1e308 1e308 1e308 60 1e308 1 60 1e308 1\n");
+    }
+    return table;
+}
+
+// The family above with that table.
+std::string family_with_endless_table()
+{
+    std::string family = OWN_FAMILY;
+    return family.insert(family.find("speed_grade"), "loop_filter_resistor 1000\n"
+                                                     "loop_filter_capacitor 1\n"
+                                                     "bandwidth_settings_table_file endless.txt\n"
+                                                     "bandwidth_pfd_min_frequency_multiplier 8\n");
+}
+
+TEST(CliTable, InfiniteNumbersAreNullInJsonAndNarrowInTables)
+{
+    const OWN_DATABASE database(family_with_endless_table());
+    database.write("endless.txt", endless_table());
+    const JSON rows = JSON::parse(database.run("table", " --format json").m_output);
+    EXPECT_EQ(64U, rows.size());
+    EXPECT_TRUE(rows[0]["fast_bandwidth_hz"].is_null());
+    EXPECT_EQ(1e308, rows[0]["typical_phase_margin_deg"]);
+    const JSON choices =
+        JSON::parse(database.run("table", " --in 100MHz --out 50MHz --format json").m_output);
+    EXPECT_EQ(1U, choices.size());
+    EXPECT_TRUE(choices[0]["cost"].is_null());
+    for (const std::string& line : split(database.run("table", "").m_output, '\n')) {
+        EXPECT_GE(100U, line.size()) << line;
+    }
+}
+
+TEST(CliTable, NoRowIsCalledTakenWhereASynthesisTakesNone)
+{
+    const OWN_DATABASE database(family_with_endless_table());
+    database.write("endless.txt", endless_table());
+    const std::string request = " --in 100MHz --out 50MHz";
+    ASSERT_NE(std::string::npos,
+              database.run("synth", request).m_output.find("The table has no row for"));
+    const std::string text = database.run("table", request).m_output;
+    EXPECT_EQ(std::string::npos, text.find("TAKEN")) << text;
+    EXPECT_NE(std::string::npos, text.find("too costly to be taken\n")) << text;
 }
 
 // The words of the line below the one that starts so.
