@@ -125,10 +125,10 @@ void explain_missed_outputs(const REQUEST& request, const ANSWER& answer, LINES*
             continue;
         }
         const PLL_OUTPUT_TAP& tap = answer.get_pll().m_taps[i];
-        const RATIONAL achieved = request.m_input.m_frequency * output.m_ratio;
+        const RATIONAL input = request.m_input.m_frequency;
         std::string line = "missed: output " + std::to_string(i + 1) + ", closest " +
-                           format_mhz_short(achieved) + " MHz instead of " +
-                           format_mhz_short(request.m_outputs[i].m_frequency) + " MHz, " +
+                           format_mhz_short(input, output.m_ratio) + " MHz instead of " +
+                           format_mhz_short(input, request.m_outputs[i].m_ratio) + " MHz, " +
                            format_error(output.m_error);
         if (tap.m_high >= tap.m_max_count || tap.m_low >= tap.m_max_count) {
             line += "\n  its counter is at its largest count";

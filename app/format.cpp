@@ -7,6 +7,7 @@ namespace {
 
 constexpr int MHZ_EXPONENT = 6;
 constexpr double PS_MHZ = 1e6;  // MHz = PS_MHZ / ps
+constexpr double HZ_MHZ = 1e6;  // MHz = Hz / HZ_MHZ
 
 // Larger numbers, which only a faulty database holds, take an exponent to fit a column.
 constexpr double LARGEST_FIXED = 1e15;
@@ -65,20 +66,29 @@ std::string format_given(double value, int decimals)
     return value < 0.0 ? "-" : format_fixed(value, decimals);
 }
 
-std::string format_mhz(const RATIONAL& hertz)
+std::string format_mhz(const RATIONAL& hertz, const RATIONAL& ratio)
 {
-    if (!hertz.is_valid()) {
+    if (!hertz.is_valid() || !ratio.is_valid()) {
         return "-";
     }
-    const RATIONAL mhz(hertz.rounded().numerator(), power_of_ten(MHZ_EXPONENT));
-    std::string text(hertz.is_integer() ? 0 : 1, '~');
-    text += mhz.to_decimal(MHZ_EXPONENT);
+    std::string text((hertz * ratio).is_integer() ? 0 : 1, '~');
+    text += format_mhz_number(hertz, ratio);
     return text;
 }
 
-std::string format_mhz_short(const RATIONAL& hertz)
+std::string format_mhz_short(const RATIONAL& hertz, const RATIONAL& ratio)
 {
-    return without_trailing_zeros(format_mhz(hertz));
+    return without_trailing_zeros(format_mhz(hertz, ratio));
+}
+
+std::string format_mhz_number(const RATIONAL& hertz, const RATIONAL& ratio)
+{
+    const RATIONAL product = hertz * ratio;
+    if (!product.is_valid()) {
+        return format_fixed(hertz.to_double() * ratio.to_double() / HZ_MHZ, MHZ_EXPONENT);
+    }
+    const RATIONAL mhz(product.rounded().numerator(), power_of_ten(MHZ_EXPONENT));
+    return mhz.to_decimal(MHZ_EXPONENT);
 }
 
 std::string format_period_as_mhz(double period)

@@ -14,11 +14,15 @@ std::string format_short(double value, int decimals);
 // Fixed decimals; "-" for a negative number too, which stands for one that is not given.
 std::string format_given(double value, int decimals);
 
-// Hertz as MHz with six decimals, so to the hertz; "~" in front when that is rounded.
-std::string format_mhz(const RATIONAL& hertz);
+// Hertz, or a multiple of them, as MHz with six decimals, so to the hertz; "~" in front when that
+// is rounded. The product need not fit a RATIONAL.
+std::string format_mhz(const RATIONAL& hertz, const RATIONAL& ratio = RATIONAL(1, 1));
 
 // "27", "148.5" or "~27.027027": as above with trailing zeros cut.
-std::string format_mhz_short(const RATIONAL& hertz);
+std::string format_mhz_short(const RATIONAL& hertz, const RATIONAL& ratio = RATIONAL(1, 1));
+
+// As above without "~".
+std::string format_mhz_number(const RATIONAL& hertz, const RATIONAL& ratio);
 
 // A period in ps as MHz; "-" when there is none.
 std::string format_period_as_mhz(double period);

@@ -107,8 +107,9 @@ private:
     std::vector<WORD> m_words;
 };
 
-OUTPUT_WISH read_clock(const std::string& argument, const OUTPUT_WORDS& words,
-                       const RATIONAL& input_frequency)
+// The ratio to the input that is asked for.
+RATIONAL read_clock(const std::string& argument, const OUTPUT_WORDS& words,
+                    const RATIONAL& input_frequency)
 {
     const std::optional<std::string> ratio = words.find_value("ratio");
     const std::optional<std::string>& frequency = words.get_frequency();
@@ -116,26 +117,20 @@ OUTPUT_WISH read_clock(const std::string& argument, const OUTPUT_WORDS& words,
         throw USAGE_ERROR(argument, "needs one of a frequency and ratio=, such as 74.25MHz or "
                                     "ratio=11/4");
     }
-    OUTPUT_WISH wish;
-    if (ratio) {
-        wish.m_ratio = read_ratio(argument + " ratio", *ratio);
-        wish.m_frequency = input_frequency * wish.m_ratio;
-    } else {
-        wish.m_frequency = read_frequency(argument, *frequency);
-        wish.m_ratio = wish.m_frequency / input_frequency;
-    }
+    const RATIONAL asked = ratio ? read_ratio(argument + " ratio", *ratio)
+                                 : read_frequency(argument, *frequency) / input_frequency;
     constexpr std::int64_t LARGEST = std::numeric_limits<int>::max();
-    const bool fits = wish.m_ratio.is_valid() && wish.m_ratio.numerator() <= LARGEST &&
-                      wish.m_ratio.denominator() <= LARGEST;
-    if (!fits || !wish.m_frequency.is_valid()) {
+    const bool fits =
+        asked.is_valid() && asked.numerator() <= LARGEST && asked.denominator() <= LARGEST;
+    if (!fits) {
         std::string problem = "its ratio to the input does not fit; ";
-        if (wish.m_ratio.is_valid()) {
-            problem = "its ratio to the input, " + wish.m_ratio.to_fraction() + ", does not fit; ";
+        if (asked.is_valid()) {
+            problem = "its ratio to the input, " + asked.to_fraction() + ", does not fit; ";
         }
         throw USAGE_ERROR(argument, problem + "factor and divisor may be 1 to " +
                                         std::to_string(LARGEST) + " each");
     }
-    return wish;
+    return asked;
 }
 
 // The phase of an output in degrees of the input clock, which is how the library counts: 360 are
@@ -165,12 +160,13 @@ OUTPUT_WISH read_output(const std::string& argument, const std::string& text,
                         const RATIONAL& input_frequency, PLL_USER_TAP* tap)
 {
     const OUTPUT_WORDS words(argument, text);
-    OUTPUT_WISH wish = read_clock(argument, words, input_frequency);
+    OUTPUT_WISH wish;
+    wish.m_ratio = read_clock(argument, words, input_frequency);
     tap->m_mult = static_cast<int>(wish.m_ratio.numerator());
     tap->m_div = static_cast<int>(wish.m_ratio.denominator());
     if (const auto phase = words.find_value("phase")) {
-        wish.m_phase =
-            read_phase(argument + " phase", *phase, wish.m_frequency, -MAX_PHASE, MAX_PHASE);
+        wish.m_phase = read_phase(argument + " phase", *phase, input_frequency * wish.m_ratio,
+                                  -MAX_PHASE, MAX_PHASE);
         tap->m_phase = phase_of_input(wish);
     }
     if (const auto duty = words.find_value("duty")) {

@@ -45,14 +45,11 @@ std::string report_ratios(const INPUT_CLOCK& input, const DEVICE* device, LIST_F
     TEXT_TABLE table(
         {{"VCO / input", "", ALIGN::RIGHT}, {"", "", ALIGN::RIGHT}, {"VCO", "MHz", ALIGN::RIGHT}});
     for (int i = 0; i < *count; ++i) {
-        constexpr int MHZ_EXPONENT = 6;
         const RATIONAL ratio(mults[i], divs[i]);
-        const RATIONAL vco = input.m_frequency * ratio;
-        records.add(
-            {RECORD_VALUE::number(mults[i]), RECORD_VALUE::number(divs[i]),
-             RECORD_VALUE::number(RATIONAL(vco.rounded().numerator(), power_of_ten(MHZ_EXPONENT))
-                                      .to_decimal(MHZ_EXPONENT))});
-        table.add_row({ratio.to_fraction(), ratio.to_decimal(RATIO_DECIMALS), format_mhz(vco)});
+        records.add({RECORD_VALUE::number(mults[i]), RECORD_VALUE::number(divs[i]),
+                     RECORD_VALUE::number(format_mhz_number(input.m_frequency, ratio))});
+        table.add_row({ratio.to_fraction(), ratio.to_decimal(RATIO_DECIMALS),
+                       format_mhz(input.m_frequency, ratio)});
     }
     if (form != LIST_FORM::TABLE) {
         return records.write(form);

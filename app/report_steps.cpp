@@ -29,8 +29,9 @@ void append_output(const REQUEST& request, const ANSWER& answer, int output, std
     const PLL_USER_TAP& asked = request.m_prop.m_taps[output];
     const OUTPUT_PHASE& phase = answer.get_outputs()[static_cast<std::size_t>(output)].m_phase;
     const double duty_step = pll.get_duty_cycle_resolution(output);
-    const RATIONAL frequency = request.m_input.m_frequency *
-                               answer.get_outputs()[static_cast<std::size_t>(output)].m_ratio;
+    const std::string frequency =
+        format_mhz_short(request.m_input.m_frequency,
+                         answer.get_outputs()[static_cast<std::size_t>(output)].m_ratio);
 
     TEXT_TABLE bounds({{"", "", ALIGN::LEFT},
                        {"asked", "", ALIGN::RIGHT},
@@ -63,8 +64,7 @@ void append_output(const REQUEST& request, const ANSWER& answer, int output, std
                        pll.get_duty_cycle_max(output), DUTY_DECIMALS),
              i == 0 ? "<- the answer" : ""});
     }
-    *text +=
-        "\noutput " + std::to_string(output + 1) + ": " + format_mhz_short(frequency) + " MHz\n\n";
+    *text += "\noutput " + std::to_string(output + 1) + ": " + frequency + " MHz\n\n";
     bounds.append_to(text);
     *text += "\n";
     steps.append_to(text);

@@ -46,7 +46,7 @@ void append_loop(const REQUEST& request, const ANSWER& answer, std::string* text
     const int feedback = pll.m_feedback_tap;
     table.add_row({std::to_string(pll.get_n()), std::to_string(pll.get_m()),
                    std::to_string(pll.m_vco_post_scale),
-                   format_mhz(input / RATIONAL(pll.get_n(), 1)), format_mhz(input * vco_ratio),
+                   format_mhz(input, RATIONAL(1, pll.get_n())), format_mhz(input, vco_ratio),
                    vco_ratio.to_fraction(),
                    feedback < 0 ? "M counter" : "output " + std::to_string(feedback + 1)});
     table.append_to(text);
@@ -60,12 +60,12 @@ void append_frequencies(const REQUEST& request, const ANSWER& answer, std::strin
                       {"ratio", "", ALIGN::RIGHT},
                       {"error", "", ALIGN::RIGHT},
                       {"", "", ALIGN::LEFT}});
+    const RATIONAL input = request.m_input.m_frequency;
     for (std::size_t i = 0; i < request.m_outputs.size(); ++i) {
         const OUTPUT_RESULT& output = answer.get_outputs()[i];
-        table.add_row({std::to_string(i + 1), format_mhz(request.m_outputs[i].m_frequency),
-                       format_mhz(request.m_input.m_frequency * output.m_ratio),
-                       output.m_ratio.to_fraction(), format_error(output.m_error),
-                       output.m_missed ? "MISSED" : ""});
+        table.add_row({std::to_string(i + 1), format_mhz(input, request.m_outputs[i].m_ratio),
+                       format_mhz(input, output.m_ratio), output.m_ratio.to_fraction(),
+                       format_error(output.m_error), output.m_missed ? "MISSED" : ""});
     }
     table.append_to(text);
 }

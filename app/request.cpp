@@ -38,6 +38,11 @@ RATIONAL period_in_ps(const RATIONAL& frequency)
 int round_period(const std::string& argument, const std::string& text, const RATIONAL& period)
 {
     constexpr std::int64_t LARGEST = std::numeric_limits<int>::max();
+    if (!period.is_valid()) {
+        throw USAGE_ERROR(argument, "'" + text +
+                                        "' is not legal; expected fewer digits: its "
+                                        "period does not fit 64 bits");
+    }
     const RATIONAL rounded = period.rounded();
     if (!rounded.is_positive() || rounded.numerator() > LARGEST) {
         throw USAGE_ERROR(argument, "'" + text + "' is not legal; expected a period of 1 to " +

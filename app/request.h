@@ -45,9 +45,8 @@ constexpr int MAX_PHASE = 360;
 // What an output was asked for, exactly.
 struct OUTPUT_WISH
 {
-    RATIONAL m_ratio;      // to the input
-    RATIONAL m_frequency;  // Hz
-    RATIONAL m_phase;      // degrees, 360 to a period of the output
+    RATIONAL m_ratio;  // to the input
+    RATIONAL m_phase;  // degrees, 360 to a period of the output
 };
 
 struct REQUEST

@@ -117,6 +117,22 @@ TEST(CliRatios, AreSortedReducedAndComplete)
     EXPECT_NE(std::string::npos, table.find(std::to_string(lines.size() - 1) + " ratios\n"));
 }
 
+// 10^18 / 12345678901 Hz times 63/17 is no fraction of 64-bit numbers.
+TEST(CliRatios, FrequencyThatIsNoFractionIsRounded)
+{
+    const std::string input = " --in 12345.678901ps";
+    const std::string csv = run_pllcalc("ratios --format csv" + input).m_output;
+    EXPECT_NE(std::string::npos, csv.find("\n63,17,300.176473\n")) << csv;
+    const std::string table = run_pllcalc("ratios" + input).m_output;
+    EXPECT_NE(std::string::npos, table.find("  ~300.176473\n")) << table;
+    const RUN run = run_pllcalc("synth --out ratio=63/17 --out ratio=63/34" + input);
+    EXPECT_EQ(0, run.m_status) << run.m_errors;
+    EXPECT_EQ("~600.352947", first_row(run.m_output, "post-scale", 2).at(4));
+    EXPECT_EQ("~300.176473", first_row(run.m_output, "ratio ", 2).at(1));
+    EXPECT_EQ("~300.176473", first_row(run.m_output, "ratio ", 2).at(2));
+    EXPECT_EQ("~150.088237", first_row(run.m_output, "ratio ", 3).at(2));
+}
+
 TEST(CliRatios, NoneIsNotMet)
 {
     const RUN run = run_pllcalc("ratios --in 1MHz");

@@ -50,6 +50,7 @@ constexpr USAGE_CASE USAGE_CASES[] = {
     {"synth --in 1234567890123456789Hz --out 5MHz",     "of at most 18 digits"},
     {"synth --in 999999999999999999GHz --out 5MHz",     "expected a frequency that fits 64 bits"},
     {"synth --in 465Hz --out 5MHz",                     "--in: '465Hz' is not legal; expected a period of 1 to 2147483647 ps"},
+    {"synth --in 123.456789012345678MHz --out 5MHz",    "--in: '123.456789012345678MHz' is not legal; expected fewer digits: its period does not fit 64 bits"},
     {"synth --in 2147483648ps --out 5MHz",              "expected a period of 1 to 2147483647 ps"},
     {"synth --in 0.49ps --out 5MHz",                    "expected a period of 1 to 2147483647 ps"},
     {"ratios --in 465Hz",                               "--in: '465Hz' is not legal; expected a period of 1 to 2147483647 ps"},
