@@ -40,8 +40,8 @@ const DEVICE_LIMIT LIMITS[] = {
     {"output_max", "ps", LIMIT_KIND::LARGEST, read_plain<&TIMING::m_output_max>},
     {"external_output_min", "ps", LIMIT_KIND::SMALLEST, read_plain<&TIMING::m_external_output_min>},
     {"external_output_max", "ps", LIMIT_KIND::LARGEST, read_plain<&TIMING::m_external_output_max>},
-    {"ss_spread_min", "", LIMIT_KIND::SMALLEST, read_plain<&TIMING::m_ss_spread_min>},
-    {"ss_spread_max", "", LIMIT_KIND::LARGEST, read_plain<&TIMING::m_ss_spread_max>},
+    {"ss_spread_min", "thousandths", LIMIT_KIND::SMALLEST, read_plain<&TIMING::m_ss_spread_min>},
+    {"ss_spread_max", "thousandths", LIMIT_KIND::LARGEST, read_plain<&TIMING::m_ss_spread_max>},
 };
 
 typedef std::optional<std::string> (*READ_VALUE)(const BASIC& info);

@@ -8,10 +8,21 @@
 
 namespace {
 
-// One end of a range that a synthesis needs, and the keywords that give it.
-struct PERIOD_RANGE
+// What a range is of.
+struct QUANTITY
+{
+    const char* m_noun;  // behind its name
+    const char* m_unit;
+};
+
+constexpr QUANTITY PERIOD = {" period", " ps"};
+constexpr QUANTITY SPREAD = {"", " thousandths"};
+
+// A range of a part, the keywords that give its ends, and which of them a synthesis needs.
+struct PART_RANGE
 {
     const char* m_name;
+    QUANTITY m_quantity;
     int PLL_TIMING_INFO::*m_min;
     int PLL_TIMING_INFO::*m_max;
     const char* m_min_keyword;
@@ -21,13 +32,13 @@ struct PERIOD_RANGE
 };
 
 // clang-format off
-const PERIOD_RANGE PERIOD_RANGES[] = {
-    {"PFD", &PLL_TIMING_INFO::m_pfd_min, &PLL_TIMING_INFO::m_pfd_max, "pfd_min", "pfd_max", true, true},
-    {"input", &PLL_TIMING_INFO::m_input_min, &PLL_TIMING_INFO::m_input_max, "input_min", "input_max", true, false},
-    {"output", &PLL_TIMING_INFO::m_output_min, &PLL_TIMING_INFO::m_output_max, "output_min", "output_max", false, false},
-    {"external output", &PLL_TIMING_INFO::m_external_output_min, &PLL_TIMING_INFO::m_external_output_max,
+const PART_RANGE PART_RANGES[] = {
+    {"PFD", PERIOD, &PLL_TIMING_INFO::m_pfd_min, &PLL_TIMING_INFO::m_pfd_max, "pfd_min", "pfd_max", true, true},
+    {"input", PERIOD, &PLL_TIMING_INFO::m_input_min, &PLL_TIMING_INFO::m_input_max, "input_min", "input_max", true, false},
+    {"output", PERIOD, &PLL_TIMING_INFO::m_output_min, &PLL_TIMING_INFO::m_output_max, "output_min", "output_max", false, false},
+    {"external output", PERIOD, &PLL_TIMING_INFO::m_external_output_min, &PLL_TIMING_INFO::m_external_output_max,
      "external_output_min", "external_output_max", false, false},
-    {"spread", &PLL_TIMING_INFO::m_ss_spread_min, &PLL_TIMING_INFO::m_ss_spread_max, "ss_spread_min", "ss_spread_max", false, false},
+    {"spread", SPREAD, &PLL_TIMING_INFO::m_ss_spread_min, &PLL_TIMING_INFO::m_ss_spread_max, "ss_spread_min", "ss_spread_max", false, false},
 };
 
 // Numbers of a PLL type that must be at least 1.
@@ -138,50 +149,51 @@ public:
         for (int p = 1; p <= post_scales; ++p) {
             const std::string behind = p == 1 ? "" : " behind a post-scale of " + std::to_string(p);
             check_range("VCO" + behind, m_timing.get_vco_min_period(p),
-                        m_timing.get_vco_max_period(p), VCO_KEYWORDS);
+                        m_timing.get_vco_max_period(p), VCO_ENDS);
             if (m_timing.get_vco_gain(p) < 1) {
                 m_check.add(DEVICE_FINDING::LOOP_FILTER_VALUE_MISSING, place({"vco_gain"}),
                             "'vco_gain'" + behind + " is never set");
             }
         }
-        for (const PERIOD_RANGE& range : PERIOD_RANGES) {
-            const KEYWORDS keywords = {range.m_min_keyword, range.m_max_keyword, range.m_needs_min,
-                                       range.m_needs_max};
-            check_range(range.m_name, m_timing.*range.m_min, m_timing.*range.m_max, keywords);
+        for (const PART_RANGE& range : PART_RANGES) {
+            const ENDS ends = {range.m_min_keyword, range.m_max_keyword, range.m_needs_min,
+                               range.m_needs_max, range.m_quantity};
+            check_range(range.m_name, m_timing.*range.m_min, m_timing.*range.m_max, ends);
         }
     }
 
 private:
-    struct KEYWORDS
+    struct ENDS
     {
         const char* m_min;
         const char* m_max;
         bool m_needs_min;
         bool m_needs_max;
+        QUANTITY m_quantity;
     };
-    static constexpr KEYWORDS VCO_KEYWORDS = {"vco_min", "vco_max", true, true};
+    static constexpr ENDS VCO_ENDS = {"vco_min", "vco_max", true, true, PERIOD};
 
     LINT_PLACE place(std::initializer_list<const char*> keywords) const
     {
         return m_check.m_observer.place_of(m_subject, keywords);
     }
 
-    void check_range(const std::string& name, int min, int max, const KEYWORDS& keywords) const
+    void check_range(const std::string& name, int min, int max, const ENDS& ends) const
     {
-        if (keywords.m_needs_min && !is_given(min)) {
-            tell_of_missing(name, keywords.m_min);
+        if (ends.m_needs_min && !is_given(min)) {
+            tell_of_missing(name, ends.m_min);
         }
-        if (keywords.m_needs_max && !is_given(max)) {
-            tell_of_missing(name, keywords.m_max);
+        if (ends.m_needs_max && !is_given(max)) {
+            tell_of_missing(name, ends.m_max);
         }
         if (is_given(min) && is_given(max) && min > max) {
-            const std::string min_scaled = std::string(keywords.m_min) + "_post_scale";
-            const std::string max_scaled = std::string(keywords.m_max) + "_post_scale";
-            m_check.add(
-                DEVICE_FINDING::LIMITS_CROSSED,
-                place({keywords.m_min, keywords.m_max, min_scaled.c_str(), max_scaled.c_str()}),
-                "no " + name + " period is legal: the least is " + std::to_string(min) +
-                    " ps, the largest " + std::to_string(max) + " ps");
+            const std::string min_scaled = std::string(ends.m_min) + "_post_scale";
+            const std::string max_scaled = std::string(ends.m_max) + "_post_scale";
+            m_check.add(DEVICE_FINDING::LIMITS_CROSSED,
+                        place({ends.m_min, ends.m_max, min_scaled.c_str(), max_scaled.c_str()}),
+                        "no " + name + ends.m_quantity.m_noun + " is legal: the least is " +
+                            std::to_string(min) + ends.m_quantity.m_unit + ", the largest " +
+                            std::to_string(max) + ends.m_quantity.m_unit);
         }
     }
 

@@ -245,6 +245,18 @@ TEST_F(Lint, GoesOnAfterAFamilyThatFails)
     EXPECT_NE(std::string::npos, text.find("c.txt:1:1: error"));
 }
 
+TEST_F(Lint, KnowsASpreadFromAPeriod)
+{
+    write("file", "family F\npll FAST_PLL\nspeed_grade 1\npart P\n"
+                  "ss_spread_min 9\nss_spread_max 1\ninput_min 7\ninput_max 5\n");
+    EXPECT_NE(std::string::npos,
+              messages("file").find("file:6:1: warning: no spread is legal: the least is 9 "
+                                    "thousandths, the largest 1 thousandths [limits-crossed]\n"));
+    EXPECT_NE(std::string::npos,
+              messages("file").find("file:8:1: warning: no input period is legal: the least is 7 "
+                                    "ps, the largest 5 ps [limits-crossed]\n"));
+}
+
 // ---- Formats for programs
 
 TEST_F(Lint, CountsInJson)
