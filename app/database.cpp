@@ -2,10 +2,9 @@
 
 #include "input_error.h"
 #include "input_file.h"
+#include "letter_case.h"
 #include "suggestion.h"
 #include "usage_error.h"
-
-#include "gen_string.h"
 
 #include <cstdlib>
 
@@ -53,7 +52,7 @@ std::string_view find_name(const std::string& argument, const std::string& name,
                            const std::string& place, const std::vector<std::string_view>& names)
 {
     for (const std::string_view candidate : names) {
-        if (gen_stricmp(name.c_str(), std::string(candidate).c_str()) == 0) {
+        if (equal_but_for_case(name, candidate)) {
             return candidate;
         }
     }

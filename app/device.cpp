@@ -1,24 +1,18 @@
 #include "device.h"
 
 #include "input_error.h"
+#include "letter_case.h"
 #include "usage_error.h"
 
-#include "gen_string.h"
 #include "pll.h"
+#include "pll_observer.h"
 
 #include <algorithm>
 #include <new>
 
 namespace {
 
-const char* const TYPE_NAMES[] = {"ENHANCED_PLL", "FAST_PLL", "FAST_PLL_HIGH_SPEED", "VESTRA_PLL"};
-
 typedef std::vector<const PLL_PART_INFO*> RECORDS;
-
-bool is_same(const char* a, const char* b)
-{
-    return gen_stricmp(a, b) == 0;
-}
 
 RECORDS all_records(const PLL_FAMILY_INFO& family)
 {
@@ -70,15 +64,14 @@ RECORDS records_of_type(const RECORDS& records, std::string_view type)
 
 RECORDS records_of_part(const RECORDS& records, std::string_view part)
 {
-    return select(records, [&](const PLL_PART_INFO* r) {
-        return is_same(std::string(part).c_str(), r->m_name);
-    });
+    return select(records,
+                  [&](const PLL_PART_INFO* r) { return equal_but_for_case(part, r->m_name); });
 }
 
 RECORDS records_of_speed_grade(const RECORDS& records, std::string_view speed_grade)
 {
     return select(records, [&](const PLL_PART_INFO* r) {
-        return is_same(std::string(speed_grade).c_str(), r->m_speed_grade);
+        return equal_but_for_case(speed_grade, r->m_speed_grade);
     });
 }
 
@@ -117,8 +110,11 @@ RECORDS narrow(const RECORDS& records, const std::optional<std::string>& part,
 
 PLL_TYPE_ENUM type_of_name(std::string_view name)
 {
-    const auto* const found = std::find(std::begin(TYPE_NAMES), std::end(TYPE_NAMES), name);
-    return static_cast<PLL_TYPE_ENUM>(found - std::begin(TYPE_NAMES));
+    int type = ENHANCED_PLL;
+    while (type < PLL_TYPE_MAX && name != name_of_type(static_cast<PLL_TYPE_ENUM>(type))) {
+        ++type;
+    }
+    return static_cast<PLL_TYPE_ENUM>(type);
 }
 
 // The PLL type asked for, or the only one that the named parts have.
@@ -206,7 +202,8 @@ void require_limits(const PLL_INFO& info, const char* family, const char* type)
 
 const char* name_of_type(PLL_TYPE_ENUM type)
 {
-    return type >= ENHANCED_PLL && type < PLL_TYPE_MAX ? TYPE_NAMES[type] : "";
+    const char* const name = pll_get_word(PLL_VOCABULARY::PLL_TYPES, type);
+    return name == nullptr ? "" : name;
 }
 
 std::vector<std::string_view> list_types(const PLL_FAMILY_INFO& family)

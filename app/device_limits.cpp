@@ -1,6 +1,6 @@
 #include "device_limits.h"
 
-#include "format.h"
+#include "pll_observer.h"
 
 #include <cstdio>
 
@@ -196,10 +196,11 @@ const VALUE_ROW VALUE_ROWS[] = {
     {"spe_lock_fail_ratio_constant", "", read<&BASIC::m_spe_lock_fail_ratio_constant>},
 };
 
-const char* const RECONFIG_NAMES[] = {"none", "short", "long", "enhanced"};
-const char* const COUNTER_NAMES[] = {"L0", "L1", "G0", "G1", "G2",    "G3",    "E0",
-                                     "E1", "E2", "E3", "C0", "C1",    "C2",    "C3",
-                                     "C4", "C5", "M",  "N",  "L0TAP", "L1TAP", "?"};
+std::string word_of(PLL_VOCABULARY vocabulary, int index)
+{
+    const char* const word = pll_get_word(vocabulary, index);
+    return word == nullptr ? "?" : word;
+}
 
 // The counters of a scan chain in their order.
 DEVICE_VALUE describe_chain(const PLL_RECONFIG_INFO& chain)
@@ -207,11 +208,11 @@ DEVICE_VALUE describe_chain(const PLL_RECONFIG_INFO& chain)
     std::string counters;
     for (int i = 0; i < chain.m_number_of_scan_chain_counter_orders; ++i) {
         counters += (i == 0 ? "" : " ");
-        counters += COUNTER_NAMES[chain.m_scan_chain_counter_orders[i]];
+        counters += word_of(PLL_VOCABULARY::COUNTERS, chain.m_scan_chain_counter_orders[i]);
     }
     return {"reconfiguration",
-            std::string("reconfig_scan_chain_counter_order ") +
-                RECONFIG_NAMES[chain.m_reconfig_type],
+            "reconfig_scan_chain_counter_order " +
+                word_of(PLL_VOCABULARY::RECONFIG_TYPES, chain.m_reconfig_type),
             counters.empty() ? std::nullopt : std::optional<std::string>(counters), ""};
 }
 

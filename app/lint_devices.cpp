@@ -1,5 +1,7 @@
 #include "lint_devices.h"
 
+#include "device.h"
+
 #include <algorithm>
 #include <cstdint>
 #include <iterator>
@@ -124,16 +126,6 @@ struct CHECK
     }
 };
 
-std::string type_name(PLL_TYPE_ENUM type)
-{
-    return pll_get_word(PLL_VOCABULARY::PLL_TYPES, type);
-}
-
-bool is_given(int limit)
-{
-    return limit != PLL_UNSET_MINIMUM && limit != PLL_UNSET_MAXIMUM;
-}
-
 // ---- A part, by the limits that its initialisation computes
 
 class PART_CHECK
@@ -235,7 +227,7 @@ void check_numbers(const PLL_BASIC_INFO& basic, const LINT_SUBJECT& subject, con
     for (const NEEDED_NUMBER& number : NEEDED_NUMBERS) {
         if (basic.*number.m_field < 1) {
             check.add(number.m_finding, check.m_observer.place_of(subject, {number.m_keyword}),
-                      quoted(number.m_keyword) + " of the " + type_name(subject.m_type) +
+                      quoted(number.m_keyword) + " of the " + name_of_type(subject.m_type) +
                           " is never set, or 0");
         }
     }
@@ -243,14 +235,14 @@ void check_numbers(const PLL_BASIC_INFO& basic, const LINT_SUBJECT& subject, con
         check.add(
             DEVICE_FINDING::NO_CHARGE_PUMP_CURRENT,
             check.m_observer.place_of(subject, {"charge_pump_current", "charge_pump_current_bit"}),
-            "the " + type_name(subject.m_type) +
+            std::string("the ") + name_of_type(subject.m_type) +
                 " has no charge-pump current; see 'charge_pump_current'");
     }
     if (!basic.is_output_counter_high_low()) {
         check.add(DEVICE_FINDING::NO_HIGH_LOW_MAX,
                   check.m_observer.place_of(subject,
                                             {"output_counter_max", "output_counter_high_low_max"}),
-                  "the output counters of the " + type_name(subject.m_type) +
+                  std::string("the output counters of the ") + name_of_type(subject.m_type) +
                       " count nothing: 'output_counter_high_low_max' is 0, which is what "
                       "'output_counter_max' leaves");
     }
@@ -370,8 +362,8 @@ void check_family(PLL_MANAGER* manager, const PLL_FAMILY_INFO& family,
         } else if (observer.subjects().count(subject) != 0) {
             is_known = true;
             check.add(DEVICE_FINDING::INIT_FAILS, observer.place_of(subject),
-                      "no " + type_name(type) + " of family " + quoted(family.m_name) +
-                          " can be initialised: no part has one");
+                      std::string("no ") + name_of_type(type) + " of family " +
+                          quoted(family.m_name) + " can be initialised: no part has one");
         }
     }
     if (!is_known) {

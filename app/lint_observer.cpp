@@ -1,6 +1,7 @@
 #include "lint_observer.h"
 
 #include "input_file.h"
+#include "letter_case.h"
 
 #include <algorithm>
 #include <exception>
@@ -11,16 +12,6 @@ namespace {
 const char TABLE_KEYWORD[] = "bandwidth_settings_table_file";
 const char FAMILY_KEYWORD[] = "family";
 const char PLL_KEYWORD[] = "pll";
-
-// Names are alike whatever their case.
-std::string lower_case(const char* name)
-{
-    std::string text = name;
-    for (char& c : text) {
-        c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-    }
-    return text;
-}
 
 }  // namespace
 

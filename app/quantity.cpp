@@ -1,5 +1,6 @@
 #include "quantity.h"
 
+#include "letter_case.h"
 #include "usage_error.h"
 
 #include <cstddef>
@@ -42,24 +43,6 @@ struct MEASURE
     RATIONAL m_value;
     std::string_view m_unit;  // what follows the number
 };
-
-char lower(char c)
-{
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
-bool equal_but_for_case(std::string_view a, std::string_view b)
-{
-    if (a.size() != b.size()) {
-        return false;
-    }
-    for (std::size_t i = 0; i < a.size(); ++i) {
-        if (lower(a[i]) != lower(b[i])) {
-            return false;
-        }
-    }
-    return true;
-}
 
 const UNIT* find_unit(std::string_view name)
 {

@@ -5,6 +5,6 @@
 #include <string_view>
 #include <vector>
 
-// "; did you mean --out?" for the word of `words` nearest to `word`, the first of equals; empty
-// when all are too far away.
+// "; did you mean --out?" for the word of `words` nearest to `word` in any case, the first of
+// equals; empty when all are too far away.
 std::string suggest(std::string_view word, const std::vector<std::string_view>& words);
