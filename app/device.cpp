@@ -1,5 +1,6 @@
 #include "device.h"
 
+#include "characters.h"
 #include "input_error.h"
 #include "letter_case.h"
 #include "usage_error.h"
@@ -336,5 +337,5 @@ std::string describe(const DEVICE_ENTRY& entry)
     if (entry.m_records != 1) {
         text += " (the widest limits of " + std::to_string(entry.m_records) + " records)";
     }
-    return text;
+    return make_visible(text);
 }

@@ -1,5 +1,7 @@
 #include "device_origin.h"
 
+#include "characters.h"
+
 std::string find_origin(const DEVICE& device, const DEVICE_LIMIT& limit)
 {
     const std::vector<DEVICE_ENTRY>& entries = device.get_entries();
@@ -40,7 +42,7 @@ std::string list_devices(const DEVICE& device)
     }
     if (!is_one_family) {
         text += std::string("  Counters, components and table are those of ") +
-                device.get_basic_family() + ".\n";
+                make_visible(device.get_basic_family()) + ".\n";
     }
     return text;
 }

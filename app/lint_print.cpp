@@ -1,5 +1,6 @@
 #include "lint_print.h"
 
+#include "characters.h"
 #include "lint_sources.h"
 
 #include <nlohmann/json.hpp>
@@ -68,24 +69,6 @@ std::string dump(const JSON& json)
 
 // ---- SARIF
 
-bool is_continuation(char c)
-{
-    constexpr unsigned CONTINUATION_MASK = 0xC0;
-    constexpr unsigned CONTINUATION = 0x80;
-    return (static_cast<unsigned char>(c) & CONTINUATION_MASK) == CONTINUATION;
-}
-
-// A column counted in characters, of one counted in bytes.
-std::size_t character_column(const std::string& line, std::size_t column)
-{
-    std::size_t characters = 0;
-    for (std::size_t i = 0; i < column; ++i) {
-        const bool counts = i >= line.size() || !is_continuation(line[i]);
-        characters += counts ? 1U : 0U;
-    }
-    return characters;
-}
-
 // A file name as a reference: relative ones stay relative.
 std::string uri_of(const std::string& file)
 {
@@ -124,8 +107,8 @@ JSON sarif_result(const LINT_MESSAGE& message, LINT_SOURCES* sources)
     const auto length = static_cast<std::size_t>(place.m_length);
     JSON region;
     region["startLine"] = place.m_line;
-    region["startColumn"] = character_column(line, column - 1) + 1;
-    region["endColumn"] = character_column(line, column - 1 + length) + 1;
+    region["startColumn"] = count_characters(line, column - 1) + 1;
+    region["endColumn"] = count_characters(line, column - 1 + length) + 1;
     JSON location;
     location["physicalLocation"]["artifactLocation"]["uri"] = uri_of(place.m_file);
     location["physicalLocation"]["region"] = region;

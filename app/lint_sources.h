@@ -14,6 +14,3 @@ public:
 private:
     std::map<std::string, std::vector<std::string>> m_lines;  // by file
 };
-
-// Text with what would control a terminal made visible, such as "\x1b".
-std::string make_visible(const std::string& text);

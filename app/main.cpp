@@ -1,6 +1,7 @@
 // pllcalc: computes the settings of a phase-locked loop from the clocks that are wanted.
 
 #include "answer.h"
+#include "characters.h"
 #include "command_line.h"
 #include "device.h"
 #include "input_error.h"
@@ -31,9 +32,10 @@ enum EXIT_STATUS
     STATUS_INTERNAL_ERROR = 5
 };
 
+// Messages quote words and names, which must not control a terminal.
 void write_error(const char* message)
 {
-    std::fprintf(stderr, "pllcalc: %s\n", message);
+    std::fprintf(stderr, "pllcalc: %s\n", make_visible(message).c_str());
 }
 
 EXIT_STATUS list_ratios(const COMMAND_LINE& line, std::string* text)

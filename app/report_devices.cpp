@@ -1,5 +1,6 @@
 #include "report.h"
 
+#include "characters.h"
 #include "database.h"
 #include "format.h"
 #include "input_error.h"
@@ -92,8 +93,9 @@ std::string write_tables(const std::vector<const PLL_FAMILY_INFO*>& families)
         for (int i = 0; i < family->m_number_of_parts; ++i) {
             parts.insert(family->m_parts[i]->m_name);
         }
-        text += std::string(text.empty() ? "" : "\n") + family->m_name + ": " +
-                std::to_string(parts.size()) + " parts, " + describe_speed_grades(*family) + "\n";
+        text += std::string(text.empty() ? "" : "\n") + make_visible(family->m_name) + ": " +
+                std::to_string(parts.size()) + (parts.size() == 1 ? " part, " : " parts, ") +
+                make_visible(describe_speed_grades(*family)) + "\n";
         for (const std::string_view type : list_types(*family)) {
             append_type(*family, std::string(type), &text);
         }

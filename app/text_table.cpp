@@ -1,14 +1,21 @@
 #include "text_table.h"
 
+#include "characters.h"
+
 #include <algorithm>
 
 namespace {
 
 constexpr std::size_t GAP = 2;  // blanks between columns
 
+std::size_t width_of(const std::string& cell)
+{
+    return count_characters(cell, cell.size());
+}
+
 void append_cell(std::string* line, const std::string& cell, std::size_t width, ALIGN align)
 {
-    const std::size_t fill = width - cell.size();
+    const std::size_t fill = width - width_of(cell);
     if (align == ALIGN::RIGHT) {
         line->append(fill, ' ');
         line->append(cell);
@@ -27,6 +34,14 @@ void append_line(std::string* text, std::string line)
 
 }  // namespace
 
+void TEXT_TABLE::add_row(const std::vector<std::string>& cells)
+{
+    std::vector<std::string>& row = m_rows.emplace_back();
+    for (const std::string& cell : cells) {
+        row.push_back(make_visible(cell));
+    }
+}
+
 void TEXT_TABLE::append_to(std::string* text) const
 {
     std::vector<std::vector<std::string>> lines(2);
@@ -44,7 +59,7 @@ void TEXT_TABLE::append_to(std::string* text) const
     std::vector<std::size_t> widths(m_columns.size());
     for (const std::vector<std::string>& cells : lines) {
         for (std::size_t i = 0; i < widths.size(); ++i) {
-            widths[i] = std::max(widths[i], cells[i].size());
+            widths[i] = std::max(widths[i], width_of(cells[i]));
         }
     }
     for (const std::vector<std::string>& cells : lines) {

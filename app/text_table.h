@@ -22,8 +22,8 @@ class TEXT_TABLE
 public:
     explicit TEXT_TABLE(std::vector<TABLE_COLUMN> columns) : m_columns(std::move(columns)) {}
 
-    // As many cells as columns.
-    void add_row(std::vector<std::string> cells) { m_rows.push_back(std::move(cells)); }
+    // As many cells as columns. What would control a terminal is made visible.
+    void add_row(const std::vector<std::string>& cells);
 
     // Appends heads and rows; columns are as wide as their widest cell, lines carry no blanks at
     // their ends. The line of units is left out when all are empty.

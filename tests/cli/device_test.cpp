@@ -38,6 +38,7 @@ public:
         write("own.txt", family_file);
     }
 
+    const std::string& get_directory() const { return m_directory.path(); }
     void write(const std::string& name, const std::string& text) const
     {
         write_file(m_directory.file(name), text);
@@ -219,6 +220,22 @@ TEST(CliDevice, NamesKeepTheirCharactersInEveryForm)
                                      .m_output.find(R"("part": "a, b\\)"
                                                     "\xC3\xA9\xEF\xBF\xBD"
                                                     R"(\u0001", "speed_grade")"));
+}
+
+TEST(CliDevice, TablesShowNamesThatControlATerminalAndAlignThoseOfOtherAlphabets)
+{
+    std::string family = OWN_FAMILY;
+    family.replace(family.find("part P1"), std::string("part P1").size(),
+                   "part \"\x1b[2J\"\nvco_min 1\npart \xC3\xA9\xC3\xA9\xC3\xA9-nine");
+    const OWN_DATABASE database(family);
+    const std::string devices = database.run("devices", "").m_output;
+    EXPECT_NE(std::string::npos, devices.find("\n\\x1b[2J   1            yes  ")) << devices;
+    EXPECT_NE(std::string::npos, devices.find("\n\xC3\xA9\xC3\xA9\xC3\xA9-nine  1            yes"))
+        << devices;
+    const RUN device = run_program(
+        PLLCALC, {"device", "--database", database.get_directory(), "--part", "\x1b[2J"});
+    EXPECT_EQ(0U, device.m_output.find("device FAST_PLL of Own, part \\x1b[2J, speed grade 1\n"))
+        << device.m_output;
 }
 
 TEST(CliDevice, LongListsOfWhatThereIsAreCut)

@@ -137,6 +137,15 @@ TEST(CliUsage, RefusalNamesTheArgumentAndWhatIsLegal)
     }
 }
 
+TEST(CliUsage, RefusalOfWordsThatControlATerminalIsOneLine)
+{
+    const RUN run = run_program(PLLCALC, {"synth", "--in", "27\nM\x1b[2JHz", "--out", "5MHz"});
+    EXPECT_EQ(2, run.m_status);
+    EXPECT_EQ(0U, run.m_errors.find("pllcalc: --in: '27\\x0aM\\x1b[2JHz' has the unknown unit"))
+        << run.m_errors;
+    EXPECT_EQ(run.m_errors.size() - 1, run.m_errors.find('\n'));
+}
+
 TEST(CliUsage, MoreOutputsThanAnyDeviceHasAreRefused)
 {
     std::string line = "synth --in 100MHz";
