@@ -17,19 +17,30 @@ const std::string_view CONDITIONS_OF_DATABASES[] = {
 };
 
 bool has_written = false;
+bool has_named_cause = false;
 
+bool is_of_database(std::string_view condition)
+{
+    const auto* const end = std::end(CONDITIONS_OF_DATABASES);
+    return std::find(std::begin(CONDITIONS_OF_DATABASES), end, condition) != end;
+}
+
+// The first report that a database causes is followed by who knows the place.
 void write_report(const char* condition, const char* component, const char* source, int line, void*)
 {
     has_written = true;
     std::fprintf(stderr, "pllcalc: internal error: %s (component %s, source %s, line %d)\n",
                  condition, component, source, line);
+    if (is_of_database(condition) && !has_named_cause) {
+        has_named_cause = true;
+        std::fputs("pllcalc: a value of the database is the cause; see pllcalc lint\n", stderr);
+    }
 }
 
 void write_other_report(const char* condition, const char* component, const char* source, int line,
                         void* context)
 {
-    const auto* const end = std::end(CONDITIONS_OF_DATABASES);
-    if (std::find(std::begin(CONDITIONS_OF_DATABASES), end, condition) == end) {
+    if (!is_of_database(condition)) {
         write_report(condition, component, source, line, context);
     }
 }

@@ -208,6 +208,21 @@ TEST(CliDevice, FamilyWithoutPartsIsNoQuestionOfTheType)
     }
 }
 
+TEST(CliDevice, InternalErrorThatADatabaseCausesSendsToLint)
+{
+    std::string family = OWN_FAMILY;
+    family.replace(family.find("counter_max 1\n"), std::string("counter_max 1\n").size(),
+                   "counter_max 3\nvco_post_scale_counter_max 4\n");
+    const OWN_DATABASE database(family);
+    const RUN run = database.run("devices", "");
+    EXPECT_EQ(5, run.m_status);
+    const std::vector<std::string> lines = split(run.m_errors, '\n');
+    ASSERT_EQ(3U, lines.size()) << run.m_errors;
+    EXPECT_EQ(0U, lines[0].find("pllcalc: internal error: m_vco_post_scale_counter_max <= "));
+    EXPECT_EQ("pllcalc: a value of the database is the cause; see pllcalc lint", lines[1]);
+    EXPECT_EQ(0U, lines[2].find("pllcalc: internal error: m_vco_post_scale_counter_max <= "));
+}
+
 TEST(CliDevice, NamesKeepTheirCharactersInEveryForm)
 {
     std::string family = OWN_FAMILY;
