@@ -30,7 +30,7 @@ bool is_plain(const PLL_USER_TAP& wish)
 
 bool can_tell(const PLL& pll, const PLL_PROP& request, const SEARCH_LIMITS& limits)
 {
-    bool plain = pll.m_feedback_tap < 0 && !limits.m_may_cascade && !limits.m_wish.m_table_mode &&
+    bool plain = pll.m_feedback_tap < 0 && !limits.m_wish.m_table_mode &&
                  !has_wish(limits.m_vco_wish) && request.m_taps_count == limits.m_taps_count;
     for (int i = 0; i < limits.m_taps_count; ++i) {
         plain = plain && is_plain(request.m_taps[i]) &&

@@ -20,42 +20,6 @@ constexpr double LARGEST_PHASE = 2147483647.0;
 constexpr double HZ_PER_MHZ = 1000000;
 constexpr double COST_PER_MHZ = 131072;
 
-// Walks the divisors of a count in ascending order without trying every number up to it: first the
-// small ones, then the partners of the small ones from the largest down.
-class DIVISORS
-{
-public:
-    explicit DIVISORS(std::int64_t count) : m_count(count), m_low(1), m_ascending(true) {}
-
-    // The next divisor above 1, or 0 when there is none left.
-    std::int64_t next()
-    {
-        if (m_ascending) {
-            while ((m_low + 1) * (m_low + 1) <= m_count) {
-                ++m_low;
-                if (m_count % m_low == 0) {
-                    return m_low;
-                }
-            }
-            m_ascending = false;
-            ++m_low;
-        }
-        while (--m_low >= 1) {
-            const std::int64_t partner = m_count / m_low;
-            if (m_count % m_low == 0 && partner != m_low && partner > 1) {
-                return partner;
-            }
-        }
-        m_low = 1;
-        return 0;
-    }
-
-private:
-    std::int64_t m_count;
-    std::int64_t m_low;
-    bool m_ascending;
-};
-
 }  // namespace
 
 int PLL_UTIL::phase_from_vco_tap_and_counter_start(int vco_tap, int counter_start)
@@ -138,13 +102,18 @@ int PLL_UTIL::cascade_factor(int count, int max_count)
     if (count == 0) {
         return 2;  // every number divides 0
     }
-    DIVISORS divisors(std::abs(std::int64_t{count}));
-    for (std::int64_t f = divisors.next(); f != 0 && f <= max_count; f = divisors.next()) {
-        if (count / f <= max_count) {
-            return static_cast<int>(f);
+    // A divisor that leaves no more than the maximum is at least their quotient. When it is above
+    // the square root its partner below is one too, save for 1.
+    const std::uint32_t size = static_cast<std::uint32_t>(std::abs(std::int64_t{count}));
+    const std::uint32_t largest = static_cast<std::uint32_t>(max_count);
+    const bool fits = count <= max_count;
+    std::uint32_t f = fits ? 2 : (size + largest - 1) / largest;
+    for (; std::uint64_t{f} * f <= size; ++f) {
+        if (size % f == 0) {
+            return f <= largest ? static_cast<int>(f) : 0;
         }
     }
-    return 0;
+    return fits && 1 < size && size <= largest ? static_cast<int>(size) : 0;
 }
 
 int PLL_UTIL::get_tap_count(const PLL* pll, int tap)

@@ -1,4 +1,5 @@
 // The search by VCO ratio against the walk over all rows: both must leave the same result behind.
+#include "error_guard.h"
 #include "pll_evaluation.h"
 #include "pll_met_search.h"
 #include "pll_nearest_search.h"
@@ -229,6 +230,52 @@ TEST(RatioSearch, LeavesWhatTheWalkLeavesInCrowds)
         expect_the_walk(*pll, request, &tally);
     }
     EXPECT_GT(tally.m_exact, 700);
+}
+
+// At the first post-scale 126 x 1 / 42 is nearly met by ratios next to 3. At the second 3 / 1 is
+// exact but dearer, and still ends the search at M 12.
+TEST(RatioSearch, LetsADearerCandidateCutTheSearchOff)
+{
+    PLL_PROP request(1);
+    request.m_fin_period = 10000;
+    request.m_bandwidth_type = 3;
+    request.m_taps[0].m_div = 42;
+    PLL pll(1, PLL_MAX_TAPS);
+    pll.m_max_vco_post_scale = 2;
+    pll.m_m.m_max_count = 2000;
+    pll.m_n.m_max_count = 600;
+    pll.m_pfd_max_period = 1e9;
+    pll.m_vco_min_period[1] = 3331;
+    pll.m_vco_max_period[1] = 3332;
+    pll.m_vco_min_period[2] = 2500;
+    pll.m_vco_max_period[2] = 3340;
+    TALLY tally;
+    expect_the_walk(pll, request, &tally);
+    EXPECT_EQ(1, tally.m_exact);
+    const SEARCH_LIMITS limits = read_search_limits(pll, request);
+    SEARCH_RESULT result(pll, request);
+    search(pll, request, limits, nullptr, &result);
+    EXPECT_EQ(1, result.m_best_point.m_post_scale);
+}
+
+// A duty cycle beyond 100 % leaves no low half, which is reported for every candidate.
+TEST(RatioSearch, ReportsWhatTheWalkReports)
+{
+    for (const int duty : {-1000, 0, 100, 1000}) {
+        CROWD crowd(2000, 3);
+        crowd.m_pll.m_m.m_max_count = 64;
+        crowd.m_pll.m_n.m_max_count = 64;
+        crowd.m_request.m_taps[0].m_mult = 1009;
+        crowd.m_request.m_taps[0].m_div *= 1009;
+        crowd.m_request.m_taps[0].m_div += 1;
+        crowd.m_request.m_taps[0].m_duty = duty;
+        EXPECTED_REPORTS reports;
+        const std::string walked = search_by(WAY::WALK, crowd.m_pll, crowd.m_request);
+        const std::size_t count = reports.count();
+        EXPECT_EQ(walked, search_by(WAY::BY_RATIO, crowd.m_pll, crowd.m_request));
+        EXPECT_EQ(2 * count, reports.count()) << duty;
+        EXPECT_EQ(duty < 0 || duty > 100, count > 100) << duty;
+    }
 }
 
 TEST(RatioSearch, LeavesOddRequestsToTheWalk)
