@@ -6,6 +6,7 @@
 #include "table_choice.h"
 #include "text_table.h"
 
+#include <algorithm>
 #include <cmath>
 #include <iostream>
 #include <sstream>
@@ -135,26 +136,37 @@ std::string judge(const std::vector<ROW_CHOICE>& choices, std::size_t index, std
 {
     const ROW_CHOICE& choice = choices[index];
     if (std::isinf(choice.m_cost)) {
-        return "too costly to be taken";
+        return "too costly to take";
     }
     const std::string winner = "row " + std::to_string(taken + 1);
     if (index == taken) {
         return choice.m_cost > 0.0 ? "TAKEN: costs least" : "TAKEN: costs nothing";
     }
     if (!choice.m_looked_at) {
-        return "not looked at behind " + winner;
+        return "not tried after " + winner;
     }
     if (!(choice.m_cost > choices[taken].m_cost)) {
-        return "no cheaper than " + winner + " before it";
+        return "no cheaper than " + winner;
     }
     if (choice.m_pfd_cost > choices[taken].m_pfd_cost) {
         return "too fast for the PFD";
     }
-    return "further from the bandwidth asked for";
+    return "further from the wish";
+}
+
+// Costs of millions have no decimals, or the table would be too wide.
+int cost_decimals(const std::vector<ROW_CHOICE>& choices)
+{
+    constexpr double LARGE_COST = 1e6;
+    const bool is_large = std::any_of(choices.begin(), choices.end(), [](const ROW_CHOICE& choice) {
+        return std::isfinite(choice.m_cost) && choice.m_cost >= LARGE_COST;
+    });
+    return is_large ? 0 : COST_DECIMALS;
 }
 
 std::string write_choices(const std::vector<ROW_CHOICE>& choices)
 {
+    const int decimals = cost_decimals(choices);
     TEXT_TABLE table({{"row", "", ALIGN::RIGHT},
                       {"I", "uA", ALIGN::RIGHT},
                       {"R", "ohm", ALIGN::RIGHT},
@@ -173,9 +185,9 @@ std::string write_choices(const std::vector<ROW_CHOICE>& choices)
                        format_given(row.m_loop_filter_capacitor, 0),
                        format_given(row.m_typical_bandwidth / HZ_PER_KHZ, KHZ_DECIMALS),
                        format_given(row.m_fast_bandwidth / HZ_PER_KHZ, KHZ_DECIMALS),
-                       format_fixed(choices[i].m_pfd_cost, COST_DECIMALS),
-                       format_fixed(choices[i].m_wish_cost, COST_DECIMALS),
-                       format_fixed(choices[i].m_cost, COST_DECIMALS), judge(choices, i, taken)});
+                       format_fixed(choices[i].m_pfd_cost, decimals),
+                       format_fixed(choices[i].m_wish_cost, decimals),
+                       format_fixed(choices[i].m_cost, decimals), judge(choices, i, taken)});
     }
     std::string text;
     table.append_to(&text);
