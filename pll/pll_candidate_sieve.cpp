@@ -31,7 +31,7 @@ bool is_plain(const PLL_USER_TAP& wish)
 bool can_tell(const PLL& pll, const PLL_PROP& request, const SEARCH_LIMITS& limits)
 {
     bool plain = pll.m_feedback_tap < 0 && !limits.m_wish.m_table_mode &&
-                 !has_wish(limits.m_vco_wish) && request.m_taps_count == limits.m_taps_count;
+                 request.m_taps_count == limits.m_taps_count;
     for (int i = 0; i < limits.m_taps_count; ++i) {
         plain = plain && is_plain(request.m_taps[i]) &&
                 limits.m_wishes[i].m_ratio > SMALLEST_SURE_RATIO;
@@ -89,7 +89,7 @@ bool CANDIDATE_SIEVE::retains(int post_scale, int m, int n, std::int64_t cut_off
         return true;
     }
     const double ratio = double(m) / double(n);
-    if (!m_can_tell || !result.m_taken || ratio > m_largest_ratio) {
+    if (!m_can_tell || ratio > m_largest_ratio) {
         return false;
     }
     double relative_error = 0.0;

@@ -4,7 +4,7 @@
 #include "pll_ratio_error.h"
 #include "pll_search.h"
 
-#include <limits>
+#include <algorithm>
 
 namespace {
 
@@ -12,6 +12,7 @@ namespace {
 // computed, and errors near the border of a met output are not counted at all.
 constexpr float ROUNDING = 2e-6F;  // relative; several times that of the floats that lead to a term
 constexpr float SURE_SHARE = 1.0F - ROUNDING;
+constexpr float SURE_SHARE_OF_MANY = 1.0F - 10.0F * ROUNDING;  // of a sum that is subtracted from
 constexpr float SURELY_NOT_MET = float(MET_RELATIVE) + 2.0F * ROUNDING;
 constexpr float SURELY_BEYOND = 0.5F + 1e-3F;  // of a count, so that it rounds up
 constexpr double SMALLEST_SURE_RATIO = 1e-8;   // below it errors may count as rounding
@@ -54,30 +55,30 @@ inline FOUR missed_at(FOUR x)
     return missed < SURELY_NOT_MET ? all(0.0F) : missed - ROUNDING;
 }
 
-// Up to where an output's counter can count, perhaps with the help of a second one.
-float reach_of(int max_count, bool cascade)
+// Up to where an output's counter can count without the help of a second one.
+float reach_of(int max_count)
 {
-    if (max_count == 1) {
-        return 1.0F + SURELY_BEYOND;
-    }
-    return cascade ? std::numeric_limits<float>::max() : 2.0F * float(max_count) + SURELY_BEYOND;
+    return (max_count == 1 ? 1.0F : 2.0F * float(max_count)) + SURELY_BEYOND;
 }
 
 }  // namespace
 
 ERROR_BOUND::ERROR_BOUND(const PLL& pll, const SEARCH_LIMITS& limits)
-    : m_count(limits.m_taps_count), m_vco_ratio(0.0F), m_vco_weight(0.0F)
+    : m_count(limits.m_taps_count), m_vco_ratio(0.0F), m_vco_weight(0.0F), m_cascades(0.0F)
 {
     if (has_wish(limits.m_vco_wish)) {
         m_vco_ratio = float(limits.m_vco_wish.m_ratio);
         m_vco_weight = float(m_count) * SURE_SHARE;
+    }
+    if (limits.m_may_cascade) {
+        m_cascades = float(std::min(pll.m_max_taps_count, PLL_MAX_TAPS) - m_count);
     }
     for (int i = 0; i < m_count; ++i) {
         const RATIO_WISH& wish = limits.m_wishes[i];
         const int max_count = pll.m_taps[i].m_max_count;
         m_outputs[i] = {wish.m_ratio < SMALLEST_SURE_RATIO ? 0.0F
                                                            : float(wish.m_ratio) * SURE_SHARE,
-                        float(wish.m_div / wish.m_mult), reach_of(max_count, limits.m_may_cascade)};
+                        float(wish.m_div / wish.m_mult), reach_of(max_count)};
     }
 }
 
@@ -85,7 +86,8 @@ ERROR_BOUND::ERROR_BOUND(const PLL& pll, const SEARCH_LIMITS& limits)
 class ERROR_BOUND::SUM
 {
 public:
-    SUM(const ERROR_BOUND& bound, FOUR low, FOUR high) : m_low(low), m_high(high)
+    SUM(const ERROR_BOUND& bound, FOUR low, FOUR high)
+        : m_cascades(bound.m_cascades), m_low(low), m_high(high), m_beyond{}, m_farthest{}
     {
         const FOUR missed = larger(low - bound.m_vco_ratio, bound.m_vco_ratio - high);
         m_sum = at_least_zero(missed - ROUNDING * (high + bound.m_vco_ratio)) * bound.m_vco_weight;
@@ -104,18 +106,29 @@ public:
         add(output, x, missed_at(x));
     }
 
-    FOUR value() const { return m_sum * SURE_SHARE; }
+    // Cascades help as many outputs as there are counters left, at best those that are farthest
+    // beyond theirs.
+    FOUR value() const
+    {
+        const FOUR beyond = m_beyond * SURE_SHARE_OF_MANY - m_farthest * m_cascades;
+        return (m_sum + at_least_zero(beyond)) * SURE_SHARE;
+    }
 
 private:
     void add(const OUTPUT& output, FOUR low, FOUR missed)
     {
-        const FOUR beyond = low * SURE_SHARE - output.m_reach;
-        m_sum += missed * output.m_ratio + at_least_zero(beyond);
+        const FOUR beyond = at_least_zero(low * SURE_SHARE - output.m_reach);
+        m_sum += missed * output.m_ratio;
+        m_beyond += beyond;
+        m_farthest = larger(m_farthest, beyond);
     }
 
+    float m_cascades;
     FOUR m_low;
     FOUR m_high;
     FOUR m_sum;
+    FOUR m_beyond;    // counts, of all outputs
+    FOUR m_farthest;  // of one
 };
 
 void ERROR_BOUND::bound_cells(double low, double width, int count, float* bounds) const

@@ -38,5 +38,6 @@ private:
     int m_count;
     float m_vco_ratio;   // wished for
     float m_vco_weight;  // how often its error counts; 0: no wish
+    float m_cascades;    // how many outputs may use a second counter
     OUTPUT m_outputs[PLL_MAX_TAPS];
 };

@@ -7,20 +7,14 @@ namespace {
 
 constexpr double CELLS_PER_ROOT = 2.5;
 constexpr double COLUMNS_PER_SETTING = 4.0;
-constexpr double LARGEST_EXACT = 9007199254740992.0;  // 2^53: whole numbers below it are exact
-constexpr double SURE_SHARE = 1.0 - 1e-9;             // more than the rounding of a sum
+constexpr double SURE_SHARE = 1.0 - 1e-9;  // more than the rounding of a sum
 
-// Whether the products that counters are computed from are not rounded, so that settings of one
+// Whether no product of a counter and a factor of a request is rounded, so that settings of one
 // ratio have the same counters and errors, to the last digit.
 bool has_exact_products(const SEARCH_LIMITS& limits)
 {
-    bool exact = true;
-    for (int i = 0; i < limits.m_taps_count; ++i) {
-        const RATIO_WISH& wish = limits.m_wishes[i];
-        exact = exact && limits.m_m_max * wish.m_div < LARGEST_EXACT &&
-                limits.m_n_max * wish.m_mult < LARGEST_EXACT;
-    }
-    return exact;
+    constexpr int LARGEST_EXACT = 1 << 22;  // times an int it is below 2^53
+    return limits.m_m_max <= LARGEST_EXACT && limits.m_n_max <= LARGEST_EXACT;
 }
 
 // The prime factors of whole numbers, as far as 2, 3, 5 and 7 go: most fractions that can be

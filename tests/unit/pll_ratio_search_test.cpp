@@ -210,6 +210,8 @@ PLL_PROP crowded_request(RANDOM_RATIOS* random)
         request.m_taps[i].m_div = 1000 * division + off * division;
         request.m_taps[i].m_duty = random->chance(50) ? 50 : random->number(101) - 1;
         request.m_taps[i].m_phase = random->chance(10) ? random->number(90) : 0;
+        request.m_taps[i].m_has_sclkout_phase = random->chance(10);
+        request.m_taps[i].m_sclkout_phase = random->number(90);
         request.m_taps[i].m_use_even_counter_mode = random->chance(10);
         request.m_taps[i].m_use_even_counter_value = random->chance(10);
     }
@@ -232,8 +234,9 @@ TEST(RatioSearch, LeavesWhatTheWalkLeavesInCrowds)
     EXPECT_GT(tally.m_exact, 700);
 }
 
-// At the first post-scale 126 x 1 / 42 is nearly met by ratios next to 3. At the second 3 / 1 is
-// exact but dearer, and still ends the search at M 12.
+// At the first post-scale a counter of 126 nearly meets 1 / 42, next to the ratio 3. At the second
+// 3 / 1 is exact but dearer, and still ends the search at M 12: nothing is told of smaller
+// counters, which need a larger M.
 TEST(RatioSearch, LetsADearerCandidateCutTheSearchOff)
 {
     PLL_PROP request(1);
@@ -244,11 +247,12 @@ TEST(RatioSearch, LetsADearerCandidateCutTheSearchOff)
     pll.m_max_vco_post_scale = 2;
     pll.m_m.m_max_count = 2000;
     pll.m_n.m_max_count = 600;
-    pll.m_pfd_max_period = 1e9;
+    pll.m_pfd_max_period = 1000000000;
     pll.m_vco_min_period[1] = 3331;
     pll.m_vco_max_period[1] = 3332;
     pll.m_vco_min_period[2] = 2500;
-    pll.m_vco_max_period[2] = 3340;
+    pll.m_vco_max_period[2] = 3610;
+    pll.m_taps[0].m_max_count = 70;
     TALLY tally;
     expect_the_walk(pll, request, &tally);
     EXPECT_EQ(1, tally.m_exact);
@@ -258,10 +262,29 @@ TEST(RatioSearch, LetsADearerCandidateCutTheSearchOff)
     EXPECT_EQ(1, result.m_best_point.m_post_scale);
 }
 
-// A duty cycle beyond 100 % leaves no low half, which is reported for every candidate.
+// Steps of a phase are told down to 0.0001 degrees, next to which the larger of two ratios may tell
+// nothing and the smaller something.
+TEST(RatioSearch, TellsPhaseStepsAsLongAsTheyCount)
+{
+    PLL_PROP request(1);
+    request.m_fin_period = 900000000;
+    request.m_bandwidth_type = 3;
+    request.m_taps[0].m_mult = 4500010;
+    request.m_taps[0].m_div = 10;
+    PLL pll(1, PLL_MAX_TAPS);
+    pll.m_m.m_max_count = 1000000;
+    pll.m_n.m_max_count = 2;
+    pll.m_pfd_max_period = 2000000000;
+    request.m_taps[0].m_mult += 1;
+    TALLY tally;
+    expect_the_walk(pll, request, &tally);
+    EXPECT_EQ(1, tally.m_exact);
+}
+
+// A duty cycle beyond 0 to 100 % leaves one half empty, which is reported for every candidate.
 TEST(RatioSearch, ReportsWhatTheWalkReports)
 {
-    for (const int duty : {-1000, 0, 100, 1000}) {
+    for (const int duty : {-1, 0, 100, 101}) {
         CROWD crowd(2000, 3);
         crowd.m_pll.m_m.m_max_count = 64;
         crowd.m_pll.m_n.m_max_count = 64;

@@ -28,6 +28,7 @@ public:
             const int shortest = chance(10) ? number(3) - 2 : 400 + number(1500);
             pll->m_vco_min_period[post_scale] = shortest;
             pll->m_vco_max_period[post_scale] = shortest + (chance(20) ? 0 : number(2500));
+            pll->m_kvco[post_scale] *= chance(30) ? number(100) * 0.1 : 1.0;
         }
         pll->m_pfd_min_period = number(3000);
         pll->m_pfd_max_period = chance(20) ? pll->m_pfd_min_period : 100000;
