@@ -1,6 +1,5 @@
 #include "pll_candidate_sieve.h"
 
-#include "pll_error_sum.h"
 #include "pll_lanes.h"
 #include "pll_search.h"
 
@@ -43,7 +42,10 @@ bool can_tell(const PLL& pll, const PLL_PROP& request, const SEARCH_LIMITS& limi
 
 CANDIDATE_SIEVE::CANDIDATE_SIEVE(const PLL& pll, const PLL_PROP& request,
                                  const SEARCH_LIMITS& limits)
-    : m_pll(pll), m_limits(limits), m_can_tell(can_tell(pll, request, limits)), m_largest_ratio(0.0)
+    : m_limits(limits),
+      m_rest(pll, limits),
+      m_can_tell(can_tell(pll, request, limits)),
+      m_largest_ratio(0.0)
 {
     constexpr double TWICE = 2.0;
     for (int i = 0; i < limits.m_taps_count; ++i) {
@@ -85,7 +87,7 @@ CANDIDATE_SIEVE::VERDICT CANDIDATE_SIEVE::measure(double ratio, double* relative
 bool CANDIDATE_SIEVE::retains(int post_scale, int m, int n, std::int64_t cut_off,
                               const SEARCH_RESULT& result) const
 {
-    if (feedback_rest_of(m_pll, m_limits, m, n) != 0) {
+    if (m_rest.of(m, n) != 0.0) {
         return true;
     }
     const double ratio = double(m) / double(n);

@@ -6,14 +6,10 @@
 // counter values alone: when an earlier candidate told as much, nothing is left of it.
 #pragma once
 
-#include "pll.h"
-#include "pll_prop.h"
+#include "pll_feedback_rest.h"
+#include "pll_search.h"
 
 #include <cstdint>
-
-struct SEARCH_LIMITS;
-struct SEARCH_POINT;
-struct SEARCH_RESULT;
 
 class CANDIDATE_SIEVE
 {
@@ -53,8 +49,8 @@ private:
         return ((m_told[output][count / WORD_BITS] >> (count % WORD_BITS)) & 1U) != 0;
     }
 
-    const PLL& m_pll;
     const SEARCH_LIMITS& m_limits;
+    FEEDBACK_REST m_rest;
     bool m_can_tell;         // what costs and carried values depend on is as simple as said above
     double m_largest_ratio;  // of the candidates that told
     OUTPUT m_outputs[PLL_MAX_TAPS];

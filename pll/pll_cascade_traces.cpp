@@ -25,7 +25,7 @@ void copy_division(const PLL_OUTPUT_TAP& from, PLL_OUTPUT_TAP* to)
 
 CASCADE_TRACES::CASCADE_TRACES(const EVALUATION& evaluation)
     : m_evaluation(evaluation),
-      m_lowest_ratio(SEARCH_RESULT::WORST),
+      m_reaches{},
       m_cascades(0),
       m_next(0),
       m_end(0),
@@ -50,18 +50,32 @@ void CASCADE_TRACES::restore(SEARCH_RESULT* result)
     for (int i = m_next; i < end; ++i) {
         copy_division(pll.m_taps[i], &m_best->m_taps[i]);
     }
-    for (int i = 0; i < limits.m_taps_count; ++i) {
-        const int max_count = pll.m_taps[i].m_max_count;
-        if (max_count != 1) {
-            ++m_cascades;
-            m_lowest_ratio = std::min(m_lowest_ratio, (2.0 * max_count + 0.5) *
-                                                          limits.m_wishes[i].m_ratio * NARROWER);
-        }
-    }
+    read_reaches();
     m_end = std::min(end, limits.m_taps_count + m_cascades);
     for (int post_scale = result->m_best_point.m_post_scale; post_scale >= 1; --post_scale) {
         go_back(post_scale, result->m_best_point);
     }
+}
+
+void CASCADE_TRACES::read_reaches()
+{
+    const PLL& pll = m_evaluation.pll();
+    const SEARCH_LIMITS& limits = m_evaluation.limits();
+    for (int i = 0; i < limits.m_taps_count; ++i) {
+        const int max_count = pll.m_taps[i].m_max_count;
+        if (max_count != 1) {
+            const double counts = (2.0 * max_count + 0.5) * NARROWER;
+            m_reaches[m_cascades++] = counts * limits.m_wishes[i].m_ratio;
+        }
+    }
+    std::sort(m_reaches, m_reaches + m_cascades);
+}
+
+// The lowest ratio of a candidate that sets up the next counter. While the search is not done there
+// is an output for it.
+double CASCADE_TRACES::lowest_ratio() const
+{
+    return m_reaches[m_next - m_evaluation.limits().m_taps_count];
 }
 
 void CASCADE_TRACES::go_back(int post_scale, const SEARCH_POINT& from)
@@ -71,14 +85,14 @@ void CASCADE_TRACES::go_back(int post_scale, const SEARCH_POINT& from)
         return;
     }
     const bool is_last = post_scale == from.m_post_scale;
-    const RATIO_RANGE ratios{std::max(region.ratios().m_low, m_lowest_ratio),
-                             region.ratios().m_high};
-    if (ratios.is_empty()) {
-        return;
-    }
     const M_RANGE rows = region.m_range();
     std::int64_t m = is_last ? from.m_m : std::min(rows.m_last, m_scales[post_scale].m_last_m);
     for (; m >= rows.m_first && !is_done(); --m) {
+        const RATIO_RANGE ratios{std::max(region.ratios().m_low, lowest_ratio()),
+                                 region.ratios().m_high};
+        if (ratios.is_empty()) {
+            return;
+        }
         const N_RANGE row = region.n_between(ratios, m);
         const std::int64_t last = is_last && m == from.m_m
                                       ? std::min<std::int64_t>(row.m_last, from.m_n - 1)

@@ -30,12 +30,14 @@ private:
     void go_back(int post_scale, const SEARCH_POINT& from);
     void look_at(int post_scale, std::int64_t m, std::int64_t n);
     int count_sources(int m, int n) const;
+    void read_reaches();
     bool is_done() const { return m_next >= m_end; }
+    double lowest_ratio() const;
 
     const EVALUATION& m_evaluation;
-    double m_lowest_ratio;  // of a candidate that may cascade
-    int m_cascades;         // outputs that may
-    int m_next;             // the first counter that is not known
+    double m_reaches[PLL_MAX_TAPS];  // ascending: ratios from which on one more output may cascade
+    int m_cascades;                  // outputs that may
+    int m_next;                      // the first counter that is not known
     int m_end;
     PLL* m_best;
     SCALE m_scales[PLL_VCO_POST_SCALE_MAX + 1];

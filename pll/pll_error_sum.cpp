@@ -53,14 +53,6 @@ double missed_error(const VCO_RATIO& vco, int count, const RATIO_WISH& wish)
 
 }  // namespace
 
-int feedback_rest_of(const PLL& pll, const SEARCH_LIMITS& limits, int m, int n)
-{
-    const int feedback = pll.m_feedback_tap;
-    return 0 <= feedback && feedback < limits.m_taps_count
-               ? feedback_rest(m, quick_counter_value(VCO_RATIO(m, n), limits.m_wishes[feedback]))
-               : 0;
-}
-
 ERROR_SUM::ERROR_SUM(const PLL& pll, const SEARCH_LIMITS& limits) : m_pll(pll), m_limits(limits)
 {
     constexpr double ROOM = 1e-9;  // for the rounding of the exact comparison

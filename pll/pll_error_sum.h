@@ -5,9 +5,6 @@
 
 struct SEARCH_LIMITS;
 
-// What an output in the feedback path adds to the sum of (m, n); 0 when there is none.
-int feedback_rest_of(const PLL& pll, const SEARCH_LIMITS& limits, int m, int n);
-
 class ERROR_SUM
 {
 public:

@@ -69,10 +69,9 @@ int lowest_of(const float* bounds, int count)
 }  // namespace
 
 NEAREST_SEARCH::NEAREST_SEARCH(const PLL& pll, const SEARCH_LIMITS& limits)
-    : m_pll(pll),
-      m_limits(limits),
-      m_bound(pll, limits),
+    : m_bound(pll, limits),
       m_sum(pll, limits),
+      m_rest(pll, limits),
       m_has_exact_products(has_exact_products(limits)),
       m_last_region(nullptr),
       m_post_scale(0),
@@ -177,11 +176,16 @@ bool NEAREST_SEARCH::repeats_legal(const REGION& region, std::int64_t m, std::in
     const int factor = FACTORS.smallest_common(m, n);
     return factor != 0 && m_has_exact_products && m >= factor * region.m_range().m_first &&
            n >= factor * region.n_range().m_first &&
-           feedback_rest_of(m_pll, m_limits, int(m / factor), int(n / factor)) == 0;
+           m_rest.of(int(m / factor), int(n / factor)) == 0.0;
 }
 
 void NEAREST_SEARCH::enter(const REGION& region, std::int64_t m, std::int64_t n)
 {
+    const double rest = m_rest.of(int(m), int(n)) * SURE_SHARE;
+    if (rest > m_best.m_error) {
+        return;
+    }
+    m_rests[m_entered_count] = rest;
     m_entered.m_m[m_entered_count] = int(m);
     m_entered.m_n[m_entered_count] = int(n);
     if (++m_entered_count == LANES) {
@@ -199,19 +203,11 @@ void NEAREST_SEARCH::bound_entered(const REGION& region)
     }
     m_bound.bound_ratios(ratios, bounds);
     for (int i = 0; i < m_entered_count; ++i) {
-        if (bounds[i] <= m_best.m_error && may_win(i, bounds[i])) {
+        if (bounds[i] * SURE_SHARE + m_rests[i] <= m_best.m_error) {
             wait(region, m_entered.m_m[i], m_entered.m_n[i]);
         }
     }
     m_entered_count = 0;
-}
-
-// Whether the bound still says so with what a feedback output leaves over.
-bool NEAREST_SEARCH::may_win(int entered, double bound) const
-{
-    const int rest =
-        feedback_rest_of(m_pll, m_limits, m_entered.m_m[entered], m_entered.m_n[entered]);
-    return (bound + rest) * SURE_SHARE <= m_best.m_error;
 }
 
 void NEAREST_SEARCH::wait(const REGION& region, int m, int n)

@@ -7,6 +7,7 @@
 
 #include "pll_error_bound.h"
 #include "pll_error_sum.h"
+#include "pll_feedback_rest.h"
 #include "pll_region.h"
 #include "pll_search.h"
 
@@ -53,7 +54,6 @@ private:
     bool repeats_legal(const REGION& region, std::int64_t m, std::int64_t n) const;
     void enter(const REGION& region, std::int64_t m, std::int64_t n);
     void bound_entered(const REGION& region);
-    bool may_win(int entered, double bound) const;
     void wait(const REGION& region, int m, int n);
     void sum_waiting(const REGION& region);
     void finish_waiting(const REGION& region);
@@ -63,10 +63,9 @@ private:
     static constexpr int LANES = ERROR_SUM::LANES;
     static_assert(LANES == ERROR_BOUND::LANES);
 
-    const PLL& m_pll;
-    const SEARCH_LIMITS& m_limits;
     ERROR_BOUND m_bound;
     ERROR_SUM m_sum;
+    FEEDBACK_REST m_rest;
     bool m_has_exact_products;
     const REGION* m_last_region;  // of the post-scale before; null: none
     BEST m_best;
@@ -74,6 +73,7 @@ private:
     int m_entered_count;
     int m_waiting_count;
     ERROR_SUM::SETTINGS m_entered;  // to be bounded together
+    double m_rests[LANES];          // of those, counted a little too small
     ERROR_SUM::SETTINGS m_waiting;  // to be summed together
     float m_bounds[MAX_CELLS];
 };

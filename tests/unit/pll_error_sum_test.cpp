@@ -1,6 +1,7 @@
 // Error sums without counters, and their lower bounds, against the sums of assigned counters.
 #include "pll_error_bound.h"
 #include "pll_error_sum.h"
+#include "pll_feedback_rest.h"
 #include "pll_met_ratios.h"
 #include "pll_search.h"
 #include "random_ratio_request.h"
@@ -123,17 +124,38 @@ TEST(ErrorSum, OfFourSettingsIsExactWhereRoundingDecides)
     }
 }
 
-TEST(ErrorSum, TellsWhatTheFeedbackOutputLeavesOver)
+TEST(FeedbackRest, IsWhatTheFeedbackOutputLeavesOver)
 {
     PLL_PROP request(2);
     request.m_taps[1].m_div = 3;
     PLL pll(2, PLL_MAX_TAPS);
     const SEARCH_LIMITS limits = read_search_limits(pll, request);
-    EXPECT_EQ(0, feedback_rest_of(pll, limits, 8, 4));
+    EXPECT_EQ(0.0, FEEDBACK_REST(pll, limits).of(8, 4));
     pll.m_feedback_tap = 1;
-    EXPECT_EQ(8 % 6, feedback_rest_of(pll, limits, 8, 4));  // K = 8 x 3 / 4
+    EXPECT_EQ(8 % 6, FEEDBACK_REST(pll, limits).of(8, 4));  // K = 8 x 3 / 4
     pll.m_feedback_tap = 2;
-    EXPECT_EQ(0, feedback_rest_of(pll, limits, 8, 4));
+    EXPECT_EQ(0.0, FEEDBACK_REST(pll, limits).of(8, 4));
+}
+
+TEST(FeedbackRest, IsThatOfTheCounter)
+{
+    RANDOM_RATIOS random(27);
+    int left_over = 0;
+    for (int i = 0; i < 20000; ++i) {
+        PLL_PROP request(1);
+        request.m_feedback_tap = 0;
+        request.m_taps[0].m_mult = random.number(random.chance(50) ? 4 : 3000);
+        request.m_taps[0].m_div = random.number(random.chance(50) ? 4 : 3000);
+        PLL pll(1, PLL_MAX_TAPS);
+        pll.m_feedback_tap = 0;
+        const SEARCH_LIMITS limits = read_search_limits(pll, request);
+        const int m = random.number(random.chance(90) ? 1000 : 1000000);
+        const int n = random.number(1000);
+        const int rest = feedback_rest(m, counter_value(VCO_RATIO(m, n), limits.m_wishes[0]));
+        ASSERT_EQ(rest, FEEDBACK_REST(pll, limits).of(m, n)) << m << " / " << n;
+        left_over += rest > 0 ? 1 : 0;
+    }
+    EXPECT_GT(left_over, 5000);
 }
 
 TEST(ErrorBound, OfARatioIsNeverAboveTheSumAndRarelyFarBelow)

@@ -1,0 +1,45 @@
+// What an output in the feedback path leaves over of M, which its error sum gets.
+#pragma once
+
+#include "pll_lanes.h"
+#include "pll_search.h"
+
+#include <cmath>
+
+class FEEDBACK_REST
+{
+public:
+    FEEDBACK_REST(const PLL& pll, const SEARCH_LIMITS& limits)
+        : m_wish(0 <= pll.m_feedback_tap && pll.m_feedback_tap < limits.m_taps_count
+                     ? &limits.m_wishes[pll.m_feedback_tap]
+                     : nullptr)
+    {
+    }
+
+    // Of (m, n); 0 when there is no such output.
+    double of(int m, int n) const
+    {
+        if (m_wish == nullptr) {
+            return 0.0;
+        }
+        const VCO_RATIO vco(m, n);
+        const double count = counter_of(vco);
+        const double rest = vco.m_m - round_to_whole(vco.m_m / count) * count;
+        return rest < 0.0 ? rest + count : rest;
+    }
+
+private:
+    // As counter_value(), mostly without its division: a multiplication is off by a few roundings
+    // only, which matters near the middle of two whole numbers alone.
+    double counter_of(const VCO_RATIO& vco) const
+    {
+        constexpr double SURELY_NEARER = 0.5 - 1e-6;
+        const double quotient = vco.m_ratio * m_wish->m_inverse;
+        const double count = round_to_whole(quotient);
+        return count >= 1.0 && std::fabs(quotient - count) < SURELY_NEARER
+                   ? count
+                   : counter_value(vco, *m_wish);
+    }
+
+    const RATIO_WISH* m_wish;
+};
