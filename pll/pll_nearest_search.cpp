@@ -1,7 +1,10 @@
 #include "pll_nearest_search.h"
 
+#include "pll_lanes.h"
+
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace {
 
@@ -53,17 +56,48 @@ private:
 
 constexpr SMALL_FACTORS FACTORS;
 
-int lowest_of(const float* bounds, int count)
+constexpr int FLOATS = 4;  // in a vector of floats
+
+inline FOUR load(const float* from)
 {
-    int lowest = 0;
-    float bound = bounds[0];
-    for (int i = 1; i < count; ++i) {
-        if (bounds[i] < bound) {
-            bound = bounds[i];
-            lowest = i;
-        }
+    return FOUR{from[0], from[1], from[2], from[3]};
+}
+
+float lowest_of(const float* bounds, int count)
+{
+    FOUR lowest = load(bounds);
+    for (int i = FLOATS; i < count; i += FLOATS) {
+        lowest = smaller(lowest, load(bounds + i));
     }
-    return lowest;
+    return std::min(std::min(lowest[0], lowest[1]), std::min(lowest[2], lowest[3]));
+}
+
+// The first from `at` on that is not above `limit`; `count`, a multiple of FLOATS, when there is
+// none.
+int find_low(const float* bounds, int at, int count, float limit)
+{
+    const auto is_above = [=](int i) { return i < count && bounds[i] > limit; };
+    while (at % FLOATS != 0 && is_above(at)) {
+        ++at;
+    }
+    const auto are_above = [=](int i) {
+        const auto above = load(bounds + i) > limit;
+        return (above[0] & above[1] & above[2] & above[3]) != 0;
+    };
+    while (at % FLOATS == 0 && at < count && are_above(at)) {
+        at += FLOATS;
+    }
+    while (is_above(at)) {
+        ++at;
+    }
+    return at;
+}
+
+// A float that is not below the value.
+float round_up(double value)
+{
+    constexpr float LARGEST = std::numeric_limits<float>::max();
+    return value < LARGEST ? std::nextafter(float(value), LARGEST) : LARGEST;
 }
 
 }  // namespace
@@ -76,7 +110,9 @@ NEAREST_SEARCH::NEAREST_SEARCH(const PLL& pll, const SEARCH_LIMITS& limits)
       m_last_region(nullptr),
       m_post_scale(0),
       m_entered_count(0),
-      m_waiting_count(0)
+      m_waiting_count(0),
+      m_row_of_waiting(0),
+      m_unbounded(0)
 {
 }
 
@@ -106,12 +142,14 @@ void NEAREST_SEARCH::search(int post_scale, const REGION& region)
     }
     const GRID grid = make_grid(region, ratios);
     m_bound.bound_cells(grid.m_low, grid.m_width, grid.m_cells, m_bounds);
-    const int lowest = lowest_of(m_bounds, grid.m_cells);
-    if (m_bounds[lowest] > m_best.m_error) {
+    const float lowest = lowest_of(m_bounds, grid.m_cells);
+    if (lowest > m_best.m_error) {
         return;
     }
-    search_cells(region, grid, {lowest, lowest});
+    const int first = find_low(m_bounds, 0, grid.m_cells, lowest);
+    search_cells(region, grid, {first, first});
     finish_waiting(region);
+    m_bounds[first] = std::numeric_limits<float>::infinity();
     search_low_cells(region, grid);
     finish_waiting(region);
 }
@@ -139,18 +177,17 @@ RATIO_RANGE NEAREST_SEARCH::new_ratios_of(const REGION& region) const
 void NEAREST_SEARCH::search_low_cells(const REGION& region, const GRID& grid)
 {
     int searched = 1;
-    for (int first = 0; first < grid.m_cells; ++first) {
-        if (m_bounds[first] > m_best.m_error) {
-            continue;
-        }
+    float limit = round_up(m_best.m_error);
+    for (int first = find_low(m_bounds, 0, grid.m_cells, limit); first < grid.m_cells;) {
         int last = first;
         const int end = std::min(first + searched, grid.m_cells);
-        while (last + 1 < end && m_bounds[last + 1] <= m_best.m_error) {
+        while (last + 1 < end && m_bounds[last + 1] <= limit) {
             ++last;
         }
         search_cells(region, grid, {first, last});
         searched += last - first + 1;
-        first = last;
+        limit = round_up(m_best.m_error);
+        first = find_low(m_bounds, last + 1, grid.m_cells, limit);
     }
 }
 
@@ -185,6 +222,11 @@ void NEAREST_SEARCH::enter(const REGION& region, std::int64_t m, std::int64_t n)
     if (rest > m_best.m_error) {
         return;
     }
+    if (m_unbounded > 0) {
+        --m_unbounded;
+        wait(region, int(m), int(n));
+        return;
+    }
     m_rests[m_entered_count] = rest;
     m_entered.m_m[m_entered_count] = int(m);
     m_entered.m_n[m_entered_count] = int(n);
@@ -193,7 +235,8 @@ void NEAREST_SEARCH::enter(const REGION& region, std::int64_t m, std::int64_t n)
     }
 }
 
-// Lets those wait whose bound does not tell that they miss by more than the best.
+// Lets those wait whose bound does not tell that they miss by more than the best. Where bounds tell
+// nothing, because all ratios miss by the same, ever more settings wait without one.
 void NEAREST_SEARCH::bound_entered(const REGION& region)
 {
     float ratios[LANES] = {1.0F, 1.0F, 1.0F, 1.0F};
@@ -202,11 +245,16 @@ void NEAREST_SEARCH::bound_entered(const REGION& region)
         ratios[i] = float(double(m_entered.m_m[i]) / double(m_entered.m_n[i]));
     }
     m_bound.bound_ratios(ratios, bounds);
+    int waiting = 0;
     for (int i = 0; i < m_entered_count; ++i) {
         if (bounds[i] * SURE_SHARE + m_rests[i] <= m_best.m_error) {
             wait(region, m_entered.m_m[i], m_entered.m_n[i]);
+            ++waiting;
         }
     }
+    m_row_of_waiting =
+        waiting == LANES ? std::min(2 * m_row_of_waiting + LANES, MOST_UNBOUNDED) : 0;
+    m_unbounded = m_row_of_waiting;
     m_entered_count = 0;
 }
 

@@ -31,6 +31,7 @@ public:
 
 private:
     static constexpr int MAX_CELLS = 1024;
+    static constexpr int MOST_UNBOUNDED = 256;
 
     struct GRID
     {
@@ -72,6 +73,8 @@ private:
     int m_post_scale;
     int m_entered_count;
     int m_waiting_count;
+    int m_row_of_waiting;           // settings that had to wait without a break
+    int m_unbounded;                // how many more of them wait without a bound
     ERROR_SUM::SETTINGS m_entered;  // to be bounded together
     double m_rests[LANES];          // of those, counted a little too small
     ERROR_SUM::SETTINGS m_waiting;  // to be summed together
