@@ -56,13 +56,17 @@ double missed_error(const VCO_RATIO& vco, int count, const RATIO_WISH& wish)
 ERROR_SUM::ERROR_SUM(const PLL& pll, const SEARCH_LIMITS& limits) : m_pll(pll), m_limits(limits)
 {
     constexpr double ROOM = 1e-9;  // for the rounding of the exact comparison
+    constexpr double BELOW_MIDDLE = 0.75;
     for (int i = 0; i < limits.m_taps_count; ++i) {
         const RATIO_WISH& wish = limits.m_wishes[i];
         const double met = MET_RELATIVE * wish.m_ratio;
         const int max_count = pll.m_taps[i].m_max_count;
-        m_outputs[i] = {wish.m_ratio, wish.m_inverse, met * (1.0 - ROOM),
-                        std::max(met, EXACT_RATIO) * (1.0 + ROOM),
-                        max_count == 1 ? 1.0 : 2.0 * max_count};
+        m_outputs[i] = {both(wish.m_ratio),
+                        both(wish.m_inverse),
+                        both(BELOW_MIDDLE),
+                        both(met * (1.0 - ROOM)),
+                        both(std::max(met, EXACT_RATIO) * (1.0 + ROOM)),
+                        both(max_count == 1 ? 1.0 : 2.0 * max_count)};
     }
 }
 
@@ -115,11 +119,10 @@ public:
     // another count, an error to another verdict, or a counter is too small, only it can tell.
     void add(const OUTPUT& output, bool is_feedback)
     {
-        const TWO any_below_middle = both(0.75);  // all of them count as 1
-        const TWO quotient = larger(m_ratio * output.m_inverse, any_below_middle);
+        const TWO quotient = larger(m_ratio * output.m_inverse, output.m_least);
         const TWO count = round_to_whole(quotient);
         m_farthest = larger(m_farthest, distance(quotient, count));
-        const TWO error = distance(m_ratio / count, both(output.m_ratio));
+        const TWO error = distance(m_ratio / count, output.m_ratio);
         const FLAGS missed = error > output.m_surely_missed;
         m_sum += missed ? error : both(0.0);
         m_sum += m_vco_error;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "pll.h"
+#include "pll_lanes.h"
 
 struct SEARCH_LIMITS;
 
@@ -31,11 +32,12 @@ private:
     // What the sums of many settings need to know of an output, worked out once.
     struct OUTPUT
     {
-        double m_ratio;
-        double m_inverse;
-        double m_surely_met;     // an error below it is not counted
-        double m_surely_missed;  // an error above it is
-        double m_largest_count;
+        TWO m_ratio;
+        TWO m_inverse;
+        TWO m_least;          // a quotient that counts as 1, as all below do
+        TWO m_surely_met;     // an error below it is not counted
+        TWO m_surely_missed;  // an error above it is
+        TWO m_largest_count;
     };
 
     const PLL& m_pll;

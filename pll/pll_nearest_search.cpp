@@ -1,6 +1,7 @@
 #include "pll_nearest_search.h"
 
 #include "pll_lanes.h"
+#include "pll_small_factors.h"
 
 #include <algorithm>
 #include <cmath>
@@ -19,42 +20,6 @@ bool has_exact_products(const SEARCH_LIMITS& limits)
     constexpr int LARGEST_EXACT = 1 << 22;  // times an int it is below 2^53
     return limits.m_m_max <= LARGEST_EXACT && limits.m_n_max <= LARGEST_EXACT;
 }
-
-// The prime factors of whole numbers, as far as 2, 3, 5 and 7 go: most fractions that can be
-// reduced can be reduced by one of them.
-class SMALL_FACTORS
-{
-public:
-    constexpr SMALL_FACTORS() : m_factors{}, m_smallest{}
-    {
-        for (int prime = 0; prime < PRIMES; ++prime) {
-            for (int number = 0; number < PERIOD; number += PRIME[prime]) {
-                m_factors[number] = std::uint8_t(m_factors[number] | 1 << prime);
-            }
-            for (int set = 1 << prime; set < SETS; set += 2 << prime) {
-                m_smallest[set] = std::uint8_t(PRIME[prime]);
-            }
-        }
-    }
-
-    // The smallest that both have in common; 0: none.
-    int smallest_common(std::int64_t a, std::int64_t b) const
-    {
-        return m_smallest[m_factors[std::uint64_t(a) % PERIOD] &
-                          m_factors[std::uint64_t(b) % PERIOD]];
-    }
-
-private:
-    static constexpr int PRIMES = 4;
-    static constexpr int PRIME[PRIMES] = {2, 3, 5, 7};
-    static constexpr int PERIOD = 210;
-    static constexpr int SETS = 1 << PRIMES;
-
-    std::uint8_t m_factors[PERIOD];  // a bit for each
-    std::uint8_t m_smallest[SETS];
-};
-
-constexpr SMALL_FACTORS FACTORS;
 
 constexpr int FLOATS = 4;  // in a vector of floats
 
@@ -196,11 +161,17 @@ void NEAREST_SEARCH::search_cells(const REGION& region, const GRID& grid, CELL_R
     const RATIO_RANGE ratios{grid.edge(cells.m_first), grid.edge(cells.m_last + 1)};
     const N_RANGE columns = region.n_range();
     for (std::int64_t n = columns.m_first; n <= columns.m_last; ++n) {
-        const M_RANGE column = region.m_between(ratios, n);
-        for (std::int64_t m = column.m_first; m <= column.m_last; ++m) {
-            if (!repeats_legal(region, m, n)) {
-                enter(region, m, n);
-            }
+        search_column(region, region.m_between(ratios, n), n);
+    }
+}
+
+void NEAREST_SEARCH::search_column(const REGION& region, M_RANGE column, std::int64_t n)
+{
+    const unsigned factors = m_has_exact_products ? SMALL_FACTORS::of(n) : 0;
+    for (std::int64_t m = column.m_first; m <= column.m_last; ++m) {
+        const unsigned common = factors != 0 ? factors & SMALL_FACTORS::of(m) : 0;
+        if (common == 0 || !repeats_legal(region, m, n, SMALL_FACTORS::smallest(common))) {
+            enter(region, m, n);
         }
     }
 }
@@ -208,11 +179,10 @@ void NEAREST_SEARCH::search_cells(const REGION& region, const GRID& grid, CELL_R
 // Whether (m, n) is a multiple of another setting that misses by the same and is legal when it is:
 // the VCO is the same, and what bounds M and N is in their ranges. Where nothing of that setting's
 // M is left over in the feedback path, nothing is of its multiples.
-bool NEAREST_SEARCH::repeats_legal(const REGION& region, std::int64_t m, std::int64_t n) const
+bool NEAREST_SEARCH::repeats_legal(const REGION& region, std::int64_t m, std::int64_t n,
+                                   int factor) const
 {
-    const int factor = FACTORS.smallest_common(m, n);
-    return factor != 0 && m_has_exact_products && m >= factor * region.m_range().m_first &&
-           n >= factor * region.n_range().m_first &&
+    return m >= factor * region.m_range().m_first && n >= factor * region.n_range().m_first &&
            m_rest.of(int(m / factor), int(n / factor)) == 0.0;
 }
 

@@ -52,7 +52,8 @@ private:
     RATIO_RANGE new_ratios_of(const REGION& region) const;
     void search_low_cells(const REGION& region, const GRID& grid);
     void search_cells(const REGION& region, const GRID& grid, CELL_RANGE cells);
-    bool repeats_legal(const REGION& region, std::int64_t m, std::int64_t n) const;
+    void search_column(const REGION& region, M_RANGE column, std::int64_t n);
+    bool repeats_legal(const REGION& region, std::int64_t m, std::int64_t n, int factor) const;
     void enter(const REGION& region, std::int64_t m, std::int64_t n);
     void bound_entered(const REGION& region);
     void wait(const REGION& region, int m, int n);
