@@ -20,10 +20,11 @@ constexpr double SURELY_MISSED = MET_RELATIVE + ROUNDING;
 constexpr double SURELY_MET = MET_RELATIVE - ROUNDING;
 constexpr double SURELY_NEARER = 0.5 - 1e-6;  // of two counts
 
-// Whether the output's phase is 0 and its duty cycle one that makes no reports.
+// Whether the output's phase needs no delay of the feedback path, and its duty cycle makes no
+// reports.
 bool is_plain(const PLL_USER_TAP& wish)
 {
-    return wish.m_phase == 0.0 && !wish.m_has_sclkout_phase && 0 <= wish.m_duty &&
+    return wish.m_phase >= 0.0 && !wish.m_has_sclkout_phase && 0 <= wish.m_duty &&
            wish.m_duty <= LARGEST_DUTY;
 }
 
@@ -42,9 +43,12 @@ bool can_tell(const PLL& pll, const PLL_PROP& request, const SEARCH_LIMITS& limi
 
 CANDIDATE_SIEVE::CANDIDATE_SIEVE(const PLL& pll, const PLL_PROP& request,
                                  const SEARCH_LIMITS& limits)
-    : m_limits(limits),
+    : m_pll(pll),
+      m_request(request),
+      m_limits(limits),
       m_rest(pll, limits),
       m_can_tell(can_tell(pll, request, limits)),
+      m_has_phases(false),
       m_largest_ratio(0.0)
 {
     constexpr double TWICE = 2.0;
@@ -55,13 +59,20 @@ CANDIDATE_SIEVE::CANDIDATE_SIEVE(const PLL& pll, const PLL_PROP& request,
         m_outputs[i] = {wish.m_inverse,
                         std::max(TWICE * EXACT_RATIO / wish.m_ratio, TWICE * ROUNDING),
                         std::min(largest, TOLD_COUNTS - 1.0)};
+        m_has_phases = m_has_phases || request.m_taps[i].m_phase != 0.0;
         std::memset(m_told[i], 0, sizeof m_told[i]);
     }
 }
 
-// Adds up a lower bound of the relative errors of outputs that are all met.
-CANDIDATE_SIEVE::VERDICT CANDIDATE_SIEVE::measure(double ratio, double* relative_error) const
+// Sure of nothing when the setting may tell something new of duty cycles or around phases of 0, or
+// may move the cut-off.
+CANDIDATE_SIEVE::VERDICT CANDIDATE_SIEVE::measure(int m, int n, std::int64_t cut_off,
+                                                  MEASURE* measured) const
 {
+    const double ratio = double(m) / double(n);
+    if (!m_can_tell || ratio > m_largest_ratio) {
+        return VERDICT::UNSURE;
+    }
     double sum = 0.0;
     for (int i = 0; i < m_limits.m_taps_count; ++i) {
         const OUTPUT& output = m_outputs[i];
@@ -79,9 +90,18 @@ CANDIDATE_SIEVE::VERDICT CANDIDATE_SIEVE::measure(double ratio, double* relative
             return VERDICT::UNSURE;
         }
         sum += relative > output.m_sure_error ? relative - ROUNDING : 0.0;
+        measured->m_counts[i] = int(count);
     }
-    *relative_error = sum;
-    return VERDICT::MET;
+    measured->m_relative_error = sum;
+    const bool may_cut_off = m_limits.m_cut_off && m < cut_off && sum <= DBL_EPSILON;
+    return may_cut_off ? VERDICT::UNSURE : VERDICT::MET;
+}
+
+// Of equal costs a larger N loses.
+bool CANDIDATE_SIEVE::loses(double cost, int n, const SEARCH_RESULT& result)
+{
+    return cost > result.m_best_cost ||
+           (cost == result.m_best_cost && n > result.m_best.m_n.m_count);
 }
 
 bool CANDIDATE_SIEVE::retains(int post_scale, int m, int n, std::int64_t cut_off,
@@ -90,21 +110,37 @@ bool CANDIDATE_SIEVE::retains(int post_scale, int m, int n, std::int64_t cut_off
     if (m_rest.of(m, n) != 0.0) {
         return true;
     }
-    const double ratio = double(m) / double(n);
-    if (!m_can_tell || ratio > m_largest_ratio) {
-        return false;
-    }
-    double relative_error = 0.0;
-    const VERDICT verdict = measure(ratio, &relative_error);
+    MEASURE measured;
+    const VERDICT verdict = m_has_phases ? VERDICT::UNSURE : measure(m, n, cut_off, &measured);
+    return verdict == VERDICT::MISSED ||
+           (verdict == VERDICT::MET &&
+            loses(frequency_cost(measured.m_relative_error, post_scale), n, result));
+}
+
+bool CANDIDATE_SIEVE::tells(const SEARCH_POINT& point, std::int64_t cut_off,
+                            SEARCH_RESULT* result) const
+{
+    const int m = point.m_m;
+    const int n = point.m_n;
+    MEASURE measured;
+    const VERDICT verdict = m_has_phases ? measure(m, n, cut_off, &measured) : VERDICT::UNSURE;
     if (verdict != VERDICT::MET) {
         return verdict == VERDICT::MISSED;
     }
-    if (m_limits.m_cut_off && m < cut_off && relative_error <= DBL_EPSILON) {
+    double achieved[PLL_MAX_TAPS];
+    double cost = frequency_cost(measured.m_relative_error, point.m_post_scale);
+    for (int i = 0; i < m_limits.m_taps_count; ++i) {
+        const int max_start = measured.m_counts[i] == 1 ? 1 : m_pll.m_taps[i].m_max_count;
+        achieved[i] = achieved_phase(m_request.m_taps[i], m, n, max_start);
+        cost += std::fabs(m_request.m_taps[i].m_phase - achieved[i]);
+    }
+    if (!loses(cost, n, *result)) {
         return false;
     }
-    const double cost = frequency_cost(relative_error, post_scale);
-    return cost > result.m_best_cost ||
-           (cost == result.m_best_cost && n > result.m_best.m_n.m_count);
+    for (int i = 0; i < m_limits.m_taps_count; ++i) {
+        tell_phase(m_request.m_taps[i], m, n, achieved[i], &result->m_best.m_taps[i]);
+    }
+    return true;
 }
 
 void CANDIDATE_SIEVE::note_told(const SEARCH_POINT& point, const PLL& candidate)

@@ -54,6 +54,9 @@ void EVALUATION::evaluate(const SEARCH_POINT& point)
 
 void EVALUATION::evaluate_if_met(const SEARCH_POINT& point)
 {
+    if (m_trace == nullptr && m_sieve.tells(point, m_cut_off, m_result)) {
+        return;
+    }
     CANDIDATE_SCORE score = assign(point);
     if (score.m_error == 0.0) {
         offer(point, &score);

@@ -219,6 +219,21 @@ void PHASE_PLACING::place(int index)
                   wish.m_has_sclkout_phase ? m_frame.m_turn_step : m_frame.m_tap_step, &tap);
 }
 
+double achieved_phase(const PLL_USER_TAP& wish, int m, int n, int max_start)
+{
+    PHASE_FRAME frame{};
+    frame.m_m = m;
+    frame.m_m_count = m;
+    frame.m_n = n;
+    frame.m_ordinary = true;
+    return input_degrees(n, m, choose_tap_and_start(wish, frame, max_start).vco_degrees());
+}
+
+void tell_phase(const PLL_USER_TAP& wish, int m, int n, double phase, PLL_OUTPUT_TAP* output)
+{
+    narrow_phases(wish, phase, DEGREES_PER_VCO_TAP / (double(m) / double(n)), output);
+}
+
 void PLL::compute_phase_for_ui(PLL* pll, const PLL_PROP& request, int tap, double phase) const
 {
     if (pll == nullptr) {

@@ -35,6 +35,13 @@ private:
     PHASE_FRAME m_frame;
 };
 
+// The phase that placing an output at (m, n) achieves, degrees, when no phase is negative and
+// nothing is cascaded or fed back. The output starts at `max_start` at most.
+double achieved_phase(const PLL_USER_TAP& wish, int m, int n, int max_start);
+
+// Narrows what the host is told of the output's phases, where it achieves `phase` at (m, n).
+void tell_phase(const PLL_USER_TAP& wish, int m, int n, double phase, PLL_OUTPUT_TAP* output);
+
 // What a counter does for the duty cycle wished of it, and what the host will be told.
 struct DUTY_PLAN
 {

@@ -63,12 +63,17 @@ inline int reference_phase(const PLL& pll)
     return TAP_AND_START{tap.m_vco_tap, start}.vco_degrees();
 }
 
-// What a clock started at `place` is late, in degrees of the input clock.
-inline double user_phase(int n, int m, const PLL& pll, TAP_AND_START place)
+// A distance in VCO degrees, in degrees of the input clock.
+inline double input_degrees(int n, int m, int distance)
 {
-    const int distance = wrap_sub(place.vco_degrees(), reference_phase(pll));
     if (distance == 0 && n > 0 && m > 0) {
         return 0.0;  // spares the division
     }
     return static_cast<double>(n) * distance / static_cast<double>(m);
+}
+
+// What a clock started at `place` is late, in degrees of the input clock.
+inline double user_phase(int n, int m, const PLL& pll, TAP_AND_START place)
+{
+    return input_degrees(n, m, wrap_sub(place.vco_degrees(), reference_phase(pll)));
 }

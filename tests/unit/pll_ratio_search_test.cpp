@@ -204,12 +204,13 @@ PLL_PROP crowded_request(RANDOM_RATIOS* random)
     request.m_bandwidth_type = random->chance(70) ? 3 : 4;
     request.m_bandwidth = 1e5 * random->number(20);
     const int division = 100 * random->number(8);
+    const bool phases = random->chance(40);
     for (int i = 0; i < request.m_taps_count; ++i) {
         const int off = random->chance(50) ? random->number(5) - 3 : 0;
         request.m_taps[i].m_mult = 1000;
         request.m_taps[i].m_div = 1000 * division + off * division;
         request.m_taps[i].m_duty = random->chance(50) ? 50 : random->number(101) - 1;
-        request.m_taps[i].m_phase = random->chance(10) ? random->number(90) : 0;
+        request.m_taps[i].m_phase = phases ? random->number(360) - 1 : 0;
         request.m_taps[i].m_has_sclkout_phase = random->chance(10);
         request.m_taps[i].m_sclkout_phase = random->number(90);
         request.m_taps[i].m_use_even_counter_mode = random->chance(10);
