@@ -92,6 +92,7 @@ CANDIDATE_SIEVE::VERDICT CANDIDATE_SIEVE::measure(int m, int n, std::int64_t cut
         sum += relative > output.m_sure_error ? relative - ROUNDING : 0.0;
         measured->m_counts[i] = int(count);
     }
+    measured->m_ratio = ratio;
     measured->m_relative_error = sum;
     const bool may_cut_off = m_limits.m_cut_off && m < cut_off && sum <= DBL_EPSILON;
     return may_cut_off ? VERDICT::UNSURE : VERDICT::MET;
@@ -117,18 +118,16 @@ bool CANDIDATE_SIEVE::retains(int post_scale, int m, int n, std::int64_t cut_off
             loses(frequency_cost(measured.m_relative_error, post_scale), n, result));
 }
 
-bool CANDIDATE_SIEVE::tells(const SEARCH_POINT& point, std::int64_t cut_off,
+bool CANDIDATE_SIEVE::tells(int post_scale, int m, int n, std::int64_t cut_off,
                             SEARCH_RESULT* result) const
 {
-    const int m = point.m_m;
-    const int n = point.m_n;
     MEASURE measured;
     const VERDICT verdict = m_has_phases ? measure(m, n, cut_off, &measured) : VERDICT::UNSURE;
     if (verdict != VERDICT::MET) {
         return verdict == VERDICT::MISSED;
     }
     double achieved[PLL_MAX_TAPS];
-    double cost = frequency_cost(measured.m_relative_error, point.m_post_scale);
+    double cost = frequency_cost(measured.m_relative_error, post_scale);
     for (int i = 0; i < m_limits.m_taps_count; ++i) {
         const int max_start = measured.m_counts[i] == 1 ? 1 : m_pll.m_taps[i].m_max_count;
         achieved[i] = achieved_phase(m_request.m_taps[i], m, n, max_start);
@@ -138,7 +137,7 @@ bool CANDIDATE_SIEVE::tells(const SEARCH_POINT& point, std::int64_t cut_off,
         return false;
     }
     for (int i = 0; i < m_limits.m_taps_count; ++i) {
-        tell_phase(m_request.m_taps[i], m, n, achieved[i], &result->m_best.m_taps[i]);
+        tell_phase(m_request.m_taps[i], measured.m_ratio, achieved[i], &result->m_best.m_taps[i]);
     }
     return true;
 }

@@ -23,7 +23,7 @@ public:
                  const SEARCH_RESULT& result) const;
 
     // The same for the phases of a legal setting, which are told at once.
-    bool tells(const SEARCH_POINT& point, std::int64_t cut_off, SEARCH_RESULT* result) const;
+    bool tells(int post_scale, int m, int n, std::int64_t cut_off, SEARCH_RESULT* result) const;
 
     // Takes note of what a candidate told whose outputs are all met.
     void note_told(const SEARCH_POINT& point, const PLL& candidate);
@@ -50,6 +50,7 @@ private:
     // What is known of a setting whose outputs are surely met.
     struct MEASURE
     {
+        double m_ratio;
         double m_relative_error;  // no more than the sum of all outputs'
         int m_counts[PLL_MAX_TAPS];
     };

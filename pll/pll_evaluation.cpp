@@ -52,13 +52,14 @@ void EVALUATION::evaluate(const SEARCH_POINT& point)
     offer(point, &score);
 }
 
-void EVALUATION::evaluate_if_met(const SEARCH_POINT& point)
+void EVALUATION::evaluate_if_met(int post_scale, int m, int n)
 {
-    if (m_trace == nullptr && m_sieve.tells(point, m_cut_off, m_result)) {
+    if (m_trace == nullptr && m_sieve.tells(post_scale, m, n, m_cut_off, m_result)) {
         return;
     }
-    CANDIDATE_SCORE score = assign(point);
+    const SEARCH_POINT setting = point(post_scale, m, n);
+    CANDIDATE_SCORE score = assign(setting);
     if (score.m_error == 0.0) {
-        offer(point, &score);
+        offer(setting, &score);
     }
 }

@@ -20,8 +20,8 @@ public:
     // Offers the candidate to the ranking, whatever it misses.
     void evaluate(const SEARCH_POINT& point);
 
-    // Offers it only when its error sum is 0.
-    void evaluate_if_met(const SEARCH_POINT& point);
+    // Offers a legal setting only when its error sum is 0.
+    void evaluate_if_met(int post_scale, int m, int n);
 
     // Whether offering the setting, if met, would surely change nothing. With a trace every
     // candidate changes it.

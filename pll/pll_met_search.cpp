@@ -129,6 +129,6 @@ void MET_SEARCH::visit_row(const WORK& work, std::int64_t m)
 void MET_SEARCH::visit(const WORK& work, std::int64_t m, std::int64_t n)
 {
     if (!m_evaluation->is_idle(work.m_post_scale, int(m), int(n)) && work.m_region.is_legal(m, n)) {
-        m_evaluation->evaluate_if_met(m_evaluation->point(work.m_post_scale, int(m), int(n)));
+        m_evaluation->evaluate_if_met(work.m_post_scale, int(m), int(n));
     }
 }

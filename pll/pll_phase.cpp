@@ -229,9 +229,9 @@ double achieved_phase(const PLL_USER_TAP& wish, int m, int n, int max_start)
     return input_degrees(n, m, choose_tap_and_start(wish, frame, max_start).vco_degrees());
 }
 
-void tell_phase(const PLL_USER_TAP& wish, int m, int n, double phase, PLL_OUTPUT_TAP* output)
+void tell_phase(const PLL_USER_TAP& wish, double ratio, double phase, PLL_OUTPUT_TAP* output)
 {
-    narrow_phases(wish, phase, DEGREES_PER_VCO_TAP / (double(m) / double(n)), output);
+    narrow_phases(wish, phase, DEGREES_PER_VCO_TAP / ratio, output);
 }
 
 void PLL::compute_phase_for_ui(PLL* pll, const PLL_PROP& request, int tap, double phase) const

@@ -39,8 +39,9 @@ private:
 // nothing is cascaded or fed back. The output starts at `max_start` at most.
 double achieved_phase(const PLL_USER_TAP& wish, int m, int n, int max_start);
 
-// Narrows what the host is told of the output's phases, where it achieves `phase` at (m, n).
-void tell_phase(const PLL_USER_TAP& wish, int m, int n, double phase, PLL_OUTPUT_TAP* output);
+// Narrows what the host is told of the output's phases, where it achieves `phase` at a
+// ratio M / N.
+void tell_phase(const PLL_USER_TAP& wish, double ratio, double phase, PLL_OUTPUT_TAP* output);
 
 // What a counter does for the duty cycle wished of it, and what the host will be told.
 struct DUTY_PLAN

@@ -82,11 +82,18 @@ bool has_ordinary_bandwidth(const PLL& pll, const SEARCH_LIMITS& limits)
     return ordinary;
 }
 
+// Whether counters that only cascades use are never looked at: what they hold is left behind by
+// other candidates, missed ones included.
+bool has_ordinary_cascades(const PLL& pll, const PLL_PROP& request, const SEARCH_LIMITS& limits)
+{
+    return request.m_taps_count == limits.m_taps_count && pll.m_feedback_tap < limits.m_taps_count;
+}
+
 bool is_ordinary(const PLL& pll, const PLL_PROP& request, const SEARCH_LIMITS& limits)
 {
     bool ordinary = limits.m_fin_period > 0 && limits.m_n_min >= 1 &&
                     has_ordinary_bandwidth(pll, limits) && has_finite_costs(pll, limits) &&
-                    (!limits.m_may_cascade || request.m_taps_count == limits.m_taps_count);
+                    (!limits.m_may_cascade || has_ordinary_cascades(pll, request, limits));
     for (int i = 0; i < limits.m_taps_count; ++i) {
         ordinary =
             ordinary && is_ordinary(request.m_taps[i], pll.m_taps[i].m_max_count, limits.m_m_max);

@@ -385,6 +385,24 @@ TEST(RatioSearch, LeavesTheTracesOfCascadesThatTheWalkLeaves)
     EXPECT_GT(used, 100);
 }
 
+// The feedback path may be said to hold a counter that only cascades set up: what it divides by,
+// and so what a candidate costs, is then left behind by any candidate before it.
+TEST(RatioSearch, LeavesFeedbackFromACascadeToTheWalk)
+{
+    PLL_PROP request(1);
+    request.m_fin_period = 10000;
+    PLL pll(1, PLL_MAX_TAPS);
+    pll.m_feedback_tap = 1;
+    EXPECTED_REPORTS reports;
+    reports.accept_all();  // of a feedback output that is none
+    EXPECT_NE("", search_by(WAY::BY_RATIO, pll, request));
+    pll.m_output_counter_cascade = true;
+    EXPECT_EQ("", search_by(WAY::BY_RATIO, pll, request));
+    EXPECT_NE("", search_by(WAY::WALK, pll, request));
+    pll.m_feedback_tap = 0;
+    EXPECT_NE("", search_by(WAY::BY_RATIO, pll, request));
+}
+
 // An output that misses 14 / 6 = 7 / 3 least, of all fractions.
 struct SEVEN_THIRDS
 {
