@@ -41,6 +41,18 @@ void measure_near_division(TARGET_TABLE* table)
     measure("crowded large auto 10 outputs near fin / 1561, 651 ps", pll.get(), request, table);
 }
 
+// The same with a phase for every clock, which each candidate achieves in its own way.
+void measure_phases(BENCH_CASE bench_case, TARGET_TABLE* table)
+{
+    constexpr double PHASE_STEP = 27.5;  // degrees
+    const auto pll = make_pll(bench_case.m_limits, bench_case.m_outputs);
+    PLL_PROP request = make_request(bench_case, *pll);
+    for (int i = 0; i < request.m_taps_count; ++i) {
+        request.m_taps[i].m_phase = PHASE_STEP * (i + 1);
+    }
+    measure(row_name(bench_case) + ", 651 ps, phases", pll.get(), request, table);
+}
+
 }  // namespace
 
 void measure_crowds(TARGET_TABLE* table)
@@ -53,6 +65,7 @@ void measure_crowds(TARGET_TABLE* table)
             const auto pll = make_pll(limits, outputs);
             measure(row_name(bench_case) + ", 651 ps", pll.get(), make_request(bench_case, *pll),
                     table);
+            measure_phases(bench_case, table);
         }
     }
 }
