@@ -10,6 +10,14 @@ RATIONAL relative_error(const RATIONAL& achieved, const RATIONAL& asked)
     return achieved / asked - RATIONAL(1, 1);
 }
 
+// Where a VCO ratio is asked for, the library scores that in the place of the output.
+bool is_missed(const REQUEST& request, const PLL_OUTPUT_TAP& tap, const RATIONAL& error)
+{
+    const RATIONAL MET(1, 1000);
+    const bool is_scored = request.m_prop.m_vco_mult < 1 || !error.is_valid();
+    return is_scored ? !tap.m_score : !(error.magnitude() < MET);
+}
+
 }  // namespace
 
 ANSWER::ANSWER(const REQUEST& request)
@@ -28,7 +36,8 @@ ANSWER::ANSWER(const REQUEST& request)
         result.m_error = relative_error(result.m_ratio, request.m_outputs[i].m_ratio);
         const bool outside = request.m_tolerance && result.m_error.is_valid() &&
                              *request.m_tolerance < result.m_error.magnitude();
-        result.m_missed = !m_pll.m_taps[i].m_score || outside;
+        result.m_missed =
+            outside || (!m_library_met && is_missed(request, m_pll.m_taps[i], result.m_error));
         m_within_tolerance = m_within_tolerance && !outside;
         m_outputs.push_back(result);
     }
