@@ -20,6 +20,13 @@ bool is_missed(const REQUEST& request, const PLL_OUTPUT_TAP& tap, const RATIONAL
 
 }  // namespace
 
+// A search that could try none leaves the phases no neighbours. Its error is not asked for: a later
+// check may have put its own in the place.
+bool has_candidate(const PLL& pll)
+{
+    return pll.m_taps[0].m_next_phase_degree != pll.m_taps[0].m_prev_phase_degree;
+}
+
 ANSWER::ANSWER(const REQUEST& request)
     : m_pll(request.m_prop.m_taps_count, request.m_max_outputs),
       m_achieved(request.m_prop.m_taps_count)

@@ -28,6 +28,9 @@ struct OUTPUT_RESULT
     bool m_missed;  // not taken for met, by the library or by the tolerance asked for
 };
 
+// Whether the last synthesis of a PLL, which failed, could try any M and N.
+bool has_candidate(const PLL& pll);
+
 class ANSWER
 {
 public:
@@ -38,7 +41,7 @@ public:
     bool is_met() const { return m_library_met && m_within_tolerance; }
     bool is_met_by_library() const { return m_library_met; }
     // The outputs have been given counters; false when no M and N could be tried.
-    bool has_outputs() const { return m_library_met || m_pll.m_error != PLL::PLL_M_N_NOT_FOUND; }
+    bool has_outputs() const { return m_library_met || has_candidate(m_pll); }
 
     const PLL& get_pll() const { return m_pll; }
     const PLL_PROP& get_achieved() const { return m_achieved; }

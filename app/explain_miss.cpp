@@ -50,11 +50,11 @@ const OBSTACLE OBSTACLES[] = {
     {"the second input", [](PLL_PROP* prop) { prop->m_fin2_period = 0; }},
 };
 
-bool has_candidates(const REQUEST& request, const PLL_PROP& prop)
+bool can_try(const REQUEST& request, const PLL_PROP& prop)
 {
     PLL pll(prop.m_taps_count, request.m_max_outputs);
     set_limits(request, &pll);
-    return pll.synthesize(prop) || pll.m_error != PLL::PLL_M_N_NOT_FOUND;
+    return pll.synthesize(prop) || has_candidate(pll);
 }
 
 // Asks the library again without each of the wishes that can rule M and N out, then without any.
@@ -74,13 +74,13 @@ bool explain_obstacles(const REQUEST& request, const PLL& pll, LINES* lines)
         PLL_PROP without = request.m_prop;
         obstacle.m_remove(&without);
         obstacle.m_remove(&without_any);
-        if (has_candidates(request, without)) {
+        if (can_try(request, without)) {
             lines->push_back("missed: " + std::string(obstacle.m_name) +
                              "; without it there are M and N for the VCO and PFD ranges");
             return true;
         }
     }
-    if (has_candidates(request, without_any)) {
+    if (can_try(request, without_any)) {
         lines->push_back("missed: bandwidth, spread and second input taken together; without them "
                          "there are M and N");
         return true;
@@ -176,13 +176,6 @@ void explain_error(const REQUEST& request, const ANSWER& answer, LINES* lines)
 {
     const PLL& pll = answer.get_pll();
     switch (pll.m_error) {
-    case PLL::PLL_M_N_NOT_FOUND:
-        explain_no_candidate(request, pll, lines);
-        break;
-    case PLL::PLL_POST_DIVIDER_MAX_EXCEEDED:
-    case PLL::PLL_MULT_DIV_NOT_ACHIEVED:
-        explain_missed_outputs(request, answer, lines);
-        break;
     case PLL::PLL_DELAY_RANGE_TOO_WIDE:
         explain_delays(request, lines);
         break;
@@ -210,10 +203,19 @@ void explain_error(const REQUEST& request, const ANSWER& answer, LINES* lines)
             format_short(largest_bandwidth(request, pll) / HZ_KHZ, KHZ_DECIMALS) + " kHz");
         break;
     case PLL::PLL_NO_ERROR:
+    case PLL::PLL_M_N_NOT_FOUND:
     case PLL::PLL_M_N_NOT_FOUND_2:
+    case PLL::PLL_POST_DIVIDER_MAX_EXCEEDED:
+    case PLL::PLL_MULT_DIV_NOT_ACHIEVED:
     case PLL::PLL_SS_REQUIRES_LOW_BANDWIDTH:
     case PLL::MAX_PLL_ERROR_TYPE:
         break;
+    }
+    // Behind its own reason: an error of a late check hides those of the search.
+    if (answer.has_outputs()) {
+        explain_missed_outputs(request, answer, lines);
+    } else {
+        explain_no_candidate(request, pll, lines);
     }
 }
 

@@ -52,6 +52,8 @@ constexpr VERDICT_CASE VERDICT_CASES[] = {
     {"--in 100MHz --out 50MHz,delay=-3000 --out 50MHz,delay=0",       0, "MET"},
     {"--in 100MHz --out 50MHz --spread 0.601%",                       1, "error 7: Requested Spread Spectrum value is too high\nmissed: a spread of 0.601 % is asked for, legal are at most 0.6 %\n"},
     {"--in 100MHz --out 50MHz --spread 0.6%",                         0, "MET"},
+    {"--in 100MHz --out 50MHz --out 10kHz --spread 0.601%",           1, "legal are at most 0.6 %\nmissed: output 2, closest "},
+    {"--in 500kHz --out 1MHz --spread 5%",                            1, "legal are at most 0.6 %\nclosest: M 512, N 1, VCO 256 MHz, 343.88 MHz below its range 599.88 to 1000 MHz\nmissed: all outputs; without a VCO frequency none of them could be tried\n\ninput  0.5 MHz, period 2000000 ps\n"},
     {"--in 1001MHz --out 50MHz",                                      1, "error 8: Requested input clock frequency does not satisfy the valid frequency range\nmissed: the input runs at 1001 MHz, legal are at most 1000 MHz\n"},
     {"--in 100MHz --in2 1001MHz --out 50MHz",                         1, "missed: "},
 };
@@ -68,6 +70,16 @@ TEST(CliVerdict, IsSaidWithItsReasons)
         EXPECT_EQ(0U, run.m_output.find(c.m_status == 0 ? "MET" : "NOT MET\n"))
             << "the verdict stands first";
     }
+}
+
+TEST(CliVerdict, ShowsNoSettingWhereNoneCouldBeTried)
+{
+    const std::string request = " --in 500kHz --out 1MHz --spread 5%";
+    EXPECT_EQ(std::string::npos, run_pllcalc("synth" + request).m_output.find("post-scale"));
+    EXPECT_EQ(std::string::npos, run_pllcalc("steps" + request).m_output.find("\noutput 1"));
+    const std::string table =
+        run_pllcalc("table --database @DATA@/sample --family Chervil" + request).m_output;
+    EXPECT_NE(std::string::npos, table.find("\nno setting, so no row\n")) << table;
 }
 
 TEST(CliVerdict, IsTheSameForEveryCommandThatTakesARequest)
