@@ -10,12 +10,14 @@ RATIONAL relative_error(const RATIONAL& achieved, const RATIONAL& asked)
     return achieved / asked - RATIONAL(1, 1);
 }
 
-// Where a VCO ratio is asked for, the library scores that in the place of the output.
+// Where a VCO ratio is asked for, the library scores that in the place of the output. An output in
+// the feedback that leaves a rest makes the VCO another one, so others may come out exact by
+// chance.
 bool is_missed(const REQUEST& request, const PLL_OUTPUT_TAP& tap, const RATIONAL& error)
 {
     const RATIONAL MET(1, 1000);
     const bool is_scored = request.m_prop.m_vco_mult < 1 || !error.is_valid();
-    return is_scored ? !tap.m_score : !(error.magnitude() < MET);
+    return is_scored ? !tap.m_score && !(error == RATIONAL()) : !(error.magnitude() < MET);
 }
 
 }  // namespace

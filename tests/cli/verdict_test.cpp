@@ -52,6 +52,7 @@ constexpr VERDICT_CASE VERDICT_CASES[] = {
     {"--in 100MHz --out 50MHz,delay=-3000 --out 50MHz,delay=0",       0, "MET"},
     {"--in 100MHz --out 50MHz --spread 0.601%",                       1, "error 7: Requested Spread Spectrum value is too high\nmissed: a spread of 0.601 % is asked for, legal are at most 0.6 %\n"},
     {"--in 100MHz --out 50MHz --spread 0.6%",                         0, "MET"},
+    {"--in 245MHz --out 27MHz --out ratio=18 --feedback 1 --database @DATA@/sample --family Lovage --type FAST_PLL", 1, "+807.407 %\n  it is the feedback\n\ndevice"},
     {"--in 100MHz --out 50MHz --out 10kHz --spread 0.601%",           1, "legal are at most 0.6 %\nmissed: output 2, closest "},
     {"--in 500kHz --out 1MHz --spread 5%",                            1, "legal are at most 0.6 %\nclosest: M 512, N 1, VCO 256 MHz, 343.88 MHz below its range 599.88 to 1000 MHz\nmissed: all outputs; without a VCO frequency none of them could be tried\n\ninput  0.5 MHz, period 2000000 ps\n"},
     {"--in 1001MHz --out 50MHz",                                      1, "error 8: Requested input clock frequency does not satisfy the valid frequency range\nmissed: the input runs at 1001 MHz, legal are at most 1000 MHz\n"},
