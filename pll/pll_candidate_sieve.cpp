@@ -30,8 +30,7 @@ bool is_plain(const PLL_USER_TAP& wish)
 
 bool can_tell(const PLL& pll, const PLL_PROP& request, const SEARCH_LIMITS& limits)
 {
-    bool plain = pll.m_feedback_tap < 0 && !limits.m_wish.m_table_mode &&
-                 request.m_taps_count == limits.m_taps_count;
+    bool plain = pll.m_feedback_tap < 0 && !limits.m_wish.m_table_mode;
     for (int i = 0; i < limits.m_taps_count; ++i) {
         plain = plain && is_plain(request.m_taps[i]) &&
                 limits.m_wishes[i].m_ratio > SMALLEST_SURE_RATIO;

@@ -450,6 +450,32 @@ TEST(NearestSearch, TakesTheFirstMultipleWhoseCounterIsLongEnough)
     }
 }
 
+// A custom bandwidth allows other M at each post-scale when the gains of the VCO differ.
+TEST(NearestSearch, LooksAtTheSecondPostScaleForAnMThatTheFirstHasNot)
+{
+    RANDOM_RATIOS random(36);
+    TALLY tally;
+    int second = 0;
+    for (int i = 0; i < 500; ++i) {
+        PLL_PROP request = random.request();
+        const auto pll = random.pll(request, 60, 30);
+        set_components(*pll, {10, 20}, {1000});
+        const double product_per_m = 12000.0 / random.number(20);
+        pll->m_max_vco_post_scale = 2;
+        pll->m_kvco[2] = pll->m_kvco[1] * (0.25 + 0.1 * random.number(30));
+        request.m_bandwidth_type = 4;
+        request.m_bandwidth = product_per_m * pll->m_kvco[1] / 6.28;
+        SCOPED_TRACE(i);
+        expect_the_walk(*pll, request, &tally);
+        const SEARCH_LIMITS limits = read_search_limits(*pll, request);
+        SEARCH_RESULT result(*pll, request);
+        search(*pll, request, limits, nullptr, &result);
+        second += result.m_best_error != 0.0 && result.m_best_point.m_post_scale == 2 ? 1 : 0;
+    }
+    EXPECT_GT(tally.m_missed, 100);
+    EXPECT_GT(second, 30);
+}
+
 TEST(NearestSearch, FindsNothingWhereNothingIsLegal)
 {
     PLL_PROP request(1);
