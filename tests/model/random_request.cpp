@@ -6,9 +6,9 @@
 
 namespace {
 
-constexpr const char* KIND_NAMES[] = {"built-in", "small",  "edge",   "phase",
-                                      "table",    "filter", "spread", "feedback",
-                                      "cascade",  "wide",   "mixed",  "hostile"};
+constexpr const char* KIND_NAMES[] = {"built-in", "small",  "edge",     "phase",   "table",
+                                      "filter",   "spread", "feedback", "cascade", "wide",
+                                      "crowd",    "mixed",  "hostile"};
 
 // The counters that the request is built around; often, but not always, they can be had.
 struct HIDDEN_ANSWER
@@ -155,6 +155,9 @@ void GENERATOR::make_built_in()
 int GENERATOR::pick_count(int tap)
 {
     const int max_count = m_pll.m_taps[tap].m_max_count;
+    if (is(CASE_KIND::CROWD)) {
+        return m_random.between(100, max_count);
+    }
     if (m_random.chance(10)) {
         return 1;
     }
@@ -221,7 +224,10 @@ void GENERATOR::make_taps()
     m_pll.m_max_taps_count =
         m_random.chance(50) ? MODEL_MAX_TAPS : m_random.between(taps, MODEL_MAX_TAPS);
     m_pll.m_output_counter_cascade = wants(CASE_KIND::CASCADE, 20);
-    const int max_count = is(CASE_KIND::CASCADE) ? m_random.between(1, 8) : pick_max();
+    int max_count = is(CASE_KIND::CASCADE) ? m_random.between(1, 8) : pick_max();
+    if (is(CASE_KIND::CROWD)) {
+        max_count = 900;
+    }
     for (int i = 0; i < taps; ++i) {
         if (!is(CASE_KIND::BUILT_IN)) {
             m_pll.m_taps[i].m_max_count = m_random.chance(90) ? max_count : pick_max();

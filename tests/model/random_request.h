@@ -44,7 +44,8 @@ enum class CASE_KIND
     SPREAD,
     FEEDBACK,
     CASCADE,
-    WIDE,  // counters of a hundred values and more
+    WIDE,   // counters of a hundred values and more
+    CROWD,  // clocks so slow that most candidates nearly meet them
     MIXED,
     HOSTILE,  // fields with values that no sane host gives
     COUNT
