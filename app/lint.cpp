@@ -28,10 +28,11 @@ void lint_families(const std::string& directory, LINT_OBSERVER* observer, LINT_M
     int number_of_families = 1;
     for (int i = 0; i < number_of_families; ++i) {
         PLL_MANAGER manager;
-        manager.set_observer(observer);
+        manager.set_observer(i == 0 ? observer : nullptr);  // of the path file, once
         if (!manager.read(directory.c_str())) {
             return;
         }
+        manager.set_observer(observer);
         number_of_families = manager.get_number_of_families();
         const PLL_FAMILY_INFO* const named = manager.m_families[i];
         observer->read_next(named);
