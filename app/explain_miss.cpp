@@ -9,12 +9,8 @@ namespace {
 
 constexpr int MHZ_DECIMALS = 3;
 constexpr int KHZ_DECIMALS = 3;
-constexpr double HZ_KHZ = 1e3;  // kHz = Hz / HZ_KHZ
 constexpr int PERCENT_DECIMALS = 3;
-constexpr double PERCENT = 100.0;
-constexpr double PS_MHZ = 1e6;             // MHz = PS_MHZ / ps
 constexpr double MAX_DOWN_SPREAD = 0.006;  // of the library
-constexpr int BANDWIDTH_AUTO = 3;
 
 typedef std::vector<std::string> LINES;
 
@@ -198,9 +194,9 @@ void explain_error(const REQUEST& request, const ANSWER& answer, LINES* lines)
     case PLL::PLL_NO_BANDWIDTH_FOR_FIN_MULT_DIV:
         lines->push_back(
             "missed: the loop filter; the best row has a bandwidth of up to " +
-            format_short(answer.get_achieved().m_bandwidth_max / HZ_KHZ, KHZ_DECIMALS) +
+            format_short(answer.get_achieved().m_bandwidth_max / HZ_PER_KHZ, KHZ_DECIMALS) +
             " kHz, the PFD allows " +
-            format_short(largest_bandwidth(request, pll) / HZ_KHZ, KHZ_DECIMALS) + " kHz");
+            format_short(largest_bandwidth(request, pll) / HZ_PER_KHZ, KHZ_DECIMALS) + " kHz");
         break;
     case PLL::PLL_NO_ERROR:
     case PLL::PLL_M_N_NOT_FOUND:

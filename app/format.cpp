@@ -6,8 +6,7 @@
 namespace {
 
 constexpr int MHZ_EXPONENT = 6;
-constexpr double PS_MHZ = 1e6;  // MHz = PS_MHZ / ps
-constexpr double HZ_MHZ = 1e6;  // MHz = Hz / HZ_MHZ
+constexpr double HZ_PER_MHZ = 1e6;
 
 // Larger numbers, which only a faulty database holds, take an exponent to fit a column.
 constexpr double LARGEST_FIXED = 1e15;
@@ -85,7 +84,7 @@ std::string format_mhz_number(const RATIONAL& hertz, const RATIONAL& ratio)
 {
     const RATIONAL product = hertz * ratio;
     if (!product.is_valid()) {
-        return format_fixed(hertz.to_double() * ratio.to_double() / HZ_MHZ, MHZ_EXPONENT);
+        return format_fixed(hertz.to_double() * ratio.to_double() / HZ_PER_MHZ, MHZ_EXPONENT);
     }
     const RATIONAL mhz(product.rounded().numerator(), power_of_ten(MHZ_EXPONENT));
     return mhz.to_decimal(MHZ_EXPONENT);

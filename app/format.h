@@ -5,6 +5,10 @@
 
 #include <string>
 
+constexpr double PERCENT = 100.0;
+constexpr double HZ_PER_KHZ = 1e3;
+constexpr double PS_MHZ = 1e6;  // MHz = PS_MHZ / ps
+
 // Fixed decimals, at most 9; an exponent from 1e15 on; "-" for what is not a number or infinite.
 std::string format_fixed(double value, int decimals);
 

@@ -9,16 +9,13 @@ namespace {
 constexpr int KHZ_DECIMALS = 3;
 constexpr int RESULT_DECIMALS = 2;
 constexpr int COMPONENT_DECIMALS = 1;
-constexpr double HZ_PER_KHZ = 1e3;
-constexpr int CUSTOM_BANDWIDTH = 4;
-const char* const BANDWIDTH_NAMES[] = {"high", "medium", "low", "auto"};
 
 std::string name_of_bandwidth(const PLL_PROP& asked)
 {
-    if (asked.m_bandwidth_type == CUSTOM_BANDWIDTH) {
+    if (asked.m_bandwidth_type == BANDWIDTH_CUSTOM) {
         return format_fixed(asked.m_bandwidth / HZ_PER_KHZ, KHZ_DECIMALS);
     }
-    return BANDWIDTH_NAMES[asked.m_bandwidth_type];
+    return BANDWIDTH_WORDS[asked.m_bandwidth_type];
 }
 
 void append_computed(const REQUEST& request, const ANSWER& answer, std::string* text)

@@ -13,7 +13,6 @@
 namespace {
 
 constexpr int PERCENT_DECIMALS = 1;
-constexpr double PERCENT = 100.0;
 constexpr double NEAR = 5.0;       // percent to a limit that count as near
 constexpr double TOLERANCE = 1.0;  // ps, by which the library widens every range
 

@@ -11,7 +11,6 @@ constexpr int KHZ_DECIMALS = 3;
 constexpr int MHZ_DECIMALS = 6;
 constexpr int PERIOD_DECIMALS = 3;
 constexpr int PERCENT_DECIMALS = 4;
-constexpr double PERCENT = 100.0;
 constexpr double PS_KHZ = 1e9;  // kHz = PS_KHZ / ps
 
 const PLL_OUTPUT_TAP& tap_of(const ANSWER& answer, std::size_t output)
@@ -175,7 +174,6 @@ void append_spread(const REQUEST& request, const ANSWER& answer, std::string* te
 
 std::string format_lock_limit(int period)
 {
-    constexpr double PS_MHZ = 1e6;
     return period > 0 ? format_fixed(PS_MHZ / period, MHZ_DECIMALS) : "-";
 }
 

@@ -13,7 +13,6 @@
 
 namespace {
 
-constexpr double HZ_PER_KHZ = 1e3;
 constexpr int KHZ_DECIMALS = 1;
 constexpr int RESULT_DECIMALS = 2;
 constexpr int COST_DECIMALS = 1;

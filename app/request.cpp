@@ -8,26 +8,14 @@
 #include "pll.h"
 #include "pll_info.h"
 
+#include <algorithm>
+#include <iterator>
 #include <limits>
 
 namespace {
 
 constexpr int PS_PER_SECOND_EXPONENT = 12;
 constexpr int PERCENT_EXPONENT = 2;
-constexpr int CUSTOM_BANDWIDTH = 4;
-
-struct BANDWIDTH_WORD
-{
-    const char* m_word;
-    int m_type;
-};
-
-constexpr BANDWIDTH_WORD BANDWIDTH_WORDS[] = {
-    {"high", 0},
-    {"medium", 1},
-    {"low", 2},
-    {"auto", 3},
-};
 
 RATIONAL period_in_ps(const RATIONAL& frequency)
 {
@@ -53,11 +41,11 @@ int round_period(const std::string& argument, const std::string& text, const RAT
 
 void read_bandwidth(const std::string& text, PLL_PROP* prop)
 {
-    for (const BANDWIDTH_WORD& word : BANDWIDTH_WORDS) {
-        if (text == word.m_word) {
-            prop->m_bandwidth_type = word.m_type;
-            return;
-        }
+    const auto* const word =
+        std::find(std::begin(BANDWIDTH_WORDS), std::end(BANDWIDTH_WORDS), text);
+    if (word != std::end(BANDWIDTH_WORDS)) {
+        prop->m_bandwidth_type = static_cast<int>(word - std::begin(BANDWIDTH_WORDS));
+        return;
     }
     const bool is_number = !text.empty() && text.front() >= '.' && text.front() <= '9';
     if (!is_number) {
@@ -65,7 +53,7 @@ void read_bandwidth(const std::string& text, PLL_PROP* prop)
                                              "' is not legal; expected high, medium, low, auto or "
                                              "a frequency such as 1.2MHz");
     }
-    prop->m_bandwidth_type = CUSTOM_BANDWIDTH;
+    prop->m_bandwidth_type = BANDWIDTH_CUSTOM;
     prop->m_bandwidth = read_frequency_in_hertz("--bandwidth", text).to_double();
 }
 

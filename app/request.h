@@ -12,6 +12,19 @@
 class DEVICE;
 class PLL;
 
+// The values of PLL_PROP::m_bandwidth_type.
+enum BANDWIDTH_TYPE
+{
+    BANDWIDTH_HIGH,
+    BANDWIDTH_MEDIUM,
+    BANDWIDTH_LOW,
+    BANDWIDTH_AUTO,
+    BANDWIDTH_CUSTOM
+};
+
+// The words for those but the custom one, which is a frequency.
+inline constexpr const char* BANDWIDTH_WORDS[] = {"high", "medium", "low", "auto"};
+
 // What the command line holds, unread.
 struct REQUEST_WORDS
 {

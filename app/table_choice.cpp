@@ -12,7 +12,6 @@
 
 namespace {
 
-constexpr int BANDWIDTH_AUTO = 3;
 constexpr double HZ_PS = 1e12;  // frequency in Hz x period in ps
 
 // The library's cost of a row: it is asked with a table that holds nothing else. Infinite for a row
