@@ -12,6 +12,7 @@ namespace {
 constexpr double CELLS_PER_ROOT = 2.5;
 constexpr double COLUMNS_PER_SETTING = 4.0;
 constexpr double SURE_SHARE = 1.0 - 1e-9;  // more than the rounding of a sum
+constexpr int FLOATS = 4;                  // in a vector of floats
 
 // Whether no product of a counter and a factor of a request is rounded, so that settings of one
 // ratio have the same counters and errors, to the last digit.
@@ -20,8 +21,6 @@ bool has_exact_products(const SEARCH_LIMITS& limits)
     constexpr int LARGEST_EXACT = 1 << 22;  // times an int it is below 2^53
     return limits.m_m_max <= LARGEST_EXACT && limits.m_n_max <= LARGEST_EXACT;
 }
-
-constexpr int FLOATS = 4;  // in a vector of floats
 
 inline FOUR load(const float* from)
 {
