@@ -114,7 +114,7 @@ bool CANDIDATE_SIEVE::retains(int post_scale, int m, int n, std::int64_t cut_off
     const VERDICT verdict = m_has_phases ? VERDICT::UNSURE : measure(m, n, cut_off, &measured);
     return verdict == VERDICT::MISSED ||
            (verdict == VERDICT::MET &&
-            loses(frequency_cost(measured.m_relative_error, post_scale), n, result));
+            loses(add_frequency_cost(measured.m_relative_error, post_scale, 0.0), n, result));
 }
 
 bool CANDIDATE_SIEVE::tells(int post_scale, int m, int n, std::int64_t cut_off,
@@ -126,7 +126,7 @@ bool CANDIDATE_SIEVE::tells(int post_scale, int m, int n, std::int64_t cut_off,
         return verdict == VERDICT::MISSED;
     }
     double achieved[PLL_MAX_TAPS];
-    double cost = frequency_cost(measured.m_relative_error, post_scale);
+    double cost = add_frequency_cost(measured.m_relative_error, post_scale, 0.0);
     for (int i = 0; i < m_limits.m_taps_count; ++i) {
         const int max_start = measured.m_counts[i] == 1 ? 1 : m_pll.m_taps[i].m_max_count;
         achieved[i] = achieved_phase(m_request.m_taps[i], m, n, max_start);

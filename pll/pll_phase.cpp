@@ -221,12 +221,8 @@ void PHASE_PLACING::place(int index)
 
 double achieved_phase(const PLL_USER_TAP& wish, int m, int n, int max_start)
 {
-    PHASE_FRAME frame{};
-    frame.m_m = m;
-    frame.m_m_count = m;
-    frame.m_n = n;
-    frame.m_ordinary = true;
-    return input_degrees(n, m, choose_tap_and_start(wish, frame, max_start).vco_degrees());
+    const double target = double(m) * wish.m_phase / n;
+    return input_degrees(n, m, nearest_tap_and_start(target, max_start).vco_degrees());
 }
 
 void tell_phase(const PLL_USER_TAP& wish, double ratio, double phase, PLL_OUTPUT_TAP* output)

@@ -14,21 +14,10 @@
 
 namespace {
 
-constexpr double NEARLY_MET_PENALTY = 8192.0;
-constexpr double NEARLY_MET_UNIT = 0.001;
-constexpr double POST_SCALE_PENALTY = 65536;
 constexpr double PREFERRED_M_PENALTY = 5.0;
 constexpr double RATIO_LIMIT_PENALTY = 32768.0;
 constexpr double EVEN_M_ADVANTAGE = 200.0;  // ps of VCO deviation
 constexpr int LARGE_M = 40;                 // beyond it a loop is noisier
-
-double add_frequency_cost(double relative_error, int post_scale, double cost)
-{
-    if (relative_error > DBL_EPSILON) {
-        cost += relative_error / NEARLY_MET_UNIT + NEARLY_MET_PENALTY;
-    }
-    return cost + (post_scale - 1) * POST_SCALE_PENALTY;
-}
 
 // One rounding for every penalty: costs are compared to the last digit.
 void add_penalty_if(bool outside, double* cost)
@@ -101,11 +90,6 @@ int effective_feedback_division(const PLL& pll)
         division = wrap_mul(division, PLL_UTIL::get_tap_count(&pll, pll.m_feedback_tap));
     }
     return division;
-}
-
-double frequency_cost(double relative_error, int post_scale)
-{
-    return add_frequency_cost(relative_error, post_scale, 0.0);
 }
 
 bool RANKING::offer(PLL* candidate, CANDIDATE_SCORE* score, SEARCH_RESULT* result)

@@ -5,6 +5,7 @@
 
 #include "pll_arith.h"
 
+#include <cfloat>
 #include <cmath>
 
 // What one candidate measures while its output counters are assigned.
@@ -103,4 +104,16 @@ inline void charge_impossible_counter(int excess, CANDIDATE_SCORE* score)
         score->m_clamped = true;
     }
     score->m_error += excess;
+}
+
+// Adds to `cost` what outputs that are only nearly met and the post-scale cost a candidate. The sum
+// never falls when an error grows.
+inline double add_frequency_cost(double relative_error, int post_scale, double cost)
+{
+    constexpr double NEARLY_MET_PENALTY = 8192.0;
+    constexpr double POST_SCALE_PENALTY = 65536;
+    if (relative_error > DBL_EPSILON) {
+        cost += relative_error / MET_RELATIVE + NEARLY_MET_PENALTY;
+    }
+    return cost + (post_scale - 1) * POST_SCALE_PENALTY;
 }

@@ -145,10 +145,6 @@ int find_cascade(const PLL& pll, int count, int max_count, int source_index);
 // The next and previous values that are carried from candidate to candidate.
 void copy_carried_values(const PLL_OUTPUT_TAP& from, PLL_OUTPUT_TAP* to);
 
-// What post-scale and outputs that are nearly met cost a candidate. It never falls when the error
-// grows.
-double frequency_cost(double relative_error, int post_scale);
-
 // Costs `candidate`, whose counters stand, and keeps it in `result` when it beats the best.
 class RANKING
 {

@@ -33,13 +33,12 @@ inline void check_vco_tap(int vco_tap)
 inline TAP_AND_START nearest_tap_and_start(double phase, int max_start)
 {
     constexpr double HALF = 0.5;
-    constexpr double HALF_TAP = 22.5;
     constexpr double LARGEST_PHASE = 2147483647.0;
     const double p = std::min(phase, LARGEST_PHASE);  // lets a NaN through
     int start = std::min(truncate_to_int(p + HALF) / DEGREES_PER_VCO_PERIOD + 1, max_start);
     const int whole_periods = TAP_AND_START{0, start}.vco_degrees();
     const int rest = truncate_to_int(p - whole_periods) % DEGREES_PER_VCO_PERIOD;
-    int tap = truncate_to_int((rest + HALF_TAP) / DEGREES_PER_VCO_TAP);
+    int tap = (2 * rest + DEGREES_PER_VCO_TAP) / (2 * DEGREES_PER_VCO_TAP);  // the nearest
     if (tap > PLL_VCO_TAPS_NUMBER - 1) {
         if (start < max_start) {
             tap -= PLL_VCO_TAPS_NUMBER;
