@@ -38,6 +38,13 @@ void write_error(const char* message)
     std::fprintf(stderr, "pllcalc: %s\n", make_visible(message).c_str());
 }
 
+void write_errors(const std::vector<std::string>& messages)
+{
+    for (const std::string& message : messages) {
+        write_error(message.c_str());
+    }
+}
+
 EXIT_STATUS list_ratios(const COMMAND_LINE& line, std::string* text)
 {
     if (!line.m_request.m_in) {
@@ -57,9 +64,7 @@ EXIT_STATUS list_devices(const COMMAND_LINE& line, std::string* text)
 {
     std::vector<std::string> failures;
     *text = report_devices(line.m_device, line.m_list_form, &failures);
-    for (const std::string& failure : failures) {
-        write_error(failure.c_str());
-    }
+    write_errors(failures);
     return failures.empty() ? STATUS_MET : STATUS_IO_FAILED;
 }
 
@@ -74,12 +79,28 @@ bool has_request(const REQUEST_WORDS& words)
     return !(words == REQUEST_WORDS());
 }
 
+// The lines of a reason as one: "missed: output 1, ...; it is the feedback".
+std::string join_lines(std::string text)
+{
+    const std::string LINE_BREAK = "\n  ";
+    for (std::size_t at = text.find(LINE_BREAK); at != std::string::npos;
+         at = text.find(LINE_BREAK, at)) {
+        text.replace(at, LINE_BREAK.size(), "; ");
+    }
+    return text;
+}
+
 EXIT_STATUS choose_row(const COMMAND_LINE& line, std::string* text)
 {
     const std::unique_ptr<DEVICE> device = require_device(line.m_device);
     const REQUEST request = read_request(line.m_request, device.get());
     const ANSWER answer(request);
     *text = report_choices(request, answer, line.m_list_form);
+    if (line.m_list_form != LIST_FORM::TABLE) {
+        for (const std::string& reason : explain_miss(request, answer)) {
+            write_error(join_lines(reason).c_str());
+        }
+    }
     return answer.is_met() ? STATUS_MET : STATUS_NOT_MET;
 }
 
@@ -99,9 +120,7 @@ EXIT_STATUS show_table(const COMMAND_LINE& line, std::string* text)
     std::vector<std::string> findings;
     *text = report_table(*device, effective_m, line.m_list_form, &findings);
     if (line.m_list_form != LIST_FORM::TABLE) {
-        for (const std::string& finding : findings) {
-            write_error(finding.c_str());
-        }
+        write_errors(findings);
     }
     return findings.empty() ? STATUS_MET : STATUS_NOT_MET;
 }

@@ -332,6 +332,20 @@ TEST(CliTable, InfiniteNumbersAreNullInJsonAndNarrowInTables)
     }
 }
 
+TEST(CliTable, ListsForProgramsComeWithTheReasonsOfAMiss)
+{
+    const std::string words = "table --database @DATA@/sample --family Chervil --in 100MHz "
+                              "--out 700MHz --out 300MHz --feedback 2 --format ";
+    for (const std::string form : {"csv", "json"}) {
+        const RUN run = run_pllcalc(words + form);
+        EXPECT_EQ(1, run.m_status);
+        EXPECT_EQ(0U, run.m_errors.find("pllcalc: error 4: Division and Multiplication cannot be "
+                                        "achieved\npllcalc: missed: output "))
+            << run.m_errors;
+        EXPECT_NE(std::string::npos, run.m_errors.find("; it is the feedback\n")) << run.m_errors;
+    }
+}
+
 TEST(CliTable, FitsAHundredColumnsWhateverTheRowsCost)
 {
     for (const std::string input : {"10MHz", "27MHz", "50MHz", "200MHz"}) {
