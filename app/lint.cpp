@@ -87,8 +87,10 @@ void lint_family_file(const std::filesystem::path& file, LINT_OBSERVER* observer
     }
 }
 
-void lint_table_file(const std::string& file, LINT_OBSERVER* observer)
+void lint_table_file(const std::filesystem::path& file, LINT_OBSERVER* observer)
 {
+    // With its directory, a name is never the word that says that there is no table.
+    const std::filesystem::path name = file.has_parent_path() ? file : "." / file;
     PLL_MANAGER manager;
     PLL_FAMILY_INFO* const family = manager.create_family_info("");
     if (family == nullptr) {
@@ -97,7 +99,7 @@ void lint_table_file(const std::string& file, LINT_OBSERVER* observer)
     PLL_BASIC_INFO& basic = family->m_basic_infos[ENHANCED_PLL];
     basic.m_vco_post_scale_counter_max = 1;
     basic.m_m_counter_max = LARGEST_M_OF_LONE_TABLE;
-    pll_observe_bandwidth_settings_table_file(family, ENHANCED_PLL, file.c_str(), observer);
+    pll_observe_bandwidth_settings_table_file(family, ENHANCED_PLL, name.c_str(), observer);
 }
 
 std::vector<std::string> words_of(const std::string& line)

@@ -25,8 +25,6 @@
 
 namespace {
 
-const char UNUSED_TABLE_FILE[] = "unused";
-
 typedef MEM_ALLOCATOR<PLL_TYPE_BANDWIDTH_FILE_NAME*> TABLE_FILE_ALLOCATOR;
 
 }  // namespace

@@ -159,6 +159,9 @@ std::span<const PLL_KEYWORD> get_keywords();
 // The keyword `name`, whatever its case; null when there is none.
 const PLL_KEYWORD* find_keyword(const char* name);
 
+// Ends a list of counters before its line does.
+inline constexpr char END_OF_LIST[] = "end";
+
 // Reads operands from the rest of a line; false when they are missing or malformed.
 bool read_operands(const PLL_MANAGER& manager, PLL_OPERAND_KIND kind, char* line,
                    PLL_OPERANDS* operands);

@@ -11,7 +11,6 @@
 
 namespace {
 
-const char END_OF_LIST[] = "end";
 const char QUOTE = '"';
 const int DECIMAL = 10;
 

@@ -28,7 +28,6 @@
 
 namespace {
 
-const char UNUSED_TABLE_FILE[] = "unused";
 const int WORD_SIZE = 1024;  // characters of the format word, with the NUL
 const char WORD_END = ' ';
 const std::int64_t MAX_GROUPS = 4194304;

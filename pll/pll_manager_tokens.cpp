@@ -21,7 +21,6 @@ namespace {
 const char WHITESPACES[] = " \t\n\r";
 const char QUOTES[] = "\"";
 const char COMMENT = '#';
-const char END_OF_LIST[] = "end";
 const int DECIMAL = 10;
 
 const char* const PLL_TYPE_STRINGS[] = {"ENHANCED_PLL", "FAST_PLL", "FAST_PLL_HIGH_SPEED",

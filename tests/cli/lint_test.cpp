@@ -219,6 +219,16 @@ TEST_F(Lint, TakesAFileForWhatItHolds)
               messages("family", {"--as", "table"}).find("[table-without-rows]"));
 }
 
+// In a family file that name would say that there is no table.
+TEST_F(Lint, ReadsATableFileThatIsCalledUnused)
+{
+    write("unused", "no table\n");
+    const RUN run = run_program(
+        "/bin/sh", {"-c", "cd " + m_directory.path() + " && " PLLCALC " lint unused --as table"});
+    EXPECT_EQ(3, run.m_status);
+    EXPECT_EQ(0U, run.m_output.find("unused:")) << run.m_output;
+}
+
 TEST_F(Lint, TellsTheSameOfASharedFileOnce)
 {
     write("ddb_pll_path.txt", "A . a.txt\nB . b.txt\n");
