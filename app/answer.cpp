@@ -13,14 +13,24 @@ RATIONAL relative_error(const RATIONAL& achieved, const RATIONAL& asked)
 // Where a VCO ratio is asked for, the library scores that in the place of the output. An output in
 // the feedback that leaves a rest makes the VCO another one, so others may come out exact by
 // chance.
-bool is_missed(const REQUEST& request, const PLL_OUTPUT_TAP& tap, const RATIONAL& error)
+bool is_missed(const REQUEST& request, const PLL& pll, std::size_t output, const RATIONAL& error)
 {
     const RATIONAL MET(1, 1000);
-    const bool is_scored = request.m_prop.m_vco_mult < 1 || !error.is_valid();
-    return is_scored ? !tap.m_score && !(error == RATIONAL()) : !(error.magnitude() < MET);
+    const PLL_OUTPUT_TAP& tap = pll.m_taps[output];
+    if (request.m_prop.m_vco_mult >= 1 && error.is_valid()) {
+        return !(error.magnitude() < MET);
+    }
+    const bool is_fed_back = static_cast<int>(output) == pll.m_feedback_tap;
+    const bool is_exact = error == RATIONAL() && !is_fed_back && !is_at_largest_count(tap);
+    return !tap.m_score && !is_exact;
 }
 
 }  // namespace
+
+bool is_at_largest_count(const PLL_OUTPUT_TAP& tap)
+{
+    return tap.m_high >= tap.m_max_count || tap.m_low >= tap.m_max_count;
+}
 
 // A search that could try none leaves the phases no neighbours. Its error is not asked for: a later
 // check may have put its own in the place.
@@ -46,7 +56,7 @@ ANSWER::ANSWER(const REQUEST& request)
         const bool outside = request.m_tolerance && result.m_error.is_valid() &&
                              *request.m_tolerance < result.m_error.magnitude();
         result.m_missed =
-            outside || (!m_library_met && is_missed(request, m_pll.m_taps[i], result.m_error));
+            outside || (!m_library_met && is_missed(request, m_pll, i, result.m_error));
         m_within_tolerance = m_within_tolerance && !outside;
         m_outputs.push_back(result);
     }

@@ -31,6 +31,9 @@ struct OUTPUT_RESULT
 // Whether the last synthesis of a PLL, which failed, could try any M and N.
 bool has_candidate(const PLL& pll);
 
+// Whether a counter can count no further.
+bool is_at_largest_count(const PLL_OUTPUT_TAP& tap);
+
 class ANSWER
 {
 public:

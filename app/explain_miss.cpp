@@ -122,11 +122,15 @@ void explain_missed_outputs(const REQUEST& request, const ANSWER& answer, LINES*
         }
         const PLL_OUTPUT_TAP& tap = answer.get_pll().m_taps[i];
         const RATIONAL input = request.m_input.m_frequency;
-        std::string line = "missed: output " + std::to_string(i + 1) + ", closest " +
-                           format_mhz_short(input, output.m_ratio) + " MHz instead of " +
-                           format_mhz_short(input, request.m_outputs[i].m_ratio) + " MHz, " +
-                           format_error(output.m_error);
-        if (tap.m_high >= tap.m_max_count || tap.m_low >= tap.m_max_count) {
+        const std::string asked = format_mhz_short(input, request.m_outputs[i].m_ratio) + " MHz";
+        std::string line = "missed: output " + std::to_string(i + 1);
+        if (output.m_error == RATIONAL()) {
+            line += ", whose counter does not fit the division that gives " + asked;
+        } else {
+            line += ", closest " + format_mhz_short(input, output.m_ratio) + " MHz instead of " +
+                    asked + ", " + format_error(output.m_error);
+        }
+        if (is_at_largest_count(tap)) {
             line += "\n  its counter is at its largest count";
         }
         if (static_cast<int>(i) == request.m_prop.m_feedback_tap) {

@@ -208,6 +208,22 @@ TEST(CliDevice, FamilyWithoutPartsIsNoQuestionOfTheType)
     }
 }
 
+// M / 15 x 15 would serve, but the counter ends at 14, which the feedback makes up for.
+TEST(CliDevice, CounterThatIsTooShortIsNamedThoughTheFeedbackMakesUpForIt)
+{
+    std::string family = OWN_FAMILY;
+    family.replace(family.find("high_low_max 32"), std::string("high_low_max 32").size(),
+                   "high_low_max 7");
+    const OWN_DATABASE database(family);
+    const RUN run = database.run("synth", " --in 27MHz --out ratio=1 --feedback 1");
+    EXPECT_EQ(1, run.m_status);
+    EXPECT_NE(std::string::npos,
+              run.m_output.find("missed: output 1, whose counter does not fit the division that "
+                                "gives 27 MHz\n  its counter is at its largest count\n"
+                                "  it is the feedback\n"))
+        << run.m_output;
+}
+
 TEST(CliDevice, InternalErrorThatADatabaseCausesSendsToLint)
 {
     std::string family = OWN_FAMILY;
