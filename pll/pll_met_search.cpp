@@ -48,16 +48,26 @@ void MET_SEARCH::search(int post_scale, const REGION& region)
     }
 }
 
-// Walks over the rows of M or over the columns of N, whichever are fewer.
+// Walks over the rows of M or over the columns of N, whichever are fewer. Columns with more than
+// can be put in order at once are walked over in halves.
 void MET_SEARCH::search_block(const WORK& work, M_RANGE block)
 {
     const RATIO_RANGE ratios = work.m_region.ratios();
     const std::int64_t columns = work.m_region.n_between(ratios, block.m_last).m_last -
                                  work.m_region.n_between(ratios, block.m_first).m_first + 1;
-    if (columns < block.m_last - block.m_first + 1 && gather(work, block)) {
+    if (columns > block.m_last - block.m_first) {
+        visit_rows(work, block);
+    } else if (gather(work, block)) {
         visit_gathered(work);
-        return;
+    } else {
+        const std::int64_t middle = block.m_first + (block.m_last - block.m_first) / 2;
+        search_block(work, {block.m_first, middle});
+        search_block(work, {middle + 1, block.m_last});
     }
+}
+
+void MET_SEARCH::visit_rows(const WORK& work, M_RANGE block)
+{
     for (std::int64_t m = block.m_first; m <= block.m_last && !m_evaluation->is_cut_off(m); ++m) {
         visit_row(work, m);
     }

@@ -26,6 +26,7 @@ private:
     };
 
     void search_block(const WORK& work, M_RANGE block);
+    void visit_rows(const WORK& work, M_RANGE block);
     bool gather(const WORK& work, M_RANGE block);
     bool add_column(M_RANGE column, std::int64_t n);
     void visit_gathered(const WORK& work);

@@ -238,15 +238,18 @@ void NEAREST_SEARCH::wait(const REGION& region, int m, int n)
 
 void NEAREST_SEARCH::sum_waiting(const REGION& region)
 {
-    double sums[LANES];
     if (m_waiting_count == LANES) {
+        double sums[LANES];
         m_sum.of(m_waiting, sums);
-    }
-    for (int i = 0; i < m_waiting_count; ++i) {
-        const int m = m_waiting.m_m[i];
-        const int n = m_waiting.m_n[i];
-        const double sum = m_waiting_count == LANES ? sums[i] : m_sum.of(m, n, m_best.m_error);
-        take_if_best(region, m, n, sum);
+        for (int i = 0; i < LANES; ++i) {
+            take_if_best(region, m_waiting.m_m[i], m_waiting.m_n[i], sums[i]);
+        }
+    } else {
+        for (int i = 0; i < m_waiting_count; ++i) {
+            const int m = m_waiting.m_m[i];
+            const int n = m_waiting.m_n[i];
+            take_if_best(region, m, n, m_sum.of(m, n, m_best.m_error));
+        }
     }
     m_waiting_count = 0;
 }

@@ -11,15 +11,15 @@
 #include "pll_nearest_search.h"
 #include "pll_region.h"
 
+#include <algorithm>
 #include <cfloat>
 #include <cmath>
 #include <optional>
 
 namespace {
 
-constexpr double LARGEST_QUOTIENT = 1e9;   // of M / N and an output's ratio
-constexpr int LARGEST_COUNT = 0x3FFFFFFF;  // twice of it is an int
-constexpr double LARGEST_PHASE = 1e9;      // degrees
+constexpr double LARGEST_QUOTIENT = 1e9;  // of M / N and an output's ratio
+constexpr double LARGEST_PHASE = 1e9;     // degrees
 
 bool is_ordinary(double phase)
 {
@@ -27,10 +27,10 @@ bool is_ordinary(double phase)
 }
 
 // Whether ratio errors behave: they have no negative terms and are far from every overflow.
-bool is_ordinary(const PLL_USER_TAP& wish, int max_count, int m_max)
+bool is_ordinary(const PLL_USER_TAP& wish, int max_count, double largest_ratio)
 {
-    return wish.m_mult >= 1 && wish.m_div >= 1 && 0 <= max_count && max_count <= LARGEST_COUNT &&
-           double(m_max) * wish.m_div / wish.m_mult < LARGEST_QUOTIENT &&
+    return wish.m_mult >= 1 && wish.m_div >= 1 && 0 <= max_count &&
+           largest_ratio * wish.m_div / wish.m_mult < LARGEST_QUOTIENT &&
            is_ordinary(wish.m_phase) && is_ordinary(wish.m_sclkout_phase);
 }
 
@@ -67,21 +67,6 @@ bool has_finite_costs(const PLL& pll, const SEARCH_LIMITS& limits)
            (!limits.m_wish.m_table_mode || has_ordinary_rows(*pll.m_info.m_basic_info));
 }
 
-// Whether the products that a custom bandwidth asks for grow with M.
-bool has_ordinary_bandwidth(const PLL& pll, const SEARCH_LIMITS& limits)
-{
-    if (!limits.m_wish.is_custom()) {
-        return true;
-    }
-    const double bandwidth = limits.m_wish.m_bandwidth;
-    bool ordinary = bandwidth > 0.0 && bandwidth <= DBL_MAX && limits.m_first_resistor > 0;
-    for (int post_scale = 1; post_scale <= limits.m_max_post_scale; ++post_scale) {
-        const double gain = pll.get_kvco(post_scale);
-        ordinary = ordinary && gain > 0.0 && gain <= DBL_MAX;
-    }
-    return ordinary;
-}
-
 // Whether counters that only cascades use are never looked at: what they hold is left behind by
 // other candidates, missed ones included.
 bool has_ordinary_cascades(const PLL& pll, const PLL_PROP& request, const SEARCH_LIMITS& limits)
@@ -89,19 +74,35 @@ bool has_ordinary_cascades(const PLL& pll, const PLL_PROP& request, const SEARCH
     return request.m_taps_count == limits.m_taps_count && pll.m_feedback_tap < limits.m_taps_count;
 }
 
-bool is_ordinary(const PLL& pll, const PLL_PROP& request, const SEARCH_LIMITS& limits)
+bool has_ordinary_limits(const PLL& pll, const PLL_PROP& request, const SEARCH_LIMITS& limits)
 {
-    bool ordinary = limits.m_fin_period > 0 && limits.m_n_min >= 1 &&
-                    has_ordinary_bandwidth(pll, limits) && has_finite_costs(pll, limits) &&
-                    (!limits.m_may_cascade || has_ordinary_cascades(pll, request, limits));
-    for (int i = 0; i < limits.m_taps_count; ++i) {
-        ordinary =
-            ordinary && is_ordinary(request.m_taps[i], pll.m_taps[i].m_max_count, limits.m_m_max);
-    }
-    return ordinary;
+    return REGION::can_tell(pll, limits) && has_finite_costs(pll, limits) &&
+           (!limits.m_may_cascade || has_ordinary_cascades(pll, request, limits));
 }
 
 using REGIONS = std::optional<REGION>[PLL_VCO_POST_SCALE_MAX + 1];
+
+// Of M to N, of all that can be legal; 0 when nothing can.
+double largest_ratio(const REGIONS& regions)
+{
+    double largest = 0.0;
+    for (const std::optional<REGION>& region : regions) {
+        if (region && !region->is_empty()) {
+            largest = std::max(largest, region->ratios().m_high);
+        }
+    }
+    return largest;
+}
+
+bool has_ordinary_wishes(const PLL& pll, const PLL_PROP& request, int count, double largest_ratio)
+{
+    for (int i = 0; i < count; ++i) {
+        if (!is_ordinary(request.m_taps[i], pll.m_taps[i].m_max_count, largest_ratio)) {
+            return false;
+        }
+    }
+    return true;
+}
 
 // Evaluates the candidate that misses least. Returns false when there is none at all.
 bool search_nearest(const REGIONS& regions, EVALUATION* evaluation)
@@ -126,12 +127,15 @@ bool search_by_ratio(EVALUATION* evaluation)
     const PLL& pll = evaluation->pll();
     const PLL_PROP& request = evaluation->request();
     const SEARCH_LIMITS& limits = evaluation->limits();
-    if (!is_ordinary(pll, request, limits)) {
+    if (!has_ordinary_limits(pll, request, limits)) {
         return false;
     }
     REGIONS regions;
     for (int post_scale = 1; post_scale <= limits.m_max_post_scale; ++post_scale) {
         regions[post_scale].emplace(pll, limits, post_scale);
+    }
+    if (!has_ordinary_wishes(pll, request, limits.m_taps_count, largest_ratio(regions))) {
+        return false;
     }
     MET_SEARCH met(evaluation);
     CASCADE_TRACES traces(*evaluation);

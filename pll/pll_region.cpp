@@ -4,6 +4,7 @@
 #include "pll_arith.h"
 #include "pll_search.h"
 
+#include <cfloat>
 #include <cmath>
 
 namespace {
@@ -22,6 +23,21 @@ std::int64_t first_m_of(const SEARCH_LIMITS& limits)
     return first_that_holds(SMALLEST_M, limits.m_m_max, 1.0 / spread, [&](std::int64_t m) {
         return truncate_to_int(double(m) * spread) > 0;
     });
+}
+
+bool REGION::can_tell(const PLL& pll, const SEARCH_LIMITS& limits)
+{
+    bool ordinary = limits.m_fin_period > 0 && limits.m_n_min >= 1;
+    if (limits.m_wish.is_custom()) {
+        const double bandwidth = limits.m_wish.m_bandwidth;
+        ordinary =
+            ordinary && bandwidth > 0.0 && bandwidth <= DBL_MAX && limits.m_first_resistor > 0;
+        for (int post_scale = 1; post_scale <= limits.m_max_post_scale; ++post_scale) {
+            const double gain = pll.get_kvco(post_scale);
+            ordinary = ordinary && gain > 0.0 && gain <= DBL_MAX;
+        }
+    }
+    return ordinary;
 }
 
 REGION::REGION(const PLL& pll, const SEARCH_LIMITS& limits, int post_scale)

@@ -45,12 +45,15 @@ inline std::int64_t ceil_to_count(double value)
 // The smallest M of a search: down spread must be able to change it by a whole count.
 std::int64_t first_m_of(const SEARCH_LIMITS& limits);
 
-// What the limits leave of one post-scale, for a positive input period and a positive minimum of N.
-// Every legal setting has its M, N and ratio in the ranges; what is in the ranges is legal when
-// is_legal says so.
+// What the limits leave of one post-scale, where it can be told. Every legal setting has its M, N
+// and ratio in the ranges; what is in the ranges is legal when is_legal says so.
 class REGION
 {
 public:
+    // Whether input period and minimum of N are positive, and the products that a custom bandwidth
+    // asks for grow with M.
+    static bool can_tell(const PLL& pll, const SEARCH_LIMITS& limits);
+
     REGION(const PLL& pll, const SEARCH_LIMITS& limits, int post_scale);
 
     bool is_empty() const { return m_m.is_empty() || m_n.is_empty() || m_ratios.is_empty(); }

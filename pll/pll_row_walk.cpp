@@ -29,6 +29,8 @@ public:
     void walk_post_scale(int post_scale);
 
 private:
+    M_RANGE legal_rows() const;
+    bool is_miss_settled() const;
     ROW_PERIODS row_periods(int fin_period, std::int64_t m) const;
     bool is_feasible(int m) const;
     bool is_past_the_end(const ROW_PERIODS& periods, const ROW& row) const;
@@ -74,8 +76,16 @@ void ROW_WALK::walk_post_scale(int post_scale)
     if (all.is_empty()) {
         return;
     }
-    for (std::int64_t m = first_m_of(m_limits);
-         m <= m_limits.m_m_max && !m_evaluation->is_cut_off(m); ++m) {
+    const M_RANGE legal = legal_rows();
+    std::int64_t last = m_limits.m_m_max;
+    for (std::int64_t m = first_m_of(m_limits); m <= last && !m_evaluation->is_cut_off(m); ++m) {
+        if (is_miss_settled()) {
+            m = std::max(m, legal.m_first);
+            last = legal.m_last;
+            if (m > last) {
+                break;
+            }
+        }
         const ROW_PERIODS periods = row_periods(m_limits.m_fin_period, m);
         const ROW row = m_limits.m_fin_period > 0 ? split_growing_row(periods, all)
                                                   : split_falling_row(periods, all);
@@ -84,6 +94,27 @@ void ROW_WALK::walk_post_scale(int post_scale)
             break;
         }
     }
+}
+
+// The rows that can hold a candidate; all where that cannot be told.
+M_RANGE ROW_WALK::legal_rows() const
+{
+    const std::int64_t first = first_m_of(m_limits);
+    if (!REGION::can_tell(m_pll, m_limits)) {
+        return {first, m_limits.m_m_max};
+    }
+    const REGION region(m_pll, m_limits, m_post_scale);
+    return region.is_empty() ? M_RANGE{first, first - 1} : region.m_range();
+}
+
+// Whether no pair can be a closer miss. Between limits that cross, the whole picoseconds over one
+// and under the other add up to their distance or to one less; around 0 they may be too many for an
+// int.
+bool ROW_WALK::is_miss_settled() const
+{
+    const double least = std::max(m_vco.m_min - m_vco.m_max - 1.0, 0.0);
+    const bool is_countable = m_vco.m_min <= m_vco.m_max || m_vco.m_max >= 0.0;
+    return m_result.m_found || (is_countable && m_result.m_miss.m_distance <= least);
 }
 
 // True when every N that later rows visit makes a VCO that is too fast, and faster from row to row:
