@@ -156,7 +156,7 @@ int GENERATOR::pick_count(int tap)
 {
     const int max_count = m_pll.m_taps[tap].m_max_count;
     if (is(CASE_KIND::CROWD)) {
-        return m_random.between(100, max_count);
+        return m_random.between(100, std::max(100, max_count));
     }
     if (m_random.chance(10)) {
         return 1;
