@@ -5,10 +5,12 @@
 #include "pll_search.h"
 
 #include <cmath>
+#include <cstdint>
 
 class FEEDBACK_REST
 {
 public:
+    // The limits must outlive the object.
     FEEDBACK_REST(const PLL& pll, const SEARCH_LIMITS& limits)
         : m_wish(0 <= pll.m_feedback_tap && pll.m_feedback_tap < limits.m_taps_count
                      ? &limits.m_wishes[pll.m_feedback_tap]
@@ -26,6 +28,14 @@ public:
         const double count = counter_of(vco);
         const double rest = vco.m_m - round_to_whole(vco.m_m / count) * count;
         return rest < 0.0 ? rest + count : rest;
+    }
+
+    // Whether something is left over of every M above 1 as long as N is not above `largest_n`: all
+    // of M, by a counter that is larger.
+    bool is_never_0(std::int64_t largest_n) const
+    {
+        constexpr double ROOM = 1.5;  // for the half that rounds a counter down
+        return m_wish != nullptr && m_wish->m_inverse > ROOM * double(largest_n);
     }
 
 private:

@@ -1,5 +1,7 @@
 #include "pll_met_search.h"
 
+#include "pll_feedback_rest.h"
+
 #include <algorithm>
 
 namespace {
@@ -34,6 +36,10 @@ void MET_SEARCH::search(int post_scale, const REGION& region)
         return;
     }
     const PLL& pll = m_evaluation->pll();
+    const FEEDBACK_REST rest(pll, m_evaluation->limits());
+    if (rest.is_never_0(region.n_range().m_last)) {
+        return;
+    }
     const MET_RATIOS ratios(pll, m_evaluation->limits(), region.ratios());
     if (ratios.count() == 0) {
         return;

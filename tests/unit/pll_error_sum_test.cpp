@@ -137,6 +137,32 @@ TEST(FeedbackRest, IsWhatTheFeedbackOutputLeavesOver)
     EXPECT_EQ(0.0, FEEDBACK_REST(pll, limits).of(8, 4));
 }
 
+TEST(FeedbackRest, IsAllOfEveryMWhereTheCounterIsLarger)
+{
+    int never_0 = 0;
+    for (int div = 1; div < 60; ++div) {
+        PLL_PROP request(1);
+        request.m_taps[0].m_mult = 2;
+        request.m_taps[0].m_div = div;
+        PLL pll(1, PLL_MAX_TAPS);
+        pll.m_feedback_tap = 0;
+        const SEARCH_LIMITS limits = read_search_limits(pll, request);
+        const FEEDBACK_REST rest(pll, limits);
+        for (int n = 1; n < 20 && rest.is_never_0(n); ++n) {
+            ++never_0;
+            for (int m = 2; m < 50; ++m) {
+                EXPECT_EQ(m, rest.of(m, n)) << m << " / " << n << ", " << div;
+            }
+        }
+    }
+    EXPECT_GT(never_0, 100);
+    PLL_PROP request(1);
+    request.m_taps[0].m_div = 1000;
+    PLL pll(1, PLL_MAX_TAPS);
+    const SEARCH_LIMITS limits = read_search_limits(pll, request);
+    EXPECT_FALSE(FEEDBACK_REST(pll, limits).is_never_0(1));
+}
+
 TEST(FeedbackRest, IsThatOfTheCounter)
 {
     RANDOM_RATIOS random(27);
