@@ -8,6 +8,8 @@
 
 namespace {
 
+constexpr double BELOW_MIDDLE = 0.75;  // of a count of 1, as all below
+
 // What clamping the halves of a counter, or forcing it to bypass, costs.
 void add_impossible_counter_error(int count, int max_count, CANDIDATE_SCORE* score)
 {
@@ -56,7 +58,6 @@ double missed_error(const VCO_RATIO& vco, int count, const RATIO_WISH& wish)
 ERROR_SUM::ERROR_SUM(const PLL& pll, const SEARCH_LIMITS& limits) : m_pll(pll), m_limits(limits)
 {
     constexpr double ROOM = 1e-9;  // for the rounding of the exact comparison
-    constexpr double BELOW_MIDDLE = 0.75;
     for (int i = 0; i < limits.m_taps_count; ++i) {
         const RATIO_WISH& wish = limits.m_wishes[i];
         const double met = MET_RELATIVE * wish.m_ratio;
@@ -66,7 +67,21 @@ ERROR_SUM::ERROR_SUM(const PLL& pll, const SEARCH_LIMITS& limits) : m_pll(pll), 
                         both(BELOW_MIDDLE),
                         both(met * (1.0 - ROOM)),
                         both(std::max(met, EXACT_RATIO) * (1.0 + ROOM)),
-                        both(max_count == 1 ? 1.0 : 2.0 * max_count)};
+                        both(max_count == 1 ? 1.0 : 2.0 * max_count),
+                        false};
+    }
+}
+
+// Below the middle a counter passes the VCO on, which misses what is wished for by a quarter or
+// more.
+void ERROR_SUM::expect_ratios_up_to(double largest)
+{
+    constexpr double SMALLEST_SURE_RATIO = 1e-8;  // below it errors may count as rounding
+    for (int i = 0; i < m_limits.m_taps_count; ++i) {
+        const RATIO_WISH& wish = m_limits.m_wishes[i];
+        m_outputs[i].m_is_bypassed = largest <= BELOW_MIDDLE * wish.m_ratio &&
+                                     wish.m_ratio > SMALLEST_SURE_RATIO &&
+                                     m_pll.m_taps[i].m_max_count > 0;
     }
 }
 
@@ -119,6 +134,11 @@ public:
     // another count, an error to another verdict, or a counter is too small, only it can tell.
     void add(const OUTPUT& output, bool is_feedback)
     {
+        if (output.m_is_bypassed) {
+            m_sum += distance(m_ratio, output.m_ratio);
+            m_sum += m_vco_error;
+            return;
+        }
         const TWO quotient = larger(m_ratio * output.m_inverse, output.m_least);
         const TWO count = round_to_whole(quotient);
         m_farthest = larger(m_farthest, distance(quotient, count));

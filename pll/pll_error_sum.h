@@ -23,7 +23,11 @@ public:
     // it grows from output to output and never shrinks.
     double of(int m, int n, double limit) const;
 
-    // The same for all settings, without a limit.
+    // Limits the ratios of settings that are summed together from now on; at first there is no
+    // limit.
+    void expect_ratios_up_to(double largest);
+
+    // The same for all settings, without a limit on the sums.
     void of(const SETTINGS& settings, double (&sums)[LANES]) const;
 
 private:
@@ -38,6 +42,7 @@ private:
         TWO m_surely_met;     // an error below it is not counted
         TWO m_surely_missed;  // an error above it is
         TWO m_largest_count;
+        bool m_is_bypassed;  // at every ratio, and far too fast even then
     };
 
     const PLL& m_pll;

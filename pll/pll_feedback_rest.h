@@ -30,12 +30,13 @@ public:
         return rest < 0.0 ? rest + count : rest;
     }
 
-    // Whether something is left over of every M above 1 as long as N is not above `largest_n`: all
-    // of M, by a counter that is larger.
-    bool is_never_0(std::int64_t largest_n) const
+    // An N below which all is left over of every M above 1, by a counter that is larger than M; 1
+    // when there is no such output.
+    std::int64_t first_n_without() const
     {
-        constexpr double ROOM = 1.5;  // for the half that rounds a counter down
-        return m_wish != nullptr && m_wish->m_inverse > ROOM * double(largest_n);
+        constexpr double ROOM =
+            1.25 * (1.0 + 1e-6);  // for the half of 2 that rounds a counter down
+        return m_wish == nullptr ? 1 : 1 + std::int64_t(m_wish->m_inverse / ROOM);
     }
 
 private:

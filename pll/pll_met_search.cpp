@@ -37,14 +37,15 @@ void MET_SEARCH::search(int post_scale, const REGION& region)
     }
     const PLL& pll = m_evaluation->pll();
     const FEEDBACK_REST rest(pll, m_evaluation->limits());
-    if (rest.is_never_0(region.n_range().m_last)) {
+    const std::int64_t first_n = std::max(region.n_range().m_first, rest.first_n_without());
+    if (first_n > region.n_range().m_last) {
         return;
     }
     const MET_RATIOS ratios(pll, m_evaluation->limits(), region.ratios());
     if (ratios.count() == 0) {
         return;
     }
-    const WORK work{region, ratios, post_scale};
+    const WORK work{region, ratios, post_scale, first_n};
     const M_RANGE all = region.m_range();
     for (M_RANGE block{all.m_first, FIRST_BLOCK_END};
          block.m_first <= all.m_last && !m_evaluation->is_cut_off(block.m_first);
@@ -83,7 +84,8 @@ void MET_SEARCH::visit_rows(const WORK& work, M_RANGE block)
 bool MET_SEARCH::gather(const WORK& work, M_RANGE block)
 {
     const RATIO_RANGE ratios = work.m_region.ratios();
-    const std::int64_t first = work.m_region.n_between(ratios, block.m_first).m_first;
+    const std::int64_t first =
+        std::max(work.m_first_n, work.m_region.n_between(ratios, block.m_first).m_first);
     const std::int64_t last = work.m_region.n_between(ratios, block.m_last).m_last;
     m_gathered = 0;
     for (std::int64_t n = first; n <= last; ++n) {
@@ -128,9 +130,9 @@ void MET_SEARCH::visit_row(const WORK& work, std::int64_t m)
 {
     const N_RANGE all = work.m_region.n_range();
     const double lowest = double(m) / double(all.m_last);
-    std::int64_t next = all.m_first;
+    std::int64_t next = work.m_first_n;
     const RATIO_RANGE* met = std::upper_bound(
-        work.m_ratios.begin(), work.m_ratios.end(), double(m) / double(all.m_first),
+        work.m_ratios.begin(), work.m_ratios.end(), double(m) / double(next),
         [](double ratio, const RATIO_RANGE& range) { return ratio < range.m_low; });
     while (met != work.m_ratios.begin() && (met - 1)->m_high >= lowest) {
         --met;

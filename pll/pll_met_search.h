@@ -23,6 +23,7 @@ private:
         const REGION& m_region;
         const MET_RATIOS& m_ratios;
         int m_post_scale;
+        std::int64_t m_first_n;  // that can meet all outputs
     };
 
     void search_block(const WORK& work, M_RANGE block);

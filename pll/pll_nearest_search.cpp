@@ -104,6 +104,7 @@ void NEAREST_SEARCH::search(int post_scale, const REGION& region)
     if (ratios.is_empty()) {
         return;
     }
+    m_sum.expect_ratios_up_to(ratios.m_high);
     const GRID grid = make_grid(region, ratios);
     m_bound.bound_cells(grid.m_low, grid.m_width, grid.m_cells, m_bounds);
     const float lowest = lowest_of(m_bounds, grid.m_cells);
