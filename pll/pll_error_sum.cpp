@@ -182,7 +182,7 @@ private:
     FLAGS m_unsure;
 };
 
-void ERROR_SUM::of(const SETTINGS& settings, double (&sums)[LANES]) const
+void ERROR_SUM::of(const SETTINGS& settings, double limit, double (&sums)[LANES]) const
 {
     PAIR pairs[] = {PAIR(settings, 0, m_limits.m_vco_wish), PAIR(settings, 2, m_limits.m_vco_wish)};
     for (int i = 0; i < m_limits.m_taps_count; ++i) {
@@ -192,7 +192,7 @@ void ERROR_SUM::of(const SETTINGS& settings, double (&sums)[LANES]) const
     }
     for (int i = 0; i < LANES; ++i) {
         const PAIR& pair = pairs[i / 2];
-        sums[i] = pair.is_sure(i % 2) ? pair.sum(i % 2)
-                                      : of(settings.m_m[i], settings.m_n[i], SEARCH_RESULT::WORST);
+        sums[i] =
+            pair.is_sure(i % 2) ? pair.sum(i % 2) : of(settings.m_m[i], settings.m_n[i], limit);
     }
 }

@@ -27,8 +27,8 @@ public:
     // limit.
     void expect_ratios_up_to(double largest);
 
-    // The same for all settings, without a limit on the sums.
-    void of(const SETTINGS& settings, double (&sums)[LANES]) const;
+    // The same for all settings.
+    void of(const SETTINGS& settings, double limit, double (&sums)[LANES]) const;
 
 private:
     class PAIR;

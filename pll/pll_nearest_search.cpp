@@ -241,7 +241,7 @@ void NEAREST_SEARCH::sum_waiting(const REGION& region)
 {
     if (m_waiting_count == LANES) {
         double sums[LANES];
-        m_sum.of(m_waiting, sums);
+        m_sum.of(m_waiting, m_best.m_error, sums);
         for (int i = 0; i < LANES; ++i) {
             take_if_best(region, m_waiting.m_m[i], m_waiting.m_n[i], sums[i]);
         }

@@ -89,7 +89,7 @@ TEST(ErrorSum, OfFourSettingsIsThatOfEachToTheLastDigit)
         const ERROR_SUM sum(subject.pll(), subject.limits());
         const ERROR_SUM::SETTINGS settings = {{m, m + 1, 3 * m, m}, {n, 7 * n, n + 1, 300}};
         double sums[ERROR_SUM::LANES];
-        sum.of(settings, sums);
+        sum.of(settings, 1e300, sums);
         for (int i = 0; i < ERROR_SUM::LANES; ++i) {
             const int lane_m = settings.m_m[i];
             const int lane_n = settings.m_n[i];
@@ -108,7 +108,7 @@ TEST(ErrorSum, OfFourSettingsIsThatOfEachBelowALargestRatio)
         sum.expect_ratios_up_to(double(m) / n);
         const ERROR_SUM::SETTINGS settings = {{m, m, m, m}, {n, n + 1, 2 * n, 9 * n}};
         double sums[ERROR_SUM::LANES];
-        sum.of(settings, sums);
+        sum.of(settings, 1e300, sums);
         for (int i = 0; i < ERROR_SUM::LANES; ++i) {
             ASSERT_EQ(subject.assigned_sum(m, settings.m_n[i]), sums[i])
                 << m << " / " << settings.m_n[i];
@@ -133,7 +133,7 @@ TEST(ErrorSum, OfFourSettingsIsExactWhereRoundingDecides)
             const int m = mult * k / 2;
             const ERROR_SUM::SETTINGS settings = {{m, m + mult / 2, m + 1, m}, {1, 1, 3, 1000}};
             double sums[ERROR_SUM::LANES];
-            sum.of(settings, sums);
+            sum.of(settings, 1e300, sums);
             for (int i = 0; i < ERROR_SUM::LANES; ++i) {
                 ASSERT_EQ(sum.of(settings.m_m[i], settings.m_n[i], 1e300), sums[i])
                     << settings.m_m[i] << " / " << settings.m_n[i];
