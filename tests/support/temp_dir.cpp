@@ -11,7 +11,9 @@
 
 TEMP_DIR::TEMP_DIR()
 {
-    std::string path = (std::filesystem::temp_directory_path() / "pll_test_XXXXXX").string();
+    constexpr std::size_t LETTERS_TO_CHOOSE = 6;
+    std::string path = (std::filesystem::temp_directory_path() / "pll_test_").string();
+    path.append(LETTERS_TO_CHOOSE, 'X');
     if (mkdtemp(path.data()) == nullptr) {
         throw std::runtime_error("no temporary directory " + path);
     }
