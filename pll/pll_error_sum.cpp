@@ -23,23 +23,6 @@ void add_impossible_counter_error(int count, int max_count, CANDIDATE_SCORE* sco
     score->m_error += std::max(low - max_count, 0);
 }
 
-// The same as counter_value(), mostly without its division: a multiplication is off by a few
-// roundings only, which matters near the middle of two whole numbers alone.
-int quick_counter_value(const VCO_RATIO& vco, const RATIO_WISH& wish)
-{
-    constexpr double SURE_BELOW = 1e6;
-    constexpr double NEAR_MIDDLE = 1e-6;
-    const double value = vco.m_ratio * wish.m_inverse + 0.5;
-    if (1.0 + NEAR_MIDDLE < value && value < SURE_BELOW) {
-        const int count = int(value);
-        const double fraction = value - count;
-        if (NEAR_MIDDLE < fraction && fraction < 1.0 - NEAR_MIDDLE) {
-            return count;
-        }
-    }
-    return counter_value(vco, wish);
-}
-
 // The error of one output as add_frequency_error() counts it, mostly without its second division:
 // only whether the relative error reaches a thousandth matters here.
 double missed_error(const VCO_RATIO& vco, int count, const RATIO_WISH& wish)

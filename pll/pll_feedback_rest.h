@@ -4,7 +4,6 @@
 #include "pll_lanes.h"
 #include "pll_search.h"
 
-#include <cmath>
 #include <cstdint>
 
 class FEEDBACK_REST
@@ -25,7 +24,7 @@ public:
             return 0.0;
         }
         const VCO_RATIO vco(m, n);
-        const double count = counter_of(vco);
+        const double count = quick_counter_value(vco, *m_wish);
         const double rest = vco.m_m - round_to_whole(vco.m_m / count) * count;
         return rest < 0.0 ? rest + count : rest;
     }
@@ -40,17 +39,5 @@ public:
     }
 
 private:
-    // As counter_value(), mostly without its division: a multiplication is off by a few roundings
-    // only, which matters near the middle of two whole numbers alone.
-    double counter_of(const VCO_RATIO& vco) const
-    {
-        constexpr double SURELY_NEARER = 0.5 - 1e-6;
-        const double quotient = vco.m_ratio * m_wish->m_inverse;
-        const double count = round_to_whole(quotient);
-        return count >= 1.0 && std::fabs(quotient - count) < SURELY_NEARER
-                   ? count
-                   : counter_value(vco, *m_wish);
-    }
-
     const RATIO_WISH* m_wish;
 };

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "pll_arith.h"
+#include "pll_lanes.h"
 
 #include <cfloat>
 #include <cmath>
@@ -55,6 +56,17 @@ inline int counter_value(const VCO_RATIO& vco, const RATIO_WISH& wish)
 {
     const double value = (vco.m_m * wish.m_div) / (vco.m_n * wish.m_mult) + 0.5;
     return value < 1.0 ? 1 : truncate_to_int(value);
+}
+
+// The same for counters up to 10^9, mostly without the division: a multiplication is off by a few
+// roundings only, which matters near the middle of two whole numbers alone.
+inline int quick_counter_value(const VCO_RATIO& vco, const RATIO_WISH& wish)
+{
+    constexpr double SURELY_NEARER = 0.5 - 1e-6;
+    const double quotient = vco.m_ratio * wish.m_inverse;
+    const double count = round_to_whole(quotient);
+    return count >= 1.0 && std::fabs(quotient - count) < SURELY_NEARER ? int(count)
+                                                                       : counter_value(vco, wish);
 }
 
 // Adds the error of one output with counter `count`. Returns it, 0 when the output counts as met.
