@@ -104,6 +104,17 @@ struct CROWD
     PLL m_pll;
 };
 
+// What the search leaves, whichever way it takes.
+struct FOUND
+{
+    FOUND(const PLL& pll, const PLL_PROP& request) : m_result(pll, request)
+    {
+        search(pll, request, read_search_limits(pll, request), nullptr, &m_result);
+    }
+
+    SEARCH_RESULT m_result;
+};
+
 struct TALLY
 {
     int m_by_ratio = 0;
@@ -257,10 +268,7 @@ TEST(RatioSearch, LetsADearerCandidateCutTheSearchOff)
     TALLY tally;
     expect_the_walk(pll, request, &tally);
     EXPECT_EQ(1, tally.m_exact);
-    const SEARCH_LIMITS limits = read_search_limits(pll, request);
-    SEARCH_RESULT result(pll, request);
-    search(pll, request, limits, nullptr, &result);
-    EXPECT_EQ(1, result.m_best_point.m_post_scale);
+    EXPECT_EQ(1, FOUND(pll, request).m_result.m_best_point.m_post_scale);
 }
 
 // Steps of a phase are told down to 0.0001 degrees, next to which the larger of two ratios may tell
@@ -343,12 +351,10 @@ TEST(RatioSearch, LeavesWhatTheWalkLeavesWhereCostsAreNoNumbers)
         device.describe(*pll);
         SCOPED_TRACE(i);
         const SEARCH_LIMITS limits = read_search_limits(*pll, request);
-        SEARCH_RESULT found(*pll, request);
-        search(*pll, request, limits, nullptr, &found);
         SEARCH_RESULT expected(*pll, request);
         EVALUATION evaluation(*pll, request, limits, nullptr, &expected);
         walk_rows(&evaluation);
-        ASSERT_EQ(text_of(expected), text_of(found));
+        ASSERT_EQ(text_of(expected), text_of(FOUND(*pll, request).m_result));
         never_taken += expected.m_best_error == 0.0 && !expected.m_taken ? 1 : 0;
     }
     EXPECT_GT(never_taken, 20);
@@ -374,11 +380,8 @@ TEST(RatioSearch, LeavesTheTracesOfCascadesThatTheWalkLeaves)
         }
         SCOPED_TRACE(i);
         expect_the_walk(*pll, request, &tally);
-        const SEARCH_LIMITS limits = read_search_limits(*pll, request);
-        SEARCH_RESULT result(*pll, request);
-        EVALUATION evaluation(*pll, request, limits, nullptr, &result);
-        search_by_ratio(&evaluation);
-        used += result.m_best.m_total_taps_count > request.m_taps_count ? 1 : 0;
+        const FOUND found(*pll, request);
+        used += found.m_result.m_best.m_total_taps_count > request.m_taps_count ? 1 : 0;
     }
     EXPECT_GT(tally.m_exact, 100);
     EXPECT_GT(tally.m_missed, 500);
@@ -467,10 +470,9 @@ TEST(NearestSearch, LooksAtTheSecondPostScaleForAnMThatTheFirstHasNot)
         request.m_bandwidth = product_per_m * pll->m_kvco[1] / 6.28;
         SCOPED_TRACE(i);
         expect_the_walk(*pll, request, &tally);
-        const SEARCH_LIMITS limits = read_search_limits(*pll, request);
-        SEARCH_RESULT result(*pll, request);
-        search(*pll, request, limits, nullptr, &result);
-        second += result.m_best_error != 0.0 && result.m_best_point.m_post_scale == 2 ? 1 : 0;
+        const FOUND found(*pll, request);
+        const bool missed = found.m_result.m_best_error != 0.0;
+        second += missed && found.m_result.m_best_point.m_post_scale == 2 ? 1 : 0;
     }
     EXPECT_GT(tally.m_missed, 100);
     EXPECT_GT(second, 30);
