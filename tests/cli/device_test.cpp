@@ -58,6 +58,13 @@ const char* const OWN_FAMILY =
     "speed_grade 1\npart P1\nvco_min 1000\nvco_max 2500\nvco_center 1500\nvco_gain 1000\n"
     "pfd_min 3000\npfd_max 100000\ninput_min 1500\n";
 
+// The family with the first `from` replaced.
+std::string own_family_with(const std::string& from, const std::string& to)
+{
+    std::string family = OWN_FAMILY;
+    return family.replace(family.find(from), from.size(), to);
+}
+
 TEST(CliDevice, EnvironmentNamesTheDatabaseAndTheCommandLineWins)
 {
     const std::string words = "devices --format csv";
@@ -154,9 +161,7 @@ TEST(CliDevice, WithoutWhatNoSettingIsPossibleTheDatabaseIsRefused)
 
 TEST(CliDevice, DeviceWithoutOutputCountersIsRefused)
 {
-    std::string family = OWN_FAMILY;
-    family.replace(family.find("counters 2"), std::string("counters 2").size(), "counters 0");
-    const OWN_DATABASE database(family);
+    const OWN_DATABASE database(own_family_with("counters 2", "counters 0"));
     const RUN run = database.run("synth", " --in 100MHz --out 50MHz");
     EXPECT_EQ(4, run.m_status);
     EXPECT_NE(std::string::npos, run.m_errors.find("gives it no output counter")) << run.m_errors;
@@ -211,10 +216,7 @@ TEST(CliDevice, FamilyWithoutPartsIsNoQuestionOfTheType)
 // M / 15 x 15 would serve, but the counter ends at 14, which the feedback makes up for.
 TEST(CliDevice, CounterThatIsTooShortIsNamedThoughTheFeedbackMakesUpForIt)
 {
-    std::string family = OWN_FAMILY;
-    family.replace(family.find("high_low_max 32"), std::string("high_low_max 32").size(),
-                   "high_low_max 7");
-    const OWN_DATABASE database(family);
+    const OWN_DATABASE database(own_family_with("high_low_max 32", "high_low_max 7"));
     const RUN run = database.run("synth", " --in 27MHz --out ratio=1 --feedback 1");
     EXPECT_EQ(1, run.m_status);
     EXPECT_NE(std::string::npos,
@@ -226,10 +228,8 @@ TEST(CliDevice, CounterThatIsTooShortIsNamedThoughTheFeedbackMakesUpForIt)
 
 TEST(CliDevice, InternalErrorThatADatabaseCausesSendsToLint)
 {
-    std::string family = OWN_FAMILY;
-    family.replace(family.find("counter_max 1\n"), std::string("counter_max 1\n").size(),
-                   "counter_max 3\nvco_post_scale_counter_max 4\n");
-    const OWN_DATABASE database(family);
+    const OWN_DATABASE database(
+        own_family_with("counter_max 1\n", "counter_max 3\nvco_post_scale_counter_max 4\n"));
     const RUN run = database.run("devices", "");
     EXPECT_EQ(5, run.m_status);
     const std::vector<std::string> lines = split(run.m_errors, '\n');
@@ -241,10 +241,7 @@ TEST(CliDevice, InternalErrorThatADatabaseCausesSendsToLint)
 
 TEST(CliDevice, NamesKeepTheirCharactersInEveryForm)
 {
-    std::string family = OWN_FAMILY;
-    family.replace(family.find("part P1"), std::string("part P1").size(),
-                   "part \"a, b\\\xC3\xA9\xFF\x01\"");
-    const OWN_DATABASE database(family);
+    const OWN_DATABASE database(own_family_with("part P1", "part \"a, b\\\xC3\xA9\xFF\x01\""));
     EXPECT_NE(std::string::npos, database.run("devices", " --format csv")
                                      .m_output.find("FAST_PLL,\"a, b\\\xC3\xA9\xFF\x01\",1,"));
     EXPECT_NE(std::string::npos, database.run("devices", " --format json")
@@ -255,10 +252,8 @@ TEST(CliDevice, NamesKeepTheirCharactersInEveryForm)
 
 TEST(CliDevice, TablesShowNamesThatControlATerminalAndAlignThoseOfOtherAlphabets)
 {
-    std::string family = OWN_FAMILY;
-    family.replace(family.find("part P1"), std::string("part P1").size(),
-                   "part \"\x1b[2J\"\nvco_min 1\npart \xC3\xA9\xC3\xA9\xC3\xA9-nine");
-    const OWN_DATABASE database(family);
+    const OWN_DATABASE database(own_family_with(
+        "part P1", "part \"\x1b[2J\"\nvco_min 1\npart \xC3\xA9\xC3\xA9\xC3\xA9-nine"));
     const std::string devices = database.run("devices", "").m_output;
     EXPECT_NE(std::string::npos, devices.find("\n\\x1b[2J   1            yes  ")) << devices;
     EXPECT_NE(std::string::npos, devices.find("\n\xC3\xA9\xC3\xA9\xC3\xA9-nine  1            yes"))
