@@ -69,7 +69,6 @@ public:
     }
 
     bool is_legal(std::int64_t m, std::int64_t n) const;
-    double vco_period(std::int64_t m, std::int64_t n) const { return periods(m_fin, m).vco(n); }
 
     // The range of M whose ratios to `n` lie in `ratios`, and the range of N to `m`: never too
     // narrow as long as `ratios` is wider than it need be by more than rounding.
