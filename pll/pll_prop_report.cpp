@@ -1,7 +1,6 @@
 // The reports of a properties record. Labels carry their own padding, "Khz" and "kHz" stand side by
 // side for the sake of those who search old listings; numbers take the format of the host's stream.
 #include "pll_arith.h"
-#include "pll_bandwidth_type.h"
 #include "pll_prop.h"
 
 #include <algorithm>
@@ -14,6 +13,15 @@ constexpr double KHZ_PS = 1e9;  // frequency in kHz x period in ps
 constexpr double HZ_PER_MHZ = 1e6;
 constexpr double HZ_PER_KHZ = 1000;
 constexpr double PERCENT = 100;
+
+enum BANDWIDTH_TYPE
+{
+    BANDWIDTH_HIGH,
+    BANDWIDTH_MEDIUM,
+    BANDWIDTH_LOW,
+    BANDWIDTH_AUTO,
+    BANDWIDTH_CUSTOM
+};
 
 double mhz_of_period(int period)
 {

@@ -7,11 +7,20 @@
 
 #include "pll.h"
 #include "pll_bandwidth.h"
-#include "pll_bandwidth_type.h"
 #include "pll_placement.h"
 #include "pll_prop.h"
 #include "pll_ratio_error.h"
 #include "pll_trace.h"
+
+// How a loop bandwidth is asked for, after presets have been turned into numbers.
+enum BANDWIDTH_TYPE
+{
+    BANDWIDTH_HIGH,
+    BANDWIDTH_MEDIUM,
+    BANDWIDTH_LOW,
+    BANDWIDTH_AUTO,
+    BANDWIDTH_CUSTOM
+};
 
 // The request's loop bandwidth as the search uses it.
 struct BANDWIDTH_WISH
