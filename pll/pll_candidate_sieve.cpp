@@ -72,6 +72,9 @@ CANDIDATE_SIEVE::VERDICT CANDIDATE_SIEVE::measure(int m, int n, std::int64_t cut
     if (!m_can_tell || ratio > m_largest_ratio) {
         return VERDICT::UNSURE;
     }
+    if (m_limits.m_taps_count > 0 && misses_vco_wish(ratio, m_limits.m_vco_wish)) {
+        return VERDICT::MISSED;
+    }
     double sum = 0.0;
     for (int i = 0; i < m_limits.m_taps_count; ++i) {
         const OUTPUT& output = m_outputs[i];

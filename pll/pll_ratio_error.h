@@ -86,6 +86,19 @@ inline double add_frequency_error(const VCO_RATIO& vco, int count, const RATIO_W
     return error;
 }
 
+// How far M / N is from a VCO ratio that is wished for; 0 where that is rounding.
+inline double vco_ratio_error(double ratio, const RATIO_WISH& wish)
+{
+    const double error = std::fabs(ratio - wish.m_ratio);
+    return error < EXACT_RATIO ? 0.0 : error;
+}
+
+// Whether M / N keeps every candidate with an output from being exact.
+inline bool misses_vco_wish(double ratio, const RATIO_WISH& wish)
+{
+    return has_wish(wish) && vco_ratio_error(ratio, wish) != 0.0;
+}
+
 // The wish for a VCO ratio, if any, counts once for every output, in the place of the output's own
 // error.
 inline double add_vco_ratio_error(const VCO_RATIO& vco, const RATIO_WISH& wish, double tap_error,
@@ -94,10 +107,7 @@ inline double add_vco_ratio_error(const VCO_RATIO& vco, const RATIO_WISH& wish, 
     if (!has_wish(wish)) {
         return tap_error;
     }
-    double error = std::fabs(vco.m_ratio - wish.m_ratio);
-    if (error < EXACT_RATIO) {
-        error = 0.0;
-    }
+    const double error = vco_ratio_error(vco.m_ratio, wish);
     score->m_error += error;
     return error;
 }

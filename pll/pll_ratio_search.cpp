@@ -5,6 +5,7 @@
 // in the order of the search. When no candidate is exact, the one with the smallest error sum is
 // looked for among the fractions of those ratios whose bound is low. When there is no candidate at
 // all, a walk over the rows finds the closest miss.
+#include "pll_arith.h"
 #include "pll_cascade_traces.h"
 #include "pll_evaluation.h"
 #include "pll_met_search.h"
@@ -14,6 +15,7 @@
 #include <algorithm>
 #include <cfloat>
 #include <cmath>
+#include <limits>
 #include <optional>
 
 namespace {
@@ -54,9 +56,24 @@ bool has_ordinary_rows(const PLL_BASIC_INFO& info)
     return true;
 }
 
+// Whether phases can be told at every M: the M of the loop is never brought to 0. A feedback output
+// that is none of the request's keeps its count, whatever that is; the products with it wrap.
+bool has_ordinary_feedback(const PLL& pll, const SEARCH_LIMITS& limits)
+{
+    if (pll.m_feedback_tap < limits.m_taps_count) {
+        return true;
+    }
+    const PLL_OUTPUT_TAP& tap = pll.m_taps[nearest_index(pll.m_feedback_tap, PLL_MAX_TAPS)];
+    const double count = tap.m_bypass ? 1.0 : double(tap.m_high) + tap.m_low;
+    return 1.0 <= count && count * limits.m_m_max <= std::numeric_limits<int>::max();
+}
+
 // Whether every exact candidate has a finite cost, so that the first of them is taken.
 bool has_finite_costs(const PLL& pll, const SEARCH_LIMITS& limits)
 {
+    if (!has_ordinary_feedback(pll, limits)) {
+        return false;
+    }
     if (!pll.m_info.has_info() || pll.m_info.m_basic_info->m_spe_ratio_constant_x == DBL_MAX) {
         return true;
     }

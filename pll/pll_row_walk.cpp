@@ -82,7 +82,7 @@ void ROW_WALK::walk_post_scale(int post_scale)
         if (is_miss_settled()) {
             m = std::max(m, legal.m_first);
             last = legal.m_last;
-            if (m > last) {
+            if (m > last || m_evaluation->is_cut_off(m)) {
                 break;
             }
         }

@@ -1,5 +1,6 @@
 // The quick look at settings: what it lets pass, and why.
 #include "pll_candidate_sieve.h"
+#include "pll_evaluation.h"
 #include "synthesis_builders.h"
 
 #include <gtest/gtest.h>
@@ -132,6 +133,43 @@ TEST(CandidateSieve, TellsPhasesAtOnce)
     box.retains(7, 2, {FOUR_ONE, SEVEN_TWO});
     EXPECT_FALSE(box.m_tells);
     EXPECT_GT(box.m_next_phase, 1e9);  // nothing told
+}
+
+// A setting that misses the ratio wished for is inexact however cheap it looks, and tells nothing.
+TEST(CandidateSieve, TellsNoPhasesBesideTheVcoRatioWishedFor)
+{
+    QUARTER box;
+    box.m_request.m_taps[0].m_phase = 11.25;
+    box.m_request.m_vco_mult = 7;
+    box.m_request.m_vco_div = 2;
+    box.retains(7, 2, {FOUR_ONE, SEVEN_TWO});
+    EXPECT_EQ(90.0 / 7, box.m_next_phase);
+    box.m_request.m_vco_mult = 4;
+    box.m_request.m_vco_div = 1;
+    box.retains(7, 2, {FOUR_ONE, SEVEN_TWO});
+    EXPECT_TRUE(box.m_tells);
+    EXPECT_GT(box.m_next_phase, 1e9);
+}
+
+// The wish and M 844069, N 844068 differ by 7e-13, the other two by that and 1.4e-12.
+TEST(CandidateSieve, TellsNoPhasesAHairBesideTheVcoRatioWishedFor)
+{
+    SMALL_PLL box(1, 844070, 844069);
+    box.m_pll.m_n.m_min_count = 844068;
+    box.set_vco(1998, 1999, 2000);
+    box.set_pfd(1, 2147483647);
+    box.m_request.m_fin_period = 2000;
+    box.m_request.m_vco_mult = 657529975;
+    box.m_request.m_vco_div = 657529196;
+    box.set_ratio(0, 844069, 844068);
+    box.clock(0).m_phase = 252.0;
+    const SEARCH_LIMITS limits = read_search_limits(box.m_pll, box.m_request);
+    SEARCH_RESULT walked(box.m_pll, box.m_request);
+    EVALUATION evaluation(box.m_pll, box.m_request, limits, nullptr, &walked);
+    walk_rows(&evaluation);
+    EXPECT_TRUE(box.synthesize());
+    EXPECT_EQ(walked.m_best.m_taps[0].m_prev_phase_degree, box.tap(0).m_prev_phase_degree);
+    EXPECT_EQ(walked.m_best.m_taps[0].m_next_phase_degree, box.tap(0).m_next_phase_degree);
 }
 
 TEST(CandidateSieve, HasNothingToSayOfOddRequests)

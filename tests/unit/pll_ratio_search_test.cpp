@@ -360,6 +360,76 @@ TEST(RatioSearch, LeavesWhatTheWalkLeavesWhereCostsAreNoNumbers)
     EXPECT_GT(never_taken, 20);
 }
 
+// The feedback path may hold a counter that no clock of the request uses. One of nothing takes all
+// of M with it: what an exact candidate costs is then no number, and the best of those that miss
+// stays.
+struct FEEDBACK_BEYOND
+{
+    FEEDBACK_BEYOND() : m_pll(2, PLL_MAX_TAPS), m_request(1)
+    {
+        m_pll.m_m.m_max_count = 4;
+        m_pll.m_n.m_max_count = 1;
+        m_request.m_fin_period = 10000;
+        m_request.m_taps[0].m_mult = 4;
+        m_request.m_taps[0].m_phase = 90.0;
+        m_request.m_feedback_tap = 1;
+        set_halves(0, 0);
+    }
+
+    void set_halves(int high, int low)
+    {
+        m_pll.m_taps[1].m_high = high;
+        m_pll.m_taps[1].m_low = low;
+        m_pll.m_taps[1].m_bypass = false;
+    }
+
+    PLL m_pll;
+    PLL_PROP m_request;
+};
+
+TEST(RatioSearch, LeavesTheBestMissWhereNoExactCostIsANumber)
+{
+    FEEDBACK_BEYOND box;
+    EXPECT_FALSE(box.m_pll.synthesize(box.m_request));
+    EXPECT_EQ(PLL::PLL_MULT_DIV_NOT_ACHIEVED, box.m_pll.m_error);
+    EXPECT_EQ(3, box.m_pll.get_m());
+    EXPECT_EQ(1.0, box.m_pll.m_cost);
+    EXPECT_NEAR(10000.0 / 3, box.m_pll.get_vco_period(), 1e-9);
+}
+
+TEST(RatioSearch, LeavesFeedbackThatMayTakeAllOfMToTheWalk)
+{
+    struct HALVES
+    {
+        const char* m_name;
+        int m_high;
+        int m_low;
+        bool m_by_ratio;
+    };
+    // clang-format off
+    constexpr HALVES CASES[] = {
+        // name                                 high        low  by ratio
+        {"nothing",                                0,          0, false},
+        {"one",                                    1,          0, true},
+        {"less than nothing",                      0,         -1, false},
+        {"M 4 times it fits",              268435456,  268435455, true},
+        {"M 4 times it is 2^31",           268435456,  268435456, false},
+        {"2^31 and 2^31, which is nothing", 2147483647, 2147483647, false},
+    };
+    // clang-format on
+    for (const HALVES& halves : CASES) {
+        SCOPED_TRACE(halves.m_name);
+        FEEDBACK_BEYOND box;
+        box.set_halves(halves.m_high, halves.m_low);
+        box.m_pll.m_feedback_tap = box.m_request.m_feedback_tap;
+        EXPECT_EQ(halves.m_by_ratio, !search_by(WAY::BY_RATIO, box.m_pll, box.m_request).empty());
+        if (halves.m_by_ratio) {
+            EXPECT_EQ(search_by(WAY::WALK, box.m_pll, box.m_request),
+                      search_by(WAY::BY_RATIO, box.m_pll, box.m_request));
+        }
+    }
+}
+
 // Counters of 2 to 12 need many cascades; the counters beyond the outputs show the last ones.
 TEST(RatioSearch, LeavesTheTracesOfCascadesThatTheWalkLeaves)
 {
