@@ -2,10 +2,11 @@
 //
 //   pll_model_compare [--requests N] [--seed S] [--kind K] [--debug on|off]
 //
-// Request i of kind K is made of seed S + i. Without --kind the kinds take turns, BUILT_IN, whose
-// searches are long, less often. With --debug on each request is made with debugging on instead, in
-// a directory of its own, and the trace compared. Ends with 1 at the first difference, after
-// printing the case in a form that can be run again.
+// Request i of kind K is made of seed S + i. Without --kind the kinds take turns; those whose
+// searches are long, BUILT_IN and HAIR, do less often. Every tenth request is made once more with
+// debugging on, in a directory of its own, and the trace compared; with --debug on each is, and
+// only that way. Ends with 1 at the first difference, after printing the case in a form that can be
+// run again.
 #include "comparison.h"
 #include "comparison_run.h"
 
@@ -15,12 +16,14 @@
 #include <cstdlib>
 #include <cstring>
 #include <iostream>
-#include <optional>
 
 namespace {
 
 constexpr std::uint64_t RATIOS_EVERY = 7;
 constexpr std::uint64_t COPY_EVERY = 5;
+constexpr std::uint64_t DEBUG_EVERY = 10;
+constexpr std::uint64_t TURNS_OF_BUILT_IN = 5;
+constexpr std::uint64_t TURNS_OF_HAIR = 100;
 
 struct OPTIONS
 {
@@ -59,8 +62,10 @@ CASE_KIND kind_at(const OPTIONS& options, std::uint64_t i)
     }
     constexpr std::uint64_t KINDS = static_cast<std::uint64_t>(CASE_KIND::COUNT);
     const CASE_KIND kind = static_cast<CASE_KIND>(i % KINDS);
-    const bool is_turn = i / KINDS % 5 == 0;
-    return kind == CASE_KIND::BUILT_IN && !is_turn ? CASE_KIND::MIXED : kind;
+    const std::uint64_t turn = i / KINDS;
+    const bool waits = (kind == CASE_KIND::BUILT_IN && turn % TURNS_OF_BUILT_IN != 0) ||
+                       (kind == CASE_KIND::HAIR && turn % TURNS_OF_HAIR != 0);
+    return waits ? CASE_KIND::MIXED : kind;
 }
 
 void count(const RANDOM_CASE& random_case, const COMPARISON& comparison, COUNTS* counts)
@@ -83,20 +88,20 @@ void count(const RANDOM_CASE& random_case, const COMPARISON& comparison, COUNTS*
     count_if(random_case.m_pll.m_output_counter_cascade, "with cascades allowed");
     count_if(request.m_vco_mult > 0 && request.m_vco_div > 0, "with a VCO ratio");
     count_if(comparison.m_reports > 0, "with internal errors");
-    count_if(comparison.m_met && random_case.m_kind == CASE_KIND::HOSTILE, "hostile and met");
+    count_if(comparison.m_met && !is_sane(random_case.m_kind), "hostile and met");
 }
 
 bool order_is_free(const RANDOM_CASE& random_case)
 {
     const bool rule =
         random_case.m_has_device && random_case.m_device.m_is_pfd_bandwidth_rule_an_error;
-    return random_case.m_kind != CASE_KIND::HOSTILE && random_case.m_request.m_feedback_tap < 0 &&
+    return is_sane(random_case.m_kind) && random_case.m_request.m_feedback_tap < 0 &&
            !random_case.m_pll.m_output_counter_cascade && !rule;
 }
 
 bool widening_is_safe(const RANDOM_CASE& random_case)
 {
-    return random_case.m_kind != CASE_KIND::HOSTILE && !random_case.m_has_device &&
+    return is_sane(random_case.m_kind) && !random_case.m_has_device &&
            random_case.m_request.m_bandwidth_type == 3 &&
            random_case.m_request.m_down_spread == 0.0;
 }
@@ -121,6 +126,10 @@ std::string run_case(const RANDOM_CASE& random_case, std::uint64_t i, COUNTS* co
     if (i % COPY_EVERY == 1 && order_is_free(random_case)) {
         findings += check_order(random_case);
         ++(*counts)["checked: order of outputs"];
+    }
+    if (i % DEBUG_EVERY == DEBUG_EVERY - 1) {
+        findings += compare_debugging(random_case);
+        ++(*counts)["checked: debugging"];
     }
     if (i % COPY_EVERY == 2 && widening_is_safe(random_case)) {
         findings += check_wider_limits(random_case);
@@ -159,10 +168,7 @@ int main(int argc, char** argv)
             << "usage: pll_model_compare [--requests N] [--seed S] [--kind K] [--debug on|off]\n";
         return 2;
     }
-    std::optional<TEMP_WORKING_DIR> traces;
-    if (options.m_debug) {
-        traces.emplace();
-    }
+    const TEMP_WORKING_DIR traces;
     return run_comparison({options.m_seed, options.m_requests}, "requests",
                           [&](COUNTS* counts) { return run_all(options, counts); });
 }

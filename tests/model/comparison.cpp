@@ -152,7 +152,7 @@ COMPARISON compare_case(const RANDOM_CASE& random_case)
     comparison.m_difference = stream.str();
     comparison.m_error = static_cast<int>(real.m_pll.m_error);
     comparison.m_reports = static_cast<int>(library_reports.size());
-    if (comparison.m_met && random_case.m_kind != CASE_KIND::HOSTILE) {
+    if (comparison.m_met && is_sane(random_case.m_kind)) {
         comparison.m_has_relative_error = is_approximate(random_case, real.m_pll);
         comparison.m_refusal = refusal_of(random_case, real);
     }

@@ -1,14 +1,15 @@
 #include "random_request.h"
 
+#include "random_corner.h"
 #include "random_hostile.h"
 
 #include <algorithm>
 
 namespace {
 
-constexpr const char* KIND_NAMES[] = {"built-in", "small",  "edge",     "phase",   "table",
-                                      "filter",   "spread", "feedback", "cascade", "wide",
-                                      "crowd",    "mixed",  "hostile"};
+constexpr const char* KIND_NAMES[] = {
+    "built-in", "small", "edge",   "phase", "table",  "filter", "spread", "feedback", "cascade",
+    "wide",     "crowd", "border", "hair",  "beyond", "walked", "mixed",  "hostile"};
 
 // The counters that the request is built around; often, but not always, they can be had.
 struct HIDDEN_ANSWER
@@ -435,6 +436,7 @@ void GENERATOR::run()
     if (is(CASE_KIND::HOSTILE)) {
         make_hostile(&m_case, &m_random);
     }
+    make_corner(&m_case, &m_random);
 }
 
 }  // namespace
@@ -476,6 +478,11 @@ CASE_KIND find_case_kind(const std::string& name)
         ++kind;
     }
     return static_cast<CASE_KIND>(kind);
+}
+
+bool is_sane(CASE_KIND kind)
+{
+    return kind != CASE_KIND::HOSTILE && kind != CASE_KIND::BEYOND && kind != CASE_KIND::WALKED;
 }
 
 RANDOM_CASE make_random_case(CASE_KIND kind, std::uint64_t seed)

@@ -44,8 +44,12 @@ enum class CASE_KIND
     SPREAD,
     FEEDBACK,
     CASCADE,
-    WIDE,   // counters of a hundred values and more
-    CROWD,  // clocks so slow that most candidates nearly meet them
+    WIDE,    // counters of a hundred values and more
+    CROWD,   // clocks so slow that most candidates nearly meet them
+    BORDER,  // limits that end at the request's own settings, post-scales that differ
+    HAIR,    // counters near a million, wishes that differ by rounding
+    BEYOND,  // feedback from counters that no clock uses, counters of 0
+    WALKED,  // what is left to the walk over the rows
     MIXED,
     HOSTILE,  // fields with values that no sane host gives
     COUNT
@@ -55,6 +59,9 @@ const char* case_kind_name(CASE_KIND kind);
 
 // The kind with a name; COUNT when there is none.
 CASE_KIND find_case_kind(const std::string& name);
+
+// Whether cases of a kind hold what hosts may give, so that rules beyond the model's hold too.
+bool is_sane(CASE_KIND kind);
 
 struct RANDOM_CASE
 {
