@@ -8,11 +8,13 @@ include(CMakePackageConfigHelpers)
 set(PLL_PACKAGE_DIR "${CMAKE_INSTALL_LIBDIR}/cmake/pll")
 set(PLL_PKGCONFIG_DIR "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
 
-install(TARGETS pll pll_static EXPORT pllTargets
+install(TARGETS pll pll_static pll_advice pll_advice_static EXPORT pllTargets
     LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}"
     ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}")
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/include/" "${PROJECT_SOURCE_DIR}/h/"
     DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/libpll" FILES_MATCHING PATTERN "*.h")
+install(DIRECTORY "${PROJECT_SOURCE_DIR}/advice/"
+    DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/libpll/advice" FILES_MATCHING PATTERN "*.h")
 if(TARGET pllcalc)
     install(TARGETS pllcalc RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}")
 endif()

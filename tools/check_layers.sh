@@ -84,7 +84,9 @@ may_include() { # FILE HEADER
 }
 
 check_own_include() { # FILE LINE NAME
-    if [[ $3 == */* ]]; then
+    if [[ $3 == advice/* && -f $3 ]]; then
+        may_include "$1" "$3" || report "$1:$2" "$(layer_of "$1") may not include $3"
+    elif [[ $3 == */* ]]; then
         report "$1:$2" "\"$3\" is not a bare file name"
     elif [[ -z ${HOME_OF[$3]:-} ]]; then
         report "$1:$2" "\"$3\" is no header of this tree"

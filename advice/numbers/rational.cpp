@@ -1,8 +1,13 @@
-#include "rational.h"
+#include "advice/numbers/rational.h"
 
 #include <limits>
 
+namespace advice {
+
 namespace {
+
+constexpr int BASE = 10;
+constexpr int MAX_DIGITS = 18;  // of a number that is read, so that it fits 64 bits
 
 WIDE_INT magnitude_of(WIDE_INT value)
 {
@@ -27,7 +32,6 @@ WIDE_INT divide_to_nearest(WIDE_INT numerator, WIDE_INT denominator)
 
 std::string digits_of(WIDE_INT value)
 {
-    constexpr int BASE = 10;
     std::string digits;
     do {
         digits.insert(digits.begin(), static_cast<char>('0' + static_cast<int>(value % BASE)));
@@ -36,7 +40,61 @@ std::string digits_of(WIDE_INT value)
     return digits;
 }
 
+bool take_character(std::string_view* text, char c)
+{
+    if (text->empty() || text->front() != c) {
+        return false;
+    }
+    text->remove_prefix(1);
+    return true;
+}
+
+// Takes digits with at most one point off the front of `text`.
+std::optional<RATIONAL> take_decimal(std::string_view* text)
+{
+    WIDE_INT value = 0;
+    int digits = 0;
+    int decimals = 0;
+    bool has_point = false;
+    while (!text->empty()) {
+        const char c = text->front();
+        if (c == '.' && !has_point) {
+            has_point = true;
+        } else if (c >= '0' && c <= '9') {
+            value = value * BASE + (c - '0');
+            decimals += has_point ? 1 : 0;
+            if (++digits > MAX_DIGITS) {
+                return std::nullopt;
+            }
+        } else {
+            break;
+        }
+        text->remove_prefix(1);
+    }
+    if (digits == 0) {
+        return std::nullopt;
+    }
+    return RATIONAL(value, power_of_ten(decimals));
+}
+
 }  // namespace
+
+std::optional<RATIONAL> RATIONAL::parse(std::string_view text)
+{
+    const bool is_negative = take_character(&text, '-');
+    if (!is_negative) {
+        take_character(&text, '+');
+    }
+    std::optional<RATIONAL> value = take_decimal(&text);
+    if (value && take_character(&text, '/')) {
+        const std::optional<RATIONAL> divisor = take_decimal(&text);
+        value = divisor ? std::optional(*value / *divisor) : std::nullopt;
+    }
+    if (!value || !value->is_valid() || !text.empty()) {
+        return std::nullopt;
+    }
+    return is_negative ? -*value : *value;
+}
 
 RATIONAL::RATIONAL(WIDE_INT numerator, WIDE_INT denominator)
 {
@@ -72,11 +130,21 @@ RATIONAL RATIONAL::operator/(const RATIONAL& other) const
             WIDE_INT(m_denominator) * other.m_numerator};
 }
 
-RATIONAL RATIONAL::operator-(const RATIONAL& other) const
+RATIONAL RATIONAL::operator+(const RATIONAL& other) const
 {
-    return {WIDE_INT(m_numerator) * other.m_denominator -
+    return {WIDE_INT(m_numerator) * other.m_denominator +
                 WIDE_INT(other.m_numerator) * m_denominator,
             WIDE_INT(m_denominator) * other.m_denominator};
+}
+
+RATIONAL RATIONAL::operator-(const RATIONAL& other) const
+{
+    return *this + -other;
+}
+
+RATIONAL RATIONAL::operator-() const
+{
+    return {-WIDE_INT(m_numerator), m_denominator};
 }
 
 RATIONAL RATIONAL::magnitude() const
@@ -90,12 +158,32 @@ bool RATIONAL::operator<(const RATIONAL& other) const
            WIDE_INT(other.m_numerator) * m_denominator;
 }
 
+bool RATIONAL::operator<=(const RATIONAL& other) const
+{
+    return is_valid() && other.is_valid() && !(other < *this);
+}
+
 RATIONAL RATIONAL::rounded() const
 {
     if (!is_valid()) {
         return *this;
     }
     return {divide_to_nearest(m_numerator, m_denominator), 1};
+}
+
+RATIONAL RATIONAL::floor() const
+{
+    if (!is_valid()) {
+        return *this;
+    }
+    const std::int64_t quotient = m_numerator / m_denominator;
+    const bool is_cut_up = m_numerator < 0 && m_numerator % m_denominator != 0;
+    return {WIDE_INT(quotient) - (is_cut_up ? 1 : 0)};
+}
+
+RATIONAL RATIONAL::ceil() const
+{
+    return -(-*this).floor();
 }
 
 double RATIONAL::to_double() const
@@ -105,6 +193,9 @@ double RATIONAL::to_double() const
 
 std::string RATIONAL::to_decimal(int decimals) const
 {
+    if (!is_valid()) {
+        return "invalid";
+    }
     const WIDE_INT scaled =
         divide_to_nearest(WIDE_INT(m_numerator) * power_of_ten(decimals), m_denominator);
     std::string text = digits_of(magnitude_of(scaled));
@@ -123,16 +214,20 @@ std::string RATIONAL::to_decimal(int decimals) const
 
 std::string RATIONAL::to_fraction() const
 {
+    if (!is_valid()) {
+        return "invalid";
+    }
     const std::string numerator = std::to_string(m_numerator);
     return is_integer() ? numerator : numerator + "/" + std::to_string(m_denominator);
 }
 
 std::int64_t power_of_ten(int exponent)
 {
-    constexpr std::int64_t BASE = 10;
     std::int64_t power = 1;
     for (int i = 0; i < exponent; ++i) {
         power *= BASE;
     }
     return power;
 }
+
+}  // namespace advice
