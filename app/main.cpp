@@ -1,16 +1,16 @@
 // pllcalc: computes the settings of a phase-locked loop from the clocks that are wanted.
 
-#include "answer.h"
-#include "characters.h"
-#include "command_line.h"
-#include "device.h"
-#include "input_error.h"
-#include "internal_errors.h"
-#include "lint.h"
-#include "output.h"
-#include "quantity.h"
-#include "report.h"
-#include "usage_error.h"
+#include "app/answer/answer.h"
+#include "app/command/command_line.h"
+#include "app/devices/device.h"
+#include "app/lint/lint.h"
+#include "app/output/characters.h"
+#include "app/output/input_error.h"
+#include "app/output/internal_errors.h"
+#include "app/output/output.h"
+#include "app/reports/reports.h"
+#include "app/words/quantity.h"
+#include "app/words/usage_error.h"
 
 #include <cstdio>
 #include <limits>

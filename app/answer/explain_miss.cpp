@@ -1,0 +1,261 @@
+#include "app/answer/answer.h"
+#include "app/answer/table_choice.h"
+#include "app/output/format.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr int MHZ_DECIMALS = 3;
+constexpr int KHZ_DECIMALS = 3;
+constexpr int PERCENT_DECIMALS = 3;
+constexpr double MAX_DOWN_SPREAD = 0.006;  // of the library
+
+typedef std::vector<std::string> LINES;
+
+// How far a period lies outside the VCO range of a post-scale; 0 inside.
+double vco_distance(const REQUEST& request, const PLL& pll, int post_scale)
+{
+    const double period = pll.get_vco_period();
+    return std::max({period - vco_max_period(request, pll, post_scale),
+                     pll.get_vco_min_period(post_scale) - period, 0.0});
+}
+
+int nearest_post_scale(const REQUEST& request, const PLL& pll)
+{
+    int nearest = 1;
+    for (int i = 2; i <= std::min(pll.m_max_vco_post_scale, PLL_VCO_POST_SCALE_MAX); ++i) {
+        if (vco_distance(request, pll, i) < vco_distance(request, pll, nearest)) {
+            nearest = i;
+        }
+    }
+    return nearest;
+}
+
+// A wish that can rule M and N out, and how to do without it.
+struct OBSTACLE
+{
+    const char* m_name;
+    void (*m_remove)(PLL_PROP* prop);
+};
+
+const OBSTACLE OBSTACLES[] = {
+    {"the bandwidth", [](PLL_PROP* prop) { prop->m_bandwidth_type = BANDWIDTH_AUTO; }},
+    {"the spread", [](PLL_PROP* prop) { prop->m_down_spread = 0.0; }},
+    {"the second input", [](PLL_PROP* prop) { prop->m_fin2_period = 0; }},
+};
+
+bool can_try(const REQUEST& request, const PLL_PROP& prop)
+{
+    PLL pll(prop.m_taps_count, request.m_max_outputs);
+    set_limits(request, &pll);
+    return pll.synthesize(prop) || has_candidate(pll);
+}
+
+// Asks the library again without each of the wishes that can rule M and N out, then without any.
+// False when that finds no M and N either.
+bool explain_obstacles(const REQUEST& request, const PLL& pll, LINES* lines)
+{
+    const double spread = request.m_prop.m_down_spread;
+    if (spread > 0.0 && spread * pll.m_m.m_max_count < 1.0) {
+        lines->push_back("missed: the spread; M is at most " + std::to_string(pll.m_m.m_max_count) +
+                         " and M x spread at least 1, so it is " +
+                         format_short(PERCENT / pll.m_m.m_max_count, PERCENT_DECIMALS) +
+                         " % or more");
+        return true;
+    }
+    PLL_PROP without_any = request.m_prop;
+    for (const OBSTACLE& obstacle : OBSTACLES) {
+        PLL_PROP without = request.m_prop;
+        obstacle.m_remove(&without);
+        obstacle.m_remove(&without_any);
+        if (can_try(request, without)) {
+            lines->push_back("missed: " + std::string(obstacle.m_name) +
+                             "; without it there are M and N for the VCO and PFD ranges");
+            return true;
+        }
+    }
+    if (can_try(request, without_any)) {
+        lines->push_back("missed: bandwidth, spread and second input taken together; without them "
+                         "there are M and N");
+        return true;
+    }
+    return false;
+}
+
+// "10 MHz, 2 MHz below its range 12 to 100 MHz", of a period outside its range.
+std::string miss_of_period(double period, int min_period, int max_period)
+{
+    const bool is_low = period > max_period;
+    const double miss = std::abs(PS_MHZ / period - PS_MHZ / (is_low ? max_period : min_period));
+    return format_period_as_mhz(period) + " MHz, " + format_short(miss, MHZ_DECIMALS) + " MHz " +
+           (is_low ? "below" : "above") + " its range " + format_period_as_mhz(max_period) +
+           " to " + format_period_as_mhz(min_period) + " MHz";
+}
+
+void explain_no_candidate(const REQUEST& request, const PLL& pll, LINES* lines)
+{
+    if (explain_obstacles(request, pll, lines)) {
+        return;
+    }
+    const int post_scale = nearest_post_scale(request, pll);
+    const int min_period = pll.get_vco_min_period(post_scale);
+    const int max_period = vco_max_period(request, pll, post_scale);
+    const double vco_period = pll.get_vco_period();
+    const double pfd_period = double(request.m_prop.m_fin_period) * pll.get_n();
+    const bool vco_misses = vco_period > max_period || vco_period < min_period;
+    lines->push_back(
+        "closest: M " + std::to_string(pll.get_m()) + ", N " + std::to_string(pll.get_n()) +
+        (vco_misses
+             ? ", VCO " + miss_of_period(vco_period, min_period, max_period)
+             : ", PFD " + miss_of_period(pfd_period, pll.m_pfd_min_period, pll.m_pfd_max_period)));
+    lines->push_back("missed: all outputs; without a VCO frequency none of them could be tried");
+}
+
+void explain_missed_outputs(const REQUEST& request, const ANSWER& answer, LINES* lines)
+{
+    for (std::size_t i = 0; i < answer.get_outputs().size(); ++i) {
+        const OUTPUT_RESULT& output = answer.get_outputs()[i];
+        if (!output.m_missed) {
+            continue;
+        }
+        const PLL_OUTPUT_TAP& tap = answer.get_pll().m_taps[i];
+        const RATIONAL input = request.m_input.m_frequency;
+        const std::string asked = format_mhz_short(input, request.m_outputs[i].m_ratio) + " MHz";
+        std::string line = "missed: output " + std::to_string(i + 1);
+        if (output.m_error == RATIONAL()) {
+            line += ", whose counter does not fit the division that gives " + asked;
+        } else {
+            line += ", closest " + format_mhz_short(input, output.m_ratio) + " MHz instead of " +
+                    asked + ", " + format_error(output.m_error);
+        }
+        if (is_at_largest_count(tap)) {
+            line += "\n  its counter is at its largest count";
+        }
+        if (static_cast<int>(i) == request.m_prop.m_feedback_tap) {
+            line += "\n  it is the feedback";
+        }
+        lines->push_back(line);
+    }
+    const PLL_PROP& asked = request.m_prop;
+    const PLL_PROP& achieved = answer.get_achieved();
+    const RATIONAL vco(achieved.m_vco_mult, achieved.m_vco_div);
+    if (asked.m_vco_mult >= 1 && !(vco == RATIONAL(asked.m_vco_mult, asked.m_vco_div))) {
+        lines->push_back("missed: the VCO ratio " +
+                         RATIONAL(asked.m_vco_mult, asked.m_vco_div).to_fraction() + ", closest " +
+                         vco.to_fraction());
+    }
+}
+
+void explain_delays(const REQUEST& request, LINES* lines)
+{
+    int first = 0;
+    int last = 0;
+    for (int i = 1; i < request.m_prop.m_taps_count; ++i) {
+        first = request.m_prop.m_taps[i].m_delay < request.m_prop.m_taps[first].m_delay ? i : first;
+        last = request.m_prop.m_taps[i].m_delay > request.m_prop.m_taps[last].m_delay ? i : last;
+    }
+    const int span = request.m_prop.m_taps[last].m_delay - request.m_prop.m_taps[first].m_delay;
+    lines->push_back("missed: output " + std::to_string(last + 1) + " is delayed by " +
+                     std::to_string(span) + " ps more than output " + std::to_string(first + 1) +
+                     ", " + std::to_string(span - MAX_DELAY_CHAIN_VALUE) + " ps beyond the " +
+                     std::to_string(MAX_DELAY_CHAIN_VALUE) + " ps of a chain");
+}
+
+void explain_input(const char* name, const INPUT_CLOCK& input, const PLL& pll, LINES* lines)
+{
+    if (input.m_library_period < pll.m_fin_min_period) {
+        lines->push_back("missed: " + std::string(name) + " runs at " +
+                         format_mhz_short(input.m_frequency) + " MHz, legal are at most " +
+                         format_period_as_mhz(pll.m_fin_min_period) + " MHz");
+    }
+}
+
+void explain_error(const REQUEST& request, const ANSWER& answer, LINES* lines)
+{
+    const PLL& pll = answer.get_pll();
+    switch (pll.m_error) {
+    case PLL::PLL_DELAY_RANGE_TOO_WIDE:
+        explain_delays(request, lines);
+        break;
+    case PLL::PLL_SS_TOO_HIGH:
+        lines->push_back("missed: a spread of " +
+                         format_short(request.m_prop.m_down_spread * PERCENT, PERCENT_DECIMALS) +
+                         " % is asked for, legal are at most " +
+                         format_short(MAX_DOWN_SPREAD * PERCENT, PERCENT_DECIMALS) + " %");
+        break;
+    case PLL::PLL_FIN_OUT_OF_RANGE:
+        explain_input("the input", request.m_input, pll, lines);
+        if (request.m_input2) {
+            explain_input("the second input", *request.m_input2, pll, lines);
+        }
+        break;
+    case PLL::PLL_NO_BANDWIDTH_FOR_MULT_DIV:
+        lines->push_back("missed: the loop filter; the table has no row for effective M " +
+                         std::to_string(effective_m(pll)));
+        break;
+    case PLL::PLL_NO_BANDWIDTH_FOR_FIN_MULT_DIV:
+        lines->push_back(
+            "missed: the loop filter; the best row has a bandwidth of up to " +
+            format_short(answer.get_achieved().m_bandwidth_max / HZ_PER_KHZ, KHZ_DECIMALS) +
+            " kHz, the PFD allows " +
+            format_short(largest_bandwidth(request, pll) / HZ_PER_KHZ, KHZ_DECIMALS) + " kHz");
+        break;
+    case PLL::PLL_NO_ERROR:
+    case PLL::PLL_M_N_NOT_FOUND:
+    case PLL::PLL_M_N_NOT_FOUND_2:
+    case PLL::PLL_POST_DIVIDER_MAX_EXCEEDED:
+    case PLL::PLL_MULT_DIV_NOT_ACHIEVED:
+    case PLL::PLL_SS_REQUIRES_LOW_BANDWIDTH:
+    case PLL::MAX_PLL_ERROR_TYPE:
+        break;
+    }
+    // Behind its own reason: an error of a late check hides those of the search.
+    if (answer.has_outputs()) {
+        explain_missed_outputs(request, answer, lines);
+    } else {
+        explain_no_candidate(request, pll, lines);
+    }
+}
+
+void explain_tolerance(const REQUEST& request, const ANSWER& answer, LINES* lines)
+{
+    const RATIONAL tolerance = *request.m_tolerance;
+    lines->push_back(tolerance == RATIONAL()
+                         ? "The library takes every output for met; exact ones were asked for."
+                         : "The library takes every output for met; the tolerance asked for is " +
+                               format_part(tolerance) + ".");
+    explain_missed_outputs(request, answer, lines);
+    lines->push_back("This answer misses it, which does not say that no other setting meets it.");
+}
+
+}  // namespace
+
+int vco_max_period(const REQUEST& request, const PLL& pll, int post_scale)
+{
+    const int spread_max = pll.get_ss_vco_max_period(post_scale);
+    const bool limited =
+        request.m_prop.m_down_spread > 0.0 && pll.m_ss_supported && spread_max != PLL_UNSET_MINIMUM;
+    return limited ? spread_max : pll.get_vco_max_period(post_scale);
+}
+
+int settled_post_scale(const REQUEST& request, const ANSWER& answer)
+{
+    return answer.has_outputs() ? answer.get_pll().m_vco_post_scale
+                                : nearest_post_scale(request, answer.get_pll());
+}
+
+std::vector<std::string> explain_miss(const REQUEST& request, const ANSWER& answer)
+{
+    LINES lines;
+    if (!answer.is_met_by_library()) {
+        const PLL::PLL_ERROR_TYPE error = answer.get_pll().m_error;
+        lines.push_back("error " + std::to_string(static_cast<int>(error)) + ": " +
+                        PLL::get_error_string(error));
+        explain_error(request, answer, &lines);
+    } else if (!answer.is_met()) {
+        explain_tolerance(request, answer, &lines);
+    }
+    return lines;
+}

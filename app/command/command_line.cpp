@@ -1,0 +1,369 @@
+#include "app/command/command_line.h"
+
+#include "app/lint/options.h"
+#include "app/words/suggestion.h"
+#include "app/words/usage_error.h"
+
+#include <CLI/CLI.hpp>
+
+#include <string_view>
+#include <vector>
+
+namespace {
+
+const char* const PROGRAM_EXAMPLES =
+    "Examples:\n"
+    "  pllcalc synth --in 27MHz --out 148.5MHz --out 74.25MHz,phase=90,duty=40\n"
+    "  pllcalc synth --in 100MHz --out ratio=11/2 --spread 0.5% --spread-rate 30kHz\n"
+    "  pllcalc ratios --in 100MHz --format csv\n"
+    "  pllcalc synth --help\n"
+    "\n"
+    "pllcalc computes the settings of a phase-locked loop from the clocks that are wanted.\n"
+    "\n"
+    "Usage: pllcalc COMMAND [OPTIONS]\n"
+    "\n"
+    "Commands:\n";
+
+const char* const PROGRAM_OPTIONS =
+    "\n"
+    "Options:\n"
+    "  -h,--help   this text, or that of a command\n"
+    "  --version   the version\n"
+    "\n"
+    "Exit status: 0 met, 1 not met, 2 bad usage, 4 input or output failed, 5 internal error;\n"
+    "of lint: 0 clean, 1 warnings with -Werror, 3 errors, 4 unreadable.\n";
+
+const char* const REQUEST_HELP =
+    "\nEach --out is one output, numbered from 1: a frequency or ratio=A/B to the input, then any "
+    "of\n"
+    "  phase=90         degrees of the output (-360 to 360: a period), or a time such as 1.5ns\n"
+    "  duty=40          percent, whole, 1 to 99\n"
+    "  delay=-250       ps, whole, -3000 to 3000\n"
+    "  even             a counter without the half period\n"
+    "  even-count       even high and low counts\n"
+    "Frequencies are numbers with Hz, kHz, MHz or GHz, or a period with ps, ns or us. Numbers are\n"
+    "decimals or fractions: 148.5MHz, 1001/37MHz, 148.5/1.001MHz. The ratio to the input is "
+    "formed\n"
+    "exactly; the library takes an output within a thousandth for met, see --tolerance.\n";
+
+// How much of a device database a command asks for.
+enum class DEVICE_OPTIONS
+{
+    NONE,
+    FAMILY,  // the database, or a family of it
+    DEVICE
+};
+
+struct COMMAND_ENTRY
+{
+    const char* m_name;
+    COMMAND m_command;
+    const char* m_summary;
+    const char* m_examples;
+    const char* m_description;
+    bool m_takes_request;
+    DEVICE_OPTIONS m_device_options;
+    bool m_takes_format;
+};
+
+const COMMAND_ENTRY COMMANDS[] = {
+    {"synth", COMMAND::SYNTH, "the settings for a request, and what they achieve",
+     "  pllcalc synth --in 27MHz --out 148.5MHz --out 74.25MHz,phase=90,duty=40 --out 24.576MHz\n"
+     "  pllcalc synth --in 1001/37MHz --out ratio=11/2 --exact\n"
+     "  pllcalc synth --in 10ns --out 50MHz,delay=300 --bandwidth 1.2MHz --feedback 1\n",
+     "Computes the settings for a request and shows what they achieve.", true,
+     DEVICE_OPTIONS::DEVICE, false},
+    {"steps", COMMAND::STEPS,
+     "the legal phase steps and duty cycles around the answer to a request",
+     "  pllcalc steps --in 100MHz --out 50MHz,phase=45 --out 25MHz,duty=30\n",
+     "Lists the legal phase steps and duty cycles around the answer to a request.", true,
+     DEVICE_OPTIONS::DEVICE, false},
+    {"dump", COMMAND::DUMP, "the library's own reports of a request and its answer",
+     "  pllcalc dump --in 100MHz --out 50MHz\n"
+     "  pllcalc dump --compact --in 100MHz --out 50MHz\n",
+     "Prints the library's own reports of a request and its answer. Their phases are in degrees of "
+     "the\ninput clock.",
+     true, DEVICE_OPTIONS::DEVICE, false},
+    {"ratios", COMMAND::RATIOS, "all VCO ratios that can be realised from an input clock",
+     "  pllcalc ratios --in 100MHz\n"
+     "  pllcalc ratios --in 37.037ns --format csv\n",
+     "Lists all VCO ratios that can be realised from an input clock, by ascending ratio.", false,
+     DEVICE_OPTIONS::DEVICE, true},
+    {"devices", COMMAND::DEVICES, "the families, parts and speed grades of a device database",
+     "  pllcalc devices --database data/sample\n"
+     "  pllcalc devices --database data/sample --family Sorrel --format csv\n",
+     "Lists the parts of a device database with their VCO, PFD and input ranges.", false,
+     DEVICE_OPTIONS::FAMILY, true},
+    {"device", COMMAND::DEVICE, "all that a device database knows of one PLL",
+     "  pllcalc device --database data/sample --family Lovage --part LV100-2\n"
+     "  pllcalc device --database data/sample --family Sorrel --type ENHANCED_PLL --part SR20-7 "
+     "--migrate Chervil:CH30-6\n",
+     "Shows all that a device database knows of one PLL, limits combined.", false,
+     DEVICE_OPTIONS::DEVICE, true},
+    {"table", COMMAND::TABLE, "the bandwidth settings table of a PLL, and the row for a request",
+     "  pllcalc table --database data/sample --family Tarragon --m 24\n"
+     "  pllcalc table --database data/sample --family Chervil --in 27MHz --out 148.5MHz\n",
+     "Shows the bandwidth settings table of a PLL and checks it (exit status 1 when it finds "
+     "fault);\n"
+     "with a request, the rows that it may take, what each costs, and which is taken.",
+     true, DEVICE_OPTIONS::DEVICE, true},
+    {"errors", COMMAND::ERRORS, "the error values and their texts", "  pllcalc errors\n",
+     "Lists the error values and their texts.", false, DEVICE_OPTIONS::NONE, false},
+    {"lint", COMMAND::LINT, "what is wrong with the files of a device database", LINT_EXAMPLES,
+     "Looks for mistakes in the files of a device database.", false, DEVICE_OPTIONS::NONE, false},
+};
+
+std::vector<std::string_view> list_commands()
+{
+    std::vector<std::string_view> names;
+    for (const COMMAND_ENTRY& entry : COMMANDS) {
+        names.emplace_back(entry.m_name);
+    }
+    return names;
+}
+
+std::string join_commands()
+{
+    std::string text;
+    for (const std::string_view name : list_commands()) {
+        text += (text.empty() ? "" : ", ") + std::string(name);
+    }
+    return text;
+}
+
+const COMMAND_ENTRY& find_command(std::string_view name)
+{
+    for (const COMMAND_ENTRY& entry : COMMANDS) {
+        if (name == entry.m_name) {
+            return entry;
+        }
+    }
+    const bool is_option = name.substr(0, 1) == "-";
+    throw USAGE_ERROR(
+        name.empty() ? "''" : std::string(name),
+        std::string(is_option ? "unknown option" : "unknown command") + "; legal are " +
+            (is_option ? "--help, --version, or a command first: " : "") + join_commands() +
+            suggest(name, is_option ? std::vector<std::string_view>{"--help", "--version"}
+                                    : list_commands()));
+}
+
+void add_text(CLI::App* app, const char* name, const char* unit, const char* description,
+              std::optional<std::string>* value)
+{
+    app->add_option_function<std::string>(
+           name, [value](const std::string& text) { *value = text; }, description)
+        ->option_text(unit);
+}
+
+void add_request_options(CLI::App* app, REQUEST_WORDS* words)
+{
+    add_text(app, "--in", "FREQ", "input clock", &words->m_in);
+    add_text(app, "--in2", "FREQ", "second input clock", &words->m_in2);
+    app->add_option("--out", words->m_outs, "an output; once for each")
+        ->option_text("FREQ|ratio=A/B,...")
+        ->allow_extra_args(false);
+    add_text(app, "--bandwidth", "WHICH", "high, medium, low, auto, or a frequency",
+             &words->m_bandwidth);
+    add_text(app, "--spread", "PERCENT", "down spread, above 0, such as 0.5%", &words->m_spread);
+    add_text(app, "--spread-rate", "FREQ", "its modulation frequency (default 50kHz)",
+             &words->m_spread_rate);
+    add_text(app, "--feedback", "OUTPUT", "the output that is the feedback (default: counter M)",
+             &words->m_feedback);
+    add_text(app, "--vco-ratio", "A/B", "VCO to input, to be met too", &words->m_vco_ratio);
+    app->add_flag("--reconfig", words->m_reconfig, "the PLL is reconfigured at run time")
+        ->disable_flag_override();
+    add_text(app, "--max-outputs", "COUNT", "outputs of the device (default: its own, built in 10)",
+             &words->m_max_outputs);
+    add_text(app, "--tolerance", "PART", "largest error of an output, such as 50ppm, for 'met'",
+             &words->m_tolerance);
+    app->add_flag("--exact", words->m_exact, "only exact outputs count as met")
+        ->disable_flag_override();
+}
+
+void add_device_options(DEVICE_OPTIONS options, CLI::App* app, DEVICE_WORDS* words)
+{
+    if (options == DEVICE_OPTIONS::NONE) {
+        return;
+    }
+    add_text(app, "--database", "DIR", "device database (default: environment PLL_DATABASE)",
+             &words->m_database);
+    add_text(app, "--family", "NAME", "device family", &words->m_family);
+    if (options == DEVICE_OPTIONS::FAMILY) {
+        return;
+    }
+    add_text(app, "--type", "NAME", "PLL type", &words->m_type);
+    add_text(app, "--part", "NAME", "part (default: all, with the widest limits)", &words->m_part);
+    add_text(app, "--speed-grade", "NAME", "speed grade (default: all, likewise)",
+             &words->m_speed_grade);
+    app->add_option("--migrate", words->m_migrate, "a device to fit too; once for each")
+        ->option_text("FAMILY:PART:GRADE")
+        ->allow_extra_args(false);
+}
+
+void add_format_option(CLI::App* app, LIST_FORM* form)
+{
+    app->add_option_function<std::string>(
+           "--format",
+           [form](const std::string& text) {
+               if (text != "table" && text != "csv" && text != "json") {
+                   throw USAGE_ERROR("--format",
+                                     "'" + text + "' is not legal; expected table, csv or json");
+               }
+               *form = text == "csv"    ? LIST_FORM::CSV
+                       : text == "json" ? LIST_FORM::JSON
+                                        : LIST_FORM::TABLE;
+           },
+           "table, csv or json (default table)")
+        ->option_text("FORM");
+}
+
+void add_options(const COMMAND_ENTRY& entry, CLI::App* app, COMMAND_LINE* line)
+{
+    app->set_help_flag("-h,--help", "this text");
+    if (entry.m_takes_request) {
+        add_request_options(app, &line->m_request);
+    }
+    if (entry.m_command == COMMAND::DUMP) {
+        app->add_flag_callback(
+               "--compact", [line] { line->m_dump_form = DUMP_FORM::COMPACT; },
+               "tab-separated values")
+            ->disable_flag_override();
+    }
+    if (entry.m_command == COMMAND::LINT) {
+        add_lint_options(app, &line->m_lint);
+    }
+    if (entry.m_command == COMMAND::RATIOS) {
+        add_text(app, "--in", "FREQ", "input clock", &line->m_request.m_in);
+    }
+    add_device_options(entry.m_device_options, app, &line->m_device);
+    if (entry.m_command == COMMAND::TABLE) {
+        add_text(app, "--m", "M", "only the rows of this effective M", &line->m_effective_m);
+    }
+    if (entry.m_takes_format) {
+        add_format_option(app, &line->m_list_form);
+    }
+}
+
+// The first word that no option took.
+[[noreturn]] void refuse_extra(CLI::App* app)
+{
+    const std::vector<std::string> rest = app->remaining();
+    const std::string word = rest.empty() ? std::string() : rest.front();
+    if (word.substr(0, 1) != "-") {
+        throw USAGE_ERROR("'" + word + "'", "unexpected; every value stands behind its option");
+    }
+    std::vector<std::string> names;
+    for (const CLI::Option* option : app->get_options()) {
+        for (const std::string& long_name : option->get_lnames()) {
+            names.push_back("--" + long_name);
+        }
+    }
+    const std::string name = word.substr(0, word.find('='));
+    const std::string nearest = suggest(name, {names.begin(), names.end()});
+    const std::string help = "; see " + app->get_name() + " --help";
+    throw USAGE_ERROR(name, "unknown option" + (nearest.empty() ? help : nearest));
+}
+
+// A value that is missing or out of place, or an option that stands twice.
+[[noreturn]] void refuse_count(const CLI::ArgumentMismatch& error)
+{
+    const std::string text = error.what();
+    const std::string name = text.substr(0, text.find_first_of(": "));
+    if (text.find("missing") != std::string::npos) {
+        throw USAGE_ERROR(name, "needs a value");
+    }
+    if (text.find("override") != std::string::npos) {
+        throw USAGE_ERROR("--" + name, "takes no value");
+    }
+    throw USAGE_ERROR(name, "may be given once");
+}
+
+// Left to itself, the parser takes the word behind "--in=" for the value.
+void refuse_empty_values(CLI::App* app, int count, const char* const* words)
+{
+    for (int i = 1; i < count; ++i) {
+        const std::string word = words[i];
+        const std::string name = word.substr(0, word.find('='));
+        const CLI::Option* const option = app->get_option_no_throw(name);
+        if (name.size() + 1 == word.size() && option != nullptr &&
+            option->get_items_expected() > 0) {
+            throw USAGE_ERROR(name, "needs a value");
+        }
+    }
+}
+
+std::string write_program_help()
+{
+    constexpr std::size_t NAME_WIDTH = 9;
+    std::string text = PROGRAM_EXAMPLES;
+    for (const COMMAND_ENTRY& entry : COMMANDS) {
+        std::string name = entry.m_name;
+        name.resize(NAME_WIDTH, ' ');
+        text += "  " + name + entry.m_summary + "\n";
+    }
+    return text + PROGRAM_OPTIONS;
+}
+
+std::string write_help(const COMMAND_ENTRY& entry, CLI::App* app)
+{
+    constexpr std::size_t NAME_WIDTH = 34;
+    app->get_formatter()->column_width(NAME_WIDTH);
+    return "Examples:\n" + std::string(entry.m_examples) + "\n" + app->help() +
+           (entry.m_takes_request ? REQUEST_HELP : "");
+}
+
+bool parse(const COMMAND_ENTRY& entry, int count, const char* const* words, COMMAND_LINE* line,
+           std::string* help)
+{
+    CLI::App app(entry.m_description, std::string("pllcalc ") + entry.m_name);
+    add_options(entry, &app, line);
+    refuse_empty_values(&app, count, words);
+    try {
+        app.parse(count, words);
+    } catch (const CLI::CallForHelp&) {
+        *help = write_help(entry, &app);
+        return false;
+    } catch (const CLI::ExtrasError&) {
+        refuse_extra(&app);
+    } catch (const CLI::RequiredError&) {
+        // The mistake may be an unknown option instead.
+        if (!app.remaining().empty()) {
+            refuse_extra(&app);
+        }
+    } catch (const CLI::ArgumentMismatch& error) {
+        refuse_count(error);
+    } catch (const CLI::ParseError& error) {
+        throw USAGE_ERROR(entry.m_name, error.what());
+    }
+    if (entry.m_command == COMMAND::LINT) {
+        require_lint_path(line->m_lint);
+    }
+    return true;
+}
+
+}  // namespace
+
+std::optional<COMMAND_LINE> read_command_line(int count, const char* const* words,
+                                              std::string* help)
+{
+    if (count < 2) {
+        throw USAGE_ERROR("command",
+                          "missing; legal are " + join_commands() + " (see pllcalc --help)");
+    }
+    const std::string_view name = words[1];
+    if (name == "--help" || name == "-h" || name == "help") {
+        *help = write_program_help();
+        return std::nullopt;
+    }
+    if (name == "--version") {
+        *help = "pllcalc " PLLCALC_VERSION "\n";
+        return std::nullopt;
+    }
+    const COMMAND_ENTRY& entry = find_command(name);
+    COMMAND_LINE line;
+    line.m_command = entry.m_command;
+    if (!parse(entry, count - 1, words + 1, &line, help)) {
+        return std::nullopt;
+    }
+    return line;
+}

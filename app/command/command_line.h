@@ -1,0 +1,39 @@
+// The command line of the program.
+#pragma once
+
+#include "app/devices/device.h"
+#include "app/lint/lint.h"
+#include "app/reports/reports.h"
+#include "app/request/request.h"
+
+#include <optional>
+#include <string>
+
+enum class COMMAND
+{
+    SYNTH,
+    STEPS,
+    DUMP,
+    RATIOS,
+    DEVICES,
+    DEVICE,
+    TABLE,
+    ERRORS,
+    LINT
+};
+
+struct COMMAND_LINE
+{
+    COMMAND m_command;
+    REQUEST_WORDS m_request;  // of ratios, the input alone
+    DEVICE_WORDS m_device;
+    std::optional<std::string> m_effective_m;  // of table, the M whose rows are wanted
+    DUMP_FORM m_dump_form = DUMP_FORM::FULL;
+    LIST_FORM m_list_form = LIST_FORM::TABLE;
+    LINT_REQUEST m_lint;
+};
+
+// Reads the command line. None when it asks for help or the version: `help` then receives the text.
+// Throws a USAGE_ERROR.
+std::optional<COMMAND_LINE> read_command_line(int count, const char* const* words,
+                                              std::string* help);

@@ -1,0 +1,56 @@
+// What the commands print, as texts of at most 100 columns.
+#pragma once
+
+#include "app/answer/answer.h"
+#include "app/devices/device.h"
+#include "app/output/record_list.h"
+#include "app/request/request.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+enum class DUMP_FORM
+{
+    FULL,
+    COMPACT
+};
+// The answer to a request: whether it is met, settings, and what they achieve.
+std::string report_synthesis(const REQUEST& request, const ANSWER& answer);
+
+// "MET" or "NOT MET" with the reasons.
+std::string report_verdict(const REQUEST& request, const ANSWER& answer);
+
+// The legal phase steps and duty cycles around the answer, for each output.
+std::string report_steps(const REQUEST& request, const ANSWER& answer);
+
+// The library's own reports of request, settings and achieved properties.
+std::string report_dump(const REQUEST& request, const ANSWER& answer, DUMP_FORM form);
+
+// All VCO ratios that a device, or none: the built-in limits, can realise from an input clock;
+// `count` receives how many.
+std::string report_ratios(const INPUT_CLOCK& input, const DEVICE* device, LIST_FORM form,
+                          int* count);
+
+// The parts of a database, or of one family of it, with their ranges. Families that cannot be read
+// are left out and told in `failures`; the one asked for by name throws as DATABASE does.
+std::string report_devices(const DEVICE_WORDS& words, LIST_FORM form,
+                           std::vector<std::string>* failures);
+
+// All that the database knows of a device.
+std::string report_device(const DEVICE& device, LIST_FORM form);
+
+// The bandwidth settings table of a device, or its rows for one effective M. `findings` receives
+// the lines of the library's check.
+std::string report_table(const DEVICE& device, std::optional<int> effective_m, LIST_FORM form,
+                         std::vector<std::string>* findings);
+
+// The rows that an answer could have taken, their costs, and which it took.
+std::string report_choices(const REQUEST& request, const ANSWER& answer, LIST_FORM form);
+
+// The devices of a request and, where they are several, which of them set the limits that the
+// answer meets. Empty without a device.
+std::string report_origins(const REQUEST& request, const ANSWER& answer);
+
+// The error values of the library with their texts.
+std::string report_errors();

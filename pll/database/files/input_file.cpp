@@ -1,0 +1,113 @@
+#include "database/files/input_file.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <limits>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+bool is_regular_file(const char* name)
+{
+    struct stat status;
+    return stat(name, &status) == 0 && S_ISREG(status.st_mode);
+}
+
+// Without O_NONBLOCK a pipe that took the file's place since it was looked at would block.
+int open_for_reading(const char* name)
+{
+    int descriptor = -1;
+    do {
+        descriptor = open(name, O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
+    } while (descriptor < 0 && errno == EINTR);
+    return descriptor;
+}
+
+}  // namespace
+
+PLL_INPUT_FILE::PLL_INPUT_FILE()
+    : m_descriptor(-1), m_next(0), m_end(0), m_line_number(0), m_line_length(0), m_block{}
+{
+}
+
+PLL_INPUT_FILE::~PLL_INPUT_FILE()
+{
+    close();
+}
+
+bool PLL_INPUT_FILE::open(const char* name)
+{
+    close();
+    if (!is_regular_file(name)) {
+        return false;
+    }
+    m_descriptor = open_for_reading(name);
+    return m_descriptor >= 0;
+}
+
+void PLL_INPUT_FILE::close()
+{
+    if (m_descriptor >= 0) {
+        ::close(m_descriptor);
+    }
+    m_descriptor = -1;
+    m_next = 0;
+    m_end = 0;
+    m_line_number = 0;
+}
+
+bool PLL_INPUT_FILE::fill()
+{
+    ssize_t size = -1;
+    do {
+        size = ::read(m_descriptor, m_block, BLOCK_SIZE);
+    } while (size < 0 && errno == EINTR);
+    m_next = 0;
+    m_end = size > 0 ? static_cast<std::size_t>(size) : 0;
+    return m_end != 0;
+}
+
+bool PLL_INPUT_FILE::is_at_end()
+{
+    return m_descriptor < 0 || (m_next == m_end && !fill());
+}
+
+void PLL_INPUT_FILE::read_line(char* line)
+{
+    const std::size_t ROOM = PLL_LINE_SIZE - 1;
+    std::size_t length = 0;  // of the line, the dropped characters included
+    char last = '\0';        // of them
+    bool is_broken = false;
+    while (!is_broken && !is_at_end()) {
+        const char* const start = m_block + m_next;
+        const void* const line_break = std::memchr(start, '\n', m_end - m_next);
+        is_broken = line_break != nullptr;
+        const char* const end = is_broken ? static_cast<const char*>(line_break) : m_block + m_end;
+        const std::size_t size = static_cast<std::size_t>(end - start);
+        if (length < ROOM) {
+            std::memcpy(line + length, start, std::min(size, ROOM - length));
+        }
+        last = size > 0 ? end[-1] : last;
+        length += size;
+        m_next += size + (is_broken ? 1 : 0);
+    }
+    if (is_broken && last == '\r') {
+        --length;
+    }
+    line[std::min(length, ROOM)] = '\0';
+    m_line_length = length;
+    if (m_line_number < std::numeric_limits<int>::max()) {
+        ++m_line_number;
+    }
+}
+
+char* PLL_INPUT_FILE::take_block(std::size_t* size)
+{
+    *size = is_at_end() ? 0 : m_end - m_next;
+    char* const block = m_block + m_next;
+    m_next = m_end;
+    return block;
+}

@@ -1,0 +1,153 @@
+// The bandwidth table of a device: its check, its listing and its release. The check writes its
+// findings to the standard output; nothing else in the library touches a standard stream.
+#include "pll_info.h"
+
+#include "platform/arith.h"
+#include "platform/report_error.h"
+
+#include <algorithm>
+#include <iostream>
+
+namespace {
+
+constexpr const char* SOURCE = "pll_info";
+
+// Writes findings in plain decimal, whatever the format of the standard output, and restores it.
+class FINDINGS
+{
+public:
+    FINDINGS() : m_stream(std::cout.rdbuf()), m_count(0) { m_stream.imbue(std::locale::classic()); }
+
+    template <class... ITEM>
+    void write(const ITEM&... items)
+    {
+        ++m_count;
+        (m_stream << ... << items) << std::endl;
+    }
+
+    bool is_empty() const { return m_count == 0; }
+
+private:
+    std::ostream m_stream;
+    int m_count;
+};
+
+// Returns the largest effective M that the device can set.
+int check_size(const PLL_BASIC_INFO& basic_info, FINDINGS* findings)
+{
+    if (!basic_info.m_use_bandwidth_settings_table) {
+        findings->write("Error: Bandwidth settings table set to not be used");
+    }
+    const int size = basic_info.m_bandwidth_settings_table_size;
+    if (size < 1) {
+        findings->write("Error: Bandwidth settings table size must be greater than 0");
+    }
+    const int max_m = wrap_mul(basic_info.m_vco_post_scale_counter_max, basic_info.m_m_counter_max);
+    if (wrap_add(max_m, 1) != size) {
+        findings->write("Error: max M size of ", max_m, " must be one less than table size of ",
+                        size);
+    }
+    return max_m;
+}
+
+void check_row(const PLL_BASIC_INFO& basic_info, int m, const PLL_BANDWIDTH_SETTING& row,
+               FINDINGS* findings)
+{
+    if (row.m_m != m) {
+        findings->write("Error: M=", m, " has setting with different M value: ", row.m_m);
+    }
+    if (!pll_array_value_exists(row.m_charge_pump_current, basic_info.m_charge_pump_currents,
+                                basic_info.m_number_of_charge_pump_currents)) {
+        findings->write("Error: M=", m, " has setting with illegal charge_pump_current: ",
+                        row.m_charge_pump_current);
+    }
+    if (!pll_array_value_exists(row.m_loop_filter_resistor, basic_info.m_loop_filter_resistors,
+                                basic_info.m_number_of_loop_filter_resistors)) {
+        findings->write("Error: M=", m, " has setting with illegal loop_filter_resistor: ",
+                        row.m_loop_filter_resistor);
+    }
+    if (row.m_loop_filter_capacitor >= 0 &&
+        !pll_array_value_exists(row.m_loop_filter_capacitor, basic_info.m_loop_filter_capacitors,
+                                basic_info.m_number_of_loop_filter_capacitors)) {
+        findings->write("Error: M=", m, " has setting with illegal loop_filter_capacitor: ",
+                        row.m_loop_filter_capacitor);
+    }
+}
+
+void check_table(const PLL_BASIC_INFO& basic_info, FINDINGS* findings)
+{
+    const int max_m = check_size(basic_info, findings);
+    const int size = basic_info.m_bandwidth_settings_table_size;
+    for (int m = 1; m <= max_m && m < size; ++m) {
+        for (const PLL_BANDWIDTH_SETTING* row :
+             basic_info.m_bandwidth_settings_table[m].m_settings) {
+            if (row != nullptr) {
+                check_row(basic_info, m, *row, findings);
+            }
+        }
+    }
+}
+
+void dump_row(std::ostream& stream, const PLL_BANDWIDTH_SETTING& row)
+{
+    stream << "   m=" << row.m_m << " i=" << row.m_charge_pump_current
+           << " r=" << row.m_loop_filter_resistor << " c=" << row.m_loop_filter_capacitor
+           << " typical:bw=" << row.m_typical_bandwidth << ",pm=" << row.m_typical_phase_margin
+           << ",jp=" << row.m_typical_jitter_peaking << " fast:bw=" << row.m_fast_bandwidth
+           << ",pm=" << row.m_fast_phase_margin << ",jp=" << row.m_fast_jitter_peaking
+           << " slow:bw=" << row.m_slow_bandwidth << ",pm=" << row.m_slow_phase_margin
+           << ",jp=" << row.m_slow_jitter_peaking << '\n';
+}
+
+void dump_group(std::ostream& stream, const PLL_BANDWIDTH_SETTING_GROUP& group)
+{
+    stream << "  list_size = " << group.m_settings.size() << ":\n";
+    for (const PLL_BANDWIDTH_SETTING* row : group.m_settings) {
+        if (row != nullptr) {
+            dump_row(stream, *row);
+        }
+    }
+}
+
+}  // namespace
+
+bool PLL_INFO::is_bandwidth_settings_table_valid() const
+{
+    check(this->has_info(), "this->has_info()", SOURCE);
+    FINDINGS findings;
+    if (m_basic_info == nullptr || m_basic_info->m_bandwidth_settings_table == nullptr) {
+        findings.write("Error: Bandwidth settings table doesn't exist");
+    } else {
+        check_table(*m_basic_info, &findings);
+    }
+    return findings.is_empty();
+}
+
+void PLL_INFO::dump_bandwidth_settings_table(std::ostream& stream) const
+{
+    check(this->has_info(), "this->has_info()", SOURCE);
+    const int size = m_basic_info == nullptr ? 0 : m_basic_info->m_bandwidth_settings_table_size;
+    const PLL_BANDWIDTH_SETTING_GROUP* table =
+        m_basic_info == nullptr ? nullptr : m_basic_info->m_bandwidth_settings_table;
+    stream << "Bandwidth Settings Table: (size=" << size << ")\n";
+    for (int i = 0; i < size; ++i) {
+        if (!check(table != nullptr, "bandwidth_settings_table != 0", SOURCE)) {
+            return;
+        }
+        stream << " m=" << i << ":\n";
+        dump_group(stream, table[i]);
+    }
+}
+
+void pll_delete_bandwidth_settings_table(PLL_BANDWIDTH_SETTING_GROUP*& table, int& size)
+{
+    for (int i = 0; table != nullptr && i < size; ++i) {
+        for (PLL_BANDWIDTH_SETTING*& row : table[i].m_settings) {
+            delete row;
+            row = nullptr;
+        }
+    }
+    delete[] table;
+    table = nullptr;
+    size = 0;
+}

@@ -1,0 +1,13 @@
+// What all stages ask of the taps of a PLL.
+#pragma once
+
+#include "pll.h"
+
+// M times post-scale times the count of the feedback output: what the loop divides by.
+int effective_feedback_division(const PLL& pll);
+
+// Clocks to walk over: never more than a record holds, never less than none.
+inline int clamp_taps(int count)
+{
+    return count < 0 ? 0 : (count > PLL_MAX_TAPS ? PLL_MAX_TAPS : count);
+}

@@ -1,0 +1,79 @@
+// Phases in VCO degrees: what a VCO tap and a counter start make, and which come nearest.
+#pragma once
+
+#include "pll.h"
+
+#include "platform/arith.h"
+#include "platform/report_error.h"
+
+#include <cstdint>
+
+inline constexpr int DEGREES_PER_VCO_PERIOD = 360;
+inline constexpr int DEGREES_PER_VCO_TAP = DEGREES_PER_VCO_PERIOD / PLL_VCO_TAPS_NUMBER;
+
+// A place to start a clock at.
+struct TAP_AND_START
+{
+    int m_vco_tap;
+    int m_start;
+
+    int vco_degrees() const
+    {
+        return wrap_to_int(std::int64_t{DEGREES_PER_VCO_PERIOD} * m_start +
+                           std::int64_t{DEGREES_PER_VCO_TAP} * m_vco_tap - DEGREES_PER_VCO_PERIOD);
+    }
+};
+
+inline void check_vco_tap(int vco_tap)
+{
+    check(0 <= vco_tap && vco_tap <= PLL_VCO_TAPS_NUMBER - 1,
+          "0 <= vco_tap && vco_tap <= PLL_VCO_TAPS_NUMBER - 1", "pll_util");
+}
+
+// The tap and the start, none above `max_start`, that come nearest to `phase`.
+inline TAP_AND_START nearest_tap_and_start(double phase, int max_start)
+{
+    constexpr double HALF = 0.5;
+    constexpr double LARGEST_PHASE = 2147483647.0;
+    const double p = std::min(phase, LARGEST_PHASE);  // lets a NaN through
+    int start = std::min(truncate_to_int(p + HALF) / DEGREES_PER_VCO_PERIOD + 1, max_start);
+    const int whole_periods = TAP_AND_START{0, start}.vco_degrees();
+    const int rest = truncate_to_int(p - whole_periods) % DEGREES_PER_VCO_PERIOD;
+    int tap = (2 * rest + DEGREES_PER_VCO_TAP) / (2 * DEGREES_PER_VCO_TAP);  // the nearest
+    if (tap > PLL_VCO_TAPS_NUMBER - 1) {
+        if (start < max_start) {
+            tap -= PLL_VCO_TAPS_NUMBER;
+            ++start;
+        } else {
+            tap = PLL_VCO_TAPS_NUMBER - 1;
+        }
+    }
+    check_vco_tap(tap);
+    return {tap, start};
+}
+
+// The phase of the path that the PLL compares its input with.
+inline int reference_phase(const PLL& pll)
+{
+    if (pll.m_feedback_tap < 0) {
+        return TAP_AND_START{pll.m_m.m_vco_tap, pll.m_m.m_initial}.vco_degrees();
+    }
+    const PLL_OUTPUT_TAP& tap = pll.m_taps[nearest_index(pll.m_feedback_tap, PLL_MAX_TAPS)];
+    const int start = wrap_sub(wrap_add(tap.m_initial, pll.m_m.m_initial), 1);
+    return TAP_AND_START{tap.m_vco_tap, start}.vco_degrees();
+}
+
+// A distance in VCO degrees, in degrees of the input clock.
+inline double input_degrees(int n, int m, int distance)
+{
+    if (distance == 0 && n > 0 && m > 0) {
+        return 0.0;  // spares the division
+    }
+    return static_cast<double>(n) * distance / static_cast<double>(m);
+}
+
+// What a clock started at `place` is late, in degrees of the input clock.
+inline double user_phase(int n, int m, const PLL& pll, TAP_AND_START place)
+{
+    return input_degrees(n, m, wrap_sub(place.vco_degrees(), reference_phase(pll)));
+}

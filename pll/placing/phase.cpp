@@ -1,0 +1,246 @@
+// Phases of a candidate.
+//
+// An output is delayed by its VCO tap (45 VCO degrees each) and its counter start (360 each), so a
+// phase of phi degrees of the input clock is M x phi / N VCO degrees after the reference. Delays
+// can only be positive: when some phase is negative, the feedback path is delayed by the largest of
+// them instead, which moves the reference and with it every output ahead.
+#include "pll.h"
+#include "pll_prop.h"
+#include "pll_util.h"
+
+#include "loop/taps.h"
+#include "loop/vco_phase.h"
+#include "placing/placement.h"
+#include "platform/arith.h"
+#include "platform/report_error.h"
+
+#include <cmath>
+
+namespace {
+
+constexpr const char* SOURCE = "pll";
+constexpr double FULL_TURN = 360.0;    // degrees
+constexpr double SAME_PHASE = 0.0001;  // degrees; closer phases are one
+constexpr int MAX_CASCADE_STEPS = 10;
+
+// The smaller, or not a number when either is not.
+double smaller(double a, double b)
+{
+    return (a != a || a < b) ? a : b;
+}
+
+double at_least_zero(double value)
+{
+    return value < 0.0 ? 0.0 : value;
+}
+
+// What the feedback output divides by; 1 for feedback from the M counter.
+int feedback_count(const PLL& pll)
+{
+    if (pll.m_feedback_tap < 0) {
+        return 1;
+    }
+    check(pll.m_feedback_tap < pll.m_user_taps_count,
+          "pll->m_feedback_tap < pll->m_user_taps_count", SOURCE);
+    const PLL_OUTPUT_TAP& tap = pll.m_taps[nearest_index(pll.m_feedback_tap, PLL_MAX_TAPS)];
+    return tap.m_bypass ? 1 : wrap_add(tap.m_high, tap.m_low);
+}
+
+double vco_degrees(const PHASE_FRAME& frame, double phase)
+{
+    if (phase == 0.0 && frame.m_ordinary) {
+        return phase;  // spares the division
+    }
+    return frame.m_m * phase / frame.m_n;
+}
+
+double smallest_phase(const PLL_PROP& request, const PHASE_FRAME& frame)
+{
+    double smallest = 0.0;
+    for (int i = 0; i < clamp_taps(request.m_taps_count); ++i) {
+        const PLL_USER_TAP& wish = request.m_taps[i];
+        const double phase = wish.m_has_sclkout_phase ? wish.m_sclkout_phase : wish.m_phase;
+        smallest = smaller(smallest, vco_degrees(frame, phase));
+    }
+    return smallest;
+}
+
+// Delays the feedback path by `delay` VCO degrees and returns the reference that results.
+int delay_feedback(double delay, int m, PLL* pll)
+{
+    PLL_COUNTER_M& counter = pll->m_m;
+    const int max_start = m == 1 ? 1 : counter.m_max_count;
+    const TAP_AND_START nearest = nearest_tap_and_start(delay, max_start);
+    counter.m_vco_tap = nearest.m_vco_tap;
+    counter.m_initial = nearest.m_start;
+    if (pll->m_feedback_tap < 0 && counter.m_vco_tap > counter.m_max_vco_tap) {
+        counter.m_vco_tap = 0;
+        if (counter.m_initial < max_start) {
+            counter.m_initial = wrap_add(counter.m_initial, 1);
+        }
+    }
+    const int reference = TAP_AND_START{counter.m_vco_tap, counter.m_initial}.vco_degrees();
+    if (pll->m_feedback_tap >= 0) {
+        PLL_OUTPUT_TAP& tap = pll->m_taps[nearest_index(pll->m_feedback_tap, PLL_MAX_TAPS)];
+        tap.m_initial = counter.m_initial;
+        tap.m_vco_tap = counter.m_vco_tap;
+        counter.m_initial = 1;
+        counter.m_vco_tap = 0;
+    }
+    return reference;
+}
+
+// The largest start of output `index`, its cascade included.
+int largest_start(const PLL& pll, int index)
+{
+    int start = 1;
+    for (int step = 0; step < MAX_CASCADE_STEPS && index >= 0 && index < PLL_MAX_TAPS; ++step) {
+        const PLL_OUTPUT_TAP& tap = pll.m_taps[index];
+        if (!tap.m_bypass) {
+            const int count = wrap_add(tap.m_high, tap.m_low);
+            start = wrap_add(wrap_mul(wrap_sub(start, 1), count), tap.m_max_count);
+        }
+        index = tap.m_previous_tap;
+    }
+    return start;
+}
+
+TAP_AND_START choose_tap_and_start(const PLL_USER_TAP& wish, const PHASE_FRAME& frame,
+                                   int max_start)
+{
+    const double target = at_least_zero(vco_degrees(frame, wish.m_phase) + frame.m_reference);
+    if (!wish.m_has_sclkout_phase) {
+        if (target == 0.0 && max_start >= 1) {
+            return {0, 1};
+        }
+        return nearest_tap_and_start(target, max_start);
+    }
+    const double serial =
+        at_least_zero(vco_degrees(frame, wish.m_sclkout_phase) + frame.m_reference);
+    TAP_AND_START chosen = nearest_tap_and_start(serial, 1);
+    PLL_UTIL::phase_to_counter_start(&chosen.m_start, target, chosen.m_vco_tap, max_start);
+    return chosen;
+}
+
+int source_start(const PLL_OUTPUT_TAP& source, int start)
+{
+    if (source.m_bypass) {
+        return 1;
+    }
+    if (start <= source.m_max_count) {
+        return start;
+    }
+    const int count = wrap_add(source.m_high, source.m_low);
+    const int rest = safe_mod(start, count);
+    if (rest >= source.m_max_count) {
+        return source.m_max_count;
+    }
+    return wrap_add(wrap_mul(safe_div(wrap_sub(source.m_max_count, rest), count), count), rest);
+}
+
+// A cascade is fed with its phase at its source; what the source cannot count is left to the
+// output.
+void place_cascade(TAP_AND_START chosen, PLL_OUTPUT_TAP* tap, PLL* pll)
+{
+    PLL_OUTPUT_TAP& source = pll->m_taps[nearest_index(tap->m_previous_tap, PLL_MAX_TAPS)];
+    check(source.m_previous_tap == PLL_ILLEGAL_TAP,
+          "pll->m_taps[phase_tap].m_previous_tap == PLL_ILLEGAL_TAP", SOURCE);
+    tap->m_vco_tap = 0;
+    source.m_vco_tap = chosen.m_vco_tap;
+    source.m_initial = source_start(source, chosen.m_start);
+    if (tap->m_bypass) {
+        tap->m_initial = 1;
+        return;
+    }
+    const int count = wrap_add(source.m_high, source.m_low);
+    tap->m_initial = wrap_add(safe_div(wrap_sub(chosen.m_start, source.m_initial), count), 1);
+}
+
+// Offers `next` and `previous` to the nearest phases known of an output.
+void narrow_phases(const PLL_USER_TAP& wish, double achieved, double step, PLL_OUTPUT_TAP* output)
+{
+    const bool same = std::fabs(achieved - wish.m_phase) <= SAME_PHASE;
+    const bool above = achieved > wish.m_phase;
+    const double next = !same && above ? achieved : achieved + step;
+    const double previous = !same && !above ? achieved : achieved - step;
+
+    if (std::fabs(next - wish.m_phase) > SAME_PHASE && next < output->m_next_phase_degree) {
+        output->m_next_phase_degree = next;
+    }
+    if (std::fabs(wish.m_phase - previous) > SAME_PHASE && previous > output->m_prev_phase_degree) {
+        output->m_prev_phase_degree = previous;
+    }
+}
+
+}  // namespace
+
+PHASE_PLACING::PHASE_PLACING(const PLL_PROP& request, bool may_be_negative, PLL* pll)
+    : m_request(request), m_pll(pll), m_frame{}
+{
+    const int m = wrap_mul(pll->m_m.m_count, feedback_count(*pll));
+    m_frame.m_m = m;
+    m_frame.m_m_count = m;
+    m_frame.m_n = pll->m_n.m_count;
+    m_frame.m_ordinary = m > 0 && m_frame.m_n > 0;
+    const double ratio = pll->get_m_over_n();
+    m_frame.m_tap_step = DEGREES_PER_VCO_TAP / ratio;
+    m_frame.m_turn_step = FULL_TURN / ratio;
+
+    const double smallest =
+        may_be_negative || !m_frame.m_ordinary ? smallest_phase(request, m_frame) : 0.0;
+    if (smallest < 0.0) {
+        m_frame.m_reference = delay_feedback(-smallest, m, pll);
+    } else {
+        pll->m_m.m_initial = 1;
+        pll->m_m.m_vco_tap = 0;
+    }
+    pll->m_delta_phase = 0.0;
+}
+
+void PHASE_PLACING::place(int index)
+{
+    const PLL_USER_TAP& wish = m_request.m_taps[index];
+    const TAP_AND_START chosen = choose_tap_and_start(wish, m_frame, largest_start(*m_pll, index));
+    PLL_OUTPUT_TAP& tap = m_pll->m_taps[index];
+    if (tap.m_previous_tap == PLL_ILLEGAL_TAP) {
+        tap.m_vco_tap = chosen.m_vco_tap;
+        tap.m_initial = chosen.m_start;
+    } else {
+        place_cascade(chosen, &tap, m_pll);
+    }
+
+    const double achieved = user_phase(m_frame.m_n, m_frame.m_m_count, *m_pll, chosen);
+    tap.m_delta_phase = wish.m_phase - achieved;
+    double error = std::fabs(wish.m_phase - achieved);
+    if (wish.m_has_sclkout_phase) {
+        error += std::fabs(wish.m_sclkout_phase - user_phase(m_frame.m_n, m_frame.m_m_count, *m_pll,
+                                                             {chosen.m_vco_tap, 1}));
+    }
+    m_pll->m_cost += error;
+    m_pll->m_delta_phase += error;
+    narrow_phases(wish, achieved,
+                  wish.m_has_sclkout_phase ? m_frame.m_turn_step : m_frame.m_tap_step, &tap);
+}
+
+double achieved_phase(const PLL_USER_TAP& wish, int m, int n, int max_start)
+{
+    const double target = double(m) * wish.m_phase / n;
+    return input_degrees(n, m, nearest_tap_and_start(target, max_start).vco_degrees());
+}
+
+void tell_phase(const PLL_USER_TAP& wish, double ratio, double phase, PLL_OUTPUT_TAP* output)
+{
+    narrow_phases(wish, phase, DEGREES_PER_VCO_TAP / ratio, output);
+}
+
+void PLL::compute_phase_for_ui(PLL* pll, const PLL_PROP& request, int tap, double phase) const
+{
+    if (pll == nullptr) {
+        return;
+    }
+    const int index = nearest_index(tap, PLL_MAX_TAPS);
+    const PLL_USER_TAP& wish = request.m_taps[index];
+    const double step =
+        (wish.m_has_sclkout_phase ? FULL_TURN : DEGREES_PER_VCO_TAP) / pll->get_m_over_n();
+    narrow_phases(wish, phase, step, &pll->m_taps[index]);
+}

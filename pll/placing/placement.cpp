@@ -1,0 +1,46 @@
+#include "placing/placement.h"
+
+#include "loop/taps.h"
+
+namespace {
+
+// True for what is not a number, too.
+bool may_be_below_zero(double phase)
+{
+    return !(phase >= 0.0);
+}
+
+}  // namespace
+
+PLACEMENT::PLACEMENT(const PLL& pll, const PLL_PROP& request)
+    : m_request(request),
+      m_taps(clamp_taps(request.m_taps_count)),
+      m_may_be_negative(false),
+      m_duties(pll, request)
+{
+    for (int i = 0; i < m_taps; ++i) {
+        const PLL_USER_TAP& wish = request.m_taps[i];
+        m_may_be_negative =
+            m_may_be_negative ||
+            may_be_below_zero(wish.m_has_sclkout_phase ? wish.m_sclkout_phase : wish.m_phase);
+    }
+}
+
+void PLACEMENT::place(PLL* pll)
+{
+    PHASE_PLACING phases(m_request, m_may_be_negative, pll);
+    for (int i = 0; i < m_taps; ++i) {
+        phases.place(i);
+        m_duties.place(i, pll);
+    }
+}
+
+bool PLL::synthesize_best_phase_and_duty_cycle(PLL* pll, const PLL_PROP& request)
+{
+    if (pll == nullptr) {
+        return false;
+    }
+    PLACEMENT(*pll, request).place(pll);
+    set_output_counts_from_high_low();
+    return true;
+}

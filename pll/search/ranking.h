@@ -1,0 +1,46 @@
+// The ranking of candidates whose counters stand.
+#pragma once
+
+#include "pll.h"
+#include "pll_prop.h"
+
+#include "filter/table_row.h"
+#include "placing/placement.h"
+#include "search/debug_log.h"
+#include "search/ratio_error.h"
+#include "search/result.h"
+
+// Costs `candidate`, whose counters stand, and keeps it in `result` when it beats the best.
+class RANKING
+{
+public:
+    RANKING(const PLL& pll, const PLL_PROP& request, bool table_mode, bool spread,
+            SYNTHESIS_TRACE* trace)
+        : m_pll(pll),
+          m_request(request),
+          m_table_mode(table_mode),
+          m_spread(spread),
+          m_trace(trace),
+          m_placement(pll, request),
+          m_chooser(request)
+    {
+    }
+
+    // Returns whether the candidate was taken as the best.
+    bool offer(PLL* candidate, CANDIDATE_SCORE* score, SEARCH_RESULT* result);
+
+private:
+    bool offer_inexact(const PLL& candidate, const CANDIDATE_SCORE& score,
+                       SEARCH_RESULT* result) const;
+    bool offer_exact(PLL* candidate, CANDIDATE_SCORE* score, SEARCH_RESULT* result);
+    void add_device_penalties(PLL* candidate) const;
+    bool compare_cost(const PLL& candidate, SEARCH_RESULT* result) const;
+
+    const PLL& m_pll;
+    const PLL_PROP& m_request;
+    bool m_table_mode;
+    bool m_spread;
+    SYNTHESIS_TRACE* m_trace;
+    PLACEMENT m_placement;
+    PLL_BANDWIDTH_CHOOSER m_chooser;
+};

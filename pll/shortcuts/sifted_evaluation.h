@@ -1,0 +1,41 @@
+// The evaluation of candidates, spared the settings whose evaluation would surely change nothing.
+#pragma once
+
+#include "search/evaluation.h"
+#include "search/result.h"
+#include "shortcuts/candidate_sieve.h"
+
+class SIFTED_EVALUATION
+{
+public:
+    explicit SIFTED_EVALUATION(EVALUATION* evaluation)
+        : m_evaluation(*evaluation),
+          m_sieve(evaluation->pll(), evaluation->request(), evaluation->limits())
+    {
+    }
+
+    // Whether offering the setting, if met, would surely change nothing. With a trace every
+    // candidate changes it.
+    bool is_idle(int post_scale, int m, int n) const
+    {
+        return !m_evaluation.is_traced() &&
+               m_sieve.retains(post_scale, m, n, m_evaluation.cut_off(), m_evaluation.result());
+    }
+
+    // Offers a legal setting only when its error sum is 0.
+    void evaluate_if_met(int post_scale, int m, int n)
+    {
+        if (!m_evaluation.is_traced() &&
+            m_sieve.tells(post_scale, m, n, m_evaluation.cut_off(), &m_evaluation.result())) {
+            return;
+        }
+        const SEARCH_POINT point = m_evaluation.point(post_scale, m, n);
+        if (m_evaluation.evaluate_if_met(point)) {
+            m_sieve.note_told(point, m_evaluation.candidate());
+        }
+    }
+
+private:
+    EVALUATION& m_evaluation;
+    CANDIDATE_SIEVE m_sieve;
+};

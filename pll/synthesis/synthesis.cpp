@@ -1,0 +1,202 @@
+// The synthesis: search, then finish. Only the finishing steps write into the host's PLL.
+#include "pll.h"
+#include "pll_prop.h"
+
+#include "filter/loop_filter.h"
+#include "loop/taps.h"
+#include "platform/arith.h"
+#include "search/debug_log.h"
+#include "search/limits.h"
+#include "search/result.h"
+#include "synthesis/search.h"
+
+#include <new>
+#include <optional>
+#include <unistd.h>
+
+namespace {
+
+constexpr double LARGEST_DOWN_SPREAD = 0.006;
+constexpr double FULL_TURN = 360.0;            // degrees
+constexpr double NEGLIGIBLE_PHASE_TIME = 0.5;  // ps
+constexpr int UNKNOWN_DUTY = 50;               // percent
+
+// The switch files of the current directory. The second wins, but there is nothing to win over
+// while debugging is off: asking for it then would be a system call on every synthesis for nothing.
+bool read_debug_switch(bool debug)
+{
+    debug = debug || access("pll_debug", F_OK) == 0;
+    return debug && access("pll_nodebug", F_OK) != 0;
+}
+
+PLL::PLL_ERROR_TYPE search_error(const SEARCH_RESULT& result)
+{
+    if (result.m_best_error == 0.0) {
+        return PLL::PLL_NO_ERROR;
+    }
+    if (!result.m_found) {
+        return PLL::PLL_M_N_NOT_FOUND;
+    }
+    return result.m_clamped ? PLL::PLL_POST_DIVIDER_MAX_EXCEEDED : PLL::PLL_MULT_DIV_NOT_ACHIEVED;
+}
+
+void take_closest_miss(const CLOSEST_MISS& miss, int taps_count, PLL* pll)
+{
+    pll->m_m.m_count = miss.m_m;
+    pll->m_n.m_count = miss.m_n;
+    pll->m_vco_period = miss.m_vco_period;
+    for (int i = 0; i < clamp_taps(taps_count); ++i) {
+        PLL_OUTPUT_TAP& tap = pll->m_taps[i];
+        tap.m_next_phase_degree = 0.0;
+        tap.m_prev_phase_degree = 0.0;
+        tap.m_next_duty_cycle = UNKNOWN_DUTY;
+        tap.m_prev_duty_cycle = UNKNOWN_DUTY;
+        tap.m_smallest_duty_cycle_min = UNKNOWN_DUTY;
+        tap.m_largest_duty_cycle_max = UNKNOWN_DUTY;
+    }
+}
+
+void finish_inexact(const SEARCH_LIMITS& limits, const PLL& best, const PLL_PROP& request, PLL* pll)
+{
+    *pll = best;
+    pll->synthesize_best_phase_and_duty_cycle(pll, request);
+    if (limits.m_wish.m_table_mode) {
+        PLL::synthesize_best_bandwidth_using_table(pll, request);
+    }
+    pll->correct_next_and_previous_values_for_ui();
+}
+
+void set_spread_counters(const PLL_PROP& request, PLL* pll)
+{
+    const int m = pll->m_m.m_count;
+    pll->m_m.m_ss_count = wrap_sub(m, truncate_to_int(m * request.m_down_spread + 0.5));
+    pll->m_n.m_ss_count = pll->m_n.m_count;
+    pll->m_ss_cycles =
+        std::min(safe_div(request.m_ss_period, request.m_fin_period), pll->m_ss_counter_max);
+}
+
+// Returns whether the delays could be placed.
+bool finish_exact(const SEARCH_LIMITS& limits, const PLL& best, const PLL_PROP& request, PLL* pll)
+{
+    *pll = best;
+    pll->correct_next_and_previous_values_for_ui();
+    if (limits.m_spread) {
+        set_spread_counters(request, pll);
+    }
+    if (limits.m_wish.is_custom()) {
+        synthesize_loop_filter(pll, request.m_fin_period, limits.m_wish.m_bandwidth,
+                               limits.m_spread);
+    }
+    return pll->synthesize_delay_chains(request);
+}
+
+bool finish_search(const SEARCH_LIMITS& limits, const SEARCH_RESULT& result,
+                   const PLL_PROP& request, PLL* pll)
+{
+    if (result.m_best_error == 0.0) {
+        return finish_exact(limits, result.m_best, request, pll);
+    }
+    if (result.m_found) {
+        finish_inexact(limits, result.m_best, request, pll);
+    } else {
+        take_closest_miss(result.m_miss, request.m_taps_count, pll);
+    }
+    return false;
+}
+
+bool has_impossible_ratio(const PLL_PROP& request)
+{
+    for (int i = 0; i < clamp_taps(request.m_taps_count); ++i) {
+        if (request.m_taps[i].m_mult < 1 || request.m_taps[i].m_div < 1) {
+            return true;
+        }
+    }
+    return false;
+}
+
+bool is_input_too_fast(const PLL_PROP& request, int fin_min_period)
+{
+    return (0 < request.m_fin_period && request.m_fin_period < fin_min_period) ||
+           (1 <= request.m_fin2_period && request.m_fin2_period < fin_min_period);
+}
+
+// The checks that can still refuse a setting, in their order; no error when it stands.
+PLL::PLL_ERROR_TYPE final_error(const PLL& pll, const PLL_PROP& request)
+{
+    if (is_input_too_fast(request, pll.m_fin_min_period)) {
+        return PLL::PLL_FIN_OUT_OF_RANGE;
+    }
+    if (!pll.m_info.has_info() || !pll.m_info.m_basic_info->m_is_pfd_bandwidth_rule_an_error) {
+        return PLL::PLL_NO_ERROR;
+    }
+    if (!pll.m_bandwidth_legal_for_fin) {
+        return PLL::PLL_NO_BANDWIDTH_FOR_FIN_MULT_DIV;
+    }
+    return pll.m_bandwidth_legal_for_mult_div ? PLL::PLL_NO_ERROR
+                                              : PLL::PLL_NO_BANDWIDTH_FOR_MULT_DIV;
+}
+
+// Returns whether the setting stands.
+bool run_final_checks(bool met, const SEARCH_RESULT& result, const PLL_PROP& request, PLL* pll)
+{
+    if (met && (!result.m_taken || has_impossible_ratio(request))) {
+        pll->m_error = PLL::PLL_MULT_DIV_NOT_ACHIEVED;
+        met = false;
+    }
+    if (request.m_down_spread > LARGEST_DOWN_SPREAD) {
+        pll->m_error = PLL::PLL_SS_TOO_HIGH;
+        return false;
+    }
+    if (!met) {
+        return false;
+    }
+    const PLL::PLL_ERROR_TYPE error = final_error(*pll, request);
+    if (error != PLL::PLL_NO_ERROR) {
+        pll->m_error = error;
+    }
+    return error == PLL::PLL_NO_ERROR;
+}
+
+bool synthesize_request(const PLL_PROP& request, PLL* pll)
+{
+    pll->m_debug = read_debug_switch(pll->m_debug);
+    std::optional<SYNTHESIS_TRACE> trace;
+    if (pll->m_debug) {
+        trace.emplace().open();
+    }
+    const SEARCH_LIMITS limits = read_search_limits(*pll, request);
+    if (trace) {
+        trace->request(limits, request);
+    }
+    pll->m_feedback_tap = request.m_feedback_tap;
+
+    SEARCH_RESULT result(*pll, request);
+    search(*pll, request, limits, trace ? &*trace : nullptr, &result);
+
+    const PLL::PLL_ERROR_TYPE error = search_error(result);
+    const bool met = finish_search(limits, result, request, pll);
+    if (pll->m_delta_phase / FULL_TURN * request.m_fin_period < NEGLIGIBLE_PHASE_TIME) {
+        pll->m_delta_phase = 0.0;
+    }
+    if (error != PLL::PLL_NO_ERROR) {
+        pll->m_error = error;
+    }
+    if (trace) {
+        trace->best(*pll);
+    }
+    return run_final_checks(met, result, request, pll);
+}
+
+}  // namespace
+
+bool PLL::synthesize(const PLL_PROP& request)
+{
+    if (m_impl == nullptr) {
+        return false;  // the first PLL found no memory for what all share
+    }
+    try {
+        return synthesize_request(request, this);
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
+}
