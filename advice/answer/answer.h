@@ -31,9 +31,12 @@ struct OUTPUT_PHASE
 {
     double m_asked = 0.0;
     double m_achieved = 0.0;
-    double m_previous = 0.0;  // the neighbours that this setting can be stepped to
+    double m_previous = 0.0;  // one step of this setting back and on
     double m_next = 0.0;
     double m_step = 0.0;  // one VCO tap
+    // Around the phase asked for, over all settings that the library looked at.
+    double m_any_previous = 0.0;
+    double m_any_next = 0.0;
 };
 
 // How an output comes out.
@@ -46,5 +49,64 @@ struct OUTPUT_RESULT
     RATIONAL m_duty;        // percent
     bool m_missed = false;  // a wish of this output is not kept
 };
+
+// Where a setting comes from.
+enum class ORIGIN
+{
+    FIRST_ANSWER,   // the library's own for the request as it stands
+    FURTHER_SEARCH  // the library's for a VCO ratio that was asked for besides
+};
+
+class ANSWER
+{
+public:
+    // Asks the library. The limits must outlive the answer, the request need not.
+    ANSWER(const REQUEST& request, const LIMITS& limits, EFFORT effort);
+    ANSWER(const ANSWER&) = delete;
+    ANSWER& operator=(const ANSWER&) = delete;
+
+    // The library takes the request for met, and every wish and every limit is kept.
+    bool is_met() const { return m_library_met && m_verdict.m_met; }
+    // What PLL::synthesize said of this setting.
+    bool is_met_by_library() const { return m_library_met; }
+    // The outputs have been given counters; false when no M and N could be tried.
+    bool has_setting() const { return m_verdict.m_has_setting; }
+
+    const PLL& get_pll() const { return m_pll; }
+    const PLL_PROP& get_achieved() const { return m_achieved; }
+    const std::vector<OUTPUT_RESULT>& get_outputs() const { return m_outputs; }
+    const VERDICT& get_verdict() const { return m_verdict; }
+    // What the library was asked: synthesising it with the limits gives this setting again.
+    const PLL_PROP& get_asked() const { return m_asked; }
+    // The smallest N that the library was allowed for it; 0: as the limits have it.
+    int get_least_n() const { return m_least_n; }
+    ORIGIN get_origin() const { return m_origin; }
+    // How many VCO ratios the further search asked the library for.
+    int get_tries() const { return m_tries; }
+
+private:
+    void synthesize(const REQUEST& request, const LIMITS& limits);
+    void search_further(const REQUEST& request, const LIMITS& limits);
+    void describe_outputs(const REQUEST& request);
+
+    PLL m_pll;
+    PLL_PROP m_asked;
+    PLL_PROP m_achieved;
+    VERDICT m_verdict;
+    std::vector<OUTPUT_RESULT> m_outputs;
+    ORIGIN m_origin = ORIGIN::FIRST_ANSWER;
+    int m_least_n = 0;
+    int m_tries = 0;
+    bool m_library_met = false;
+};
+
+// The answer to a request that find_problem() finds none in.
+inline ANSWER solve(const REQUEST& request, const LIMITS& limits, EFFORT effort)
+{
+    return ANSWER(request, limits, effort);
+}
+
+// Whether a synthesis, which failed, could try any M and N at all.
+bool has_candidate(const PLL& pll);
 
 }  // namespace advice

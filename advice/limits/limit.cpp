@@ -50,8 +50,9 @@ constexpr LIMIT_FACTS FACTS[] = {
     {"spread_cycles_max", "input periods of a modulation period", COUNT, MOST},
     {"feedback_duty_min", "duty cycle of the feedback", PERCENT, LEAST},
     {"feedback_duty_max", "duty cycle of the feedback", PERCENT, MOST},
-    {"bandwidth_max", "loop bandwidth", HZ, MOST},
-    {"legal_counts", "count", COUNT, LIMIT_SIDE::ONE_OF},
+    {"m_legal", "M", COUNT, LIMIT_SIDE::ONE_OF},
+    {"n_legal", "N", COUNT, LIMIT_SIDE::ONE_OF},
+    {"k_legal", "output counter", COUNT, LIMIT_SIDE::ONE_OF},
     {"other", "rule of the device", COUNT, MOST},
 };
 static_assert(std::size(FACTS) == static_cast<std::size_t>(LIMIT_KIND::KIND_COUNT));

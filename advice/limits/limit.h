@@ -46,9 +46,10 @@ enum class LIMIT_KIND
     SPREAD_CYCLES_MAX,  // input periods of one modulation period
     FEEDBACK_DUTY_MIN,  // percent, of an output that is fed back
     FEEDBACK_DUTY_MAX,
-    BANDWIDTH_MAX,  // Hz, PFD frequency over the device's multiple
-    LEGAL_COUNTS,   // of a counter that can count to certain values only
-    OTHER,          // of a device sheet, named by itself
+    M_LEGAL,  // of counters that can count to certain values only
+    N_LEGAL,
+    K_LEGAL,
+    OTHER,  // of a device sheet, named by itself
     KIND_COUNT
 };
 
@@ -95,6 +96,7 @@ struct LIMIT
 {
     LIMIT_KIND m_kind = LIMIT_KIND::OTHER;
     AMOUNT m_value;              // in the unit of the kind
+    int m_output = -1;           // index of the output that it is of; -1: of all
     int m_post_scale = 0;        // that a VCO limit is of; 0: of all
     bool m_has_slack = false;    // the library takes a period within 1 ps beyond it for legal
     bool m_with_spread = false;  // holds while the spread is on only

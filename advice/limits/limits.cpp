@@ -124,7 +124,8 @@ void LIMITS::set(const LIMIT& limit)
     for (LIMIT& present : m_list) {
         if (present.m_kind == limit.m_kind && present.m_post_scale == limit.m_post_scale &&
             present.m_own_name == limit.m_own_name &&
-            present.m_with_spread == limit.m_with_spread) {
+            present.m_with_spread == limit.m_with_spread && present.m_output == limit.m_output &&
+            present.m_origin != LIMIT_ORIGIN::LIBRARY) {
             present = limit;
             return;
         }

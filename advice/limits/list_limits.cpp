@@ -148,12 +148,24 @@ void add_counters(const BASIC& basic, BUILDER* builder)
                        "feedback_duty_cycle_max");
 }
 
+// The library refuses a larger spread for every device.
+void add_library(BUILDER* builder)
+{
+    constexpr int LARGEST_SPREAD_MILLIS = 600;  // thousandths of a percent
+    constexpr int MILLIS = 1000;
+    LIMIT& spread =
+        builder->add(LIMIT_KIND::SPREAD_MAX, RATIONAL(LARGEST_SPREAD_MILLIS, MILLIS), "");
+    spread.m_origin = LIMIT_ORIGIN::LIBRARY;
+    spread.m_source = "library";
+}
+
 }  // namespace
 
 std::vector<LIMIT> list_built_in(const PLL& pll)
 {
     BUILDER builder{{}, LIMIT_ORIGIN::BUILT_IN, "built in"};
     add_loop(pll, &builder);
+    add_library(&builder);
     return builder.m_list;
 }
 
@@ -166,6 +178,7 @@ std::vector<LIMIT> list_device(const PLL& pll)
         add_spread(pll.m_info.m_timing_info, *pll.m_info.m_basic_info, &builder);
         add_counters(*pll.m_info.m_basic_info, &builder);
     }
+    add_library(&builder);
     return builder.m_list;
 }
 

@@ -171,9 +171,6 @@ void widen_to(const LIMIT& limit, PLL* pll)
     case LIMIT_KIND::INPUT_MAX:
         pll->m_fin_min_period = shortest_period(limit);
         break;
-    case LIMIT_KIND::M_MIN:
-        pll->m_m.m_min_count = count_of(limit);
-        break;
     case LIMIT_KIND::M_MAX:
         pll->m_m.m_max_count = count_of(limit);
         break;
@@ -214,8 +211,10 @@ void widen_to(const LIMIT& limit, PLL* pll)
     case LIMIT_KIND::SPREAD_CYCLES_MAX:
     case LIMIT_KIND::FEEDBACK_DUTY_MIN:
     case LIMIT_KIND::FEEDBACK_DUTY_MAX:
-    case LIMIT_KIND::BANDWIDTH_MAX:
-    case LIMIT_KIND::LEGAL_COUNTS:
+    case LIMIT_KIND::M_MIN:  // the search starts at 2, whatever it is
+    case LIMIT_KIND::M_LEGAL:
+    case LIMIT_KIND::N_LEGAL:
+    case LIMIT_KIND::K_LEGAL:
     case LIMIT_KIND::OTHER:
     case LIMIT_KIND::KIND_COUNT:
         break;

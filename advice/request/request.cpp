@@ -132,7 +132,9 @@ int duty_of(const RATIONAL& percent)
 
 INPUT_CLOCK make_input(const RATIONAL& frequency)
 {
-    INPUT_CLOCK input{frequency, period_in_ps(frequency), 0};
+    INPUT_CLOCK input;
+    input.m_frequency = frequency;
+    input.m_period = period_in_ps(frequency);
     const int period = to_int(input.m_period);
     input.m_library_period = period < 0 ? 0 : period;
     return input;

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "advice/numbers/rational.h"
+#include "advice/numbers/text.h"
 
 #include <optional>
 #include <string>
@@ -13,12 +14,20 @@ class PLL_PROP;
 
 namespace advice {
 
+// Smaller distances are told of a met answer too.
+struct MARGINS
+{
+    double m_limit_percent = 5.0;   // to a limit of a frequency
+    double m_phase_degrees = 45.0;  // phase margin of the loop
+};
+
 // An input clock. The library knows it by its period in whole ps, which need not be exact.
 struct INPUT_CLOCK
 {
-    RATIONAL m_frequency;      // Hz
-    RATIONAL m_period;         // ps
-    int m_library_period = 0;  // ps, nearest to the period; 0: does not fit
+    RATIONAL m_frequency;                         // Hz
+    RATIONAL m_period;                            // ps
+    int m_library_period = 0;                     // ps, nearest to the period; 0: does not fit
+    FREQUENCY_UNIT m_unit = FREQUENCY_UNIT::MHZ;  // that it was given in, for texts
 };
 
 // The clock of a frequency in Hz. Its library period is 0 when that is not 1 to 2147483647 ps.
@@ -56,10 +65,11 @@ constexpr int NO_OUTPUT = -1;
 // One output clock.
 struct OUTPUT_WISH
 {
-    std::string m_name;          // as the user calls it; empty: its number
-    RATIONAL m_frequency;        // Hz, exact
-    RATIONAL m_ratio{1};         // to the input, exact
-    RATIONAL m_phase;            // degrees of the output, -360 to 360
+    std::string m_name;                           // as the user calls it; empty: its number
+    RATIONAL m_frequency;                         // Hz, exact
+    FREQUENCY_UNIT m_unit = FREQUENCY_UNIT::MHZ;  // that it was asked in, for texts
+    RATIONAL m_ratio{1};                          // to the input, exact
+    RATIONAL m_phase;                             // degrees of the output, -360 to 360
     int m_phase_to = NO_OUTPUT;  // index of the output that the phase counts from; NO_OUTPUT: input
     RATIONAL m_duty{50};         // percent, above 0 and below 100
     int m_delay = 0;             // ps
@@ -119,6 +129,7 @@ struct REQUEST
     std::optional<int> m_max_outputs;       // of the device; none: as many as it has
     LIMITS_BY_HAND m_by_hand;
     TOLERANCES m_tolerances;
+    MARGINS m_margins;
 };
 
 // The name of an output in texts: the user's or "output 2".

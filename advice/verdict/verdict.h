@@ -28,9 +28,11 @@ enum class WISH_KIND
     SPREAD,       // percent; miss a part
     SPREAD_RATE,  // Hz; miss a part
     VCO_RATIO,    // a number; miss a part
-    INPUT2,       // Hz; kept when all limits hold with the second input
     KIND_COUNT
 };
+
+// "frequency", "phase", "duty" ...: as options and JSON call it.
+const char* name_of(WISH_KIND kind);
 
 struct JUDGED_WISH
 {
@@ -73,13 +75,6 @@ struct WARNING
     double m_value = 0.0;
 };
 
-// What `judge` compares margins with.
-struct MARGINS
-{
-    double m_limit_percent = 2.0;   // a smaller distance to a limit is told
-    double m_phase_degrees = 45.0;  // likewise a smaller phase margin of the loop
-};
-
 struct VERDICT
 {
     bool m_met = false;          // every wish and every binding limit is kept
@@ -88,5 +83,27 @@ struct VERDICT
     std::vector<JUDGED_LIMIT> m_limits;
     std::vector<WARNING> m_warnings;
 };
+
+// Judges a setting: the counters of `pll`, and `achieved`, what the library says that they achieve.
+// The limits must outlive the verdict. Records of an earlier verdict are reused.
+void judge(const REQUEST& request, const LIMITS& limits, const PLL& pll, const PLL_PROP& achieved,
+           VERDICT* verdict);
+
+// Likewise, of a PLL for which no setting was found: nothing is kept but what the inputs keep.
+void judge_without_setting(const REQUEST& request, const LIMITS& limits, const PLL& pll,
+                           VERDICT* verdict);
+
+// "MISSED phase of output 1: 0 deg for 20, steps of 45", or "phase of output 1: 20 deg" when kept.
+std::string to_text(const REQUEST& request, const JUDGED_WISH& wish);
+
+// "BROKEN output_max: output 1 at 900 MHz, limit 454.545455 MHz (output_min, chervil.txt:12)", or
+// without the first word when kept.
+std::string to_text(const REQUEST& request, const JUDGED_LIMIT& limit);
+
+// "WARNING: ..." or "NOTE: ...".
+std::string to_text(const REQUEST& request, const VERDICT& verdict, const WARNING& warning);
+
+// What a verdict covers, in one line: "MET: every output is exact; ...".
+std::string headline(const REQUEST& request, const VERDICT& verdict);
 
 }  // namespace advice
