@@ -8,6 +8,7 @@ option(PLL_BUILD_BENCH "Build the benchmarks" OFF)
 option(PLL_INSTALL "Write the rules of installation" ${PROJECT_IS_TOP_LEVEL})
 option(PLL_WARNINGS_AS_ERRORS "Treat the warnings of our own sources as errors" OFF)
 option(PLL_HARDENING "Build with the hardening flags of distributions" ${PROJECT_IS_TOP_LEVEL})
+option(PLL_DEBUG_SWITCH "Let files in the current directory switch debugging on and off" ON)
 
 # Counts the incompatible changes of the exported classes; it is the number in libpll.so.N.
 set(PLL_ABI_NUMBER 1)

@@ -237,6 +237,12 @@ public:
     static void add_r(int value);  // ohm
     static void add_c(int value);  // pF
 
+    // Whether files in the current directory switch debugging, for all PLLs; at first they do.
+    // While they do, a synthesis turns m_debug on where there is a file "pll_debug", and off where
+    // there is "pll_nodebug". Otherwise the host's m_debug stands and no file is looked for; so it
+    // is always in a library that was built with PLL_DEBUG_SWITCH off.
+    static void obey_debug_switch(bool obey);
+
     // m_count = m_high + m_low for every tap in use.
     void set_output_counts_from_high_low();
 
@@ -300,8 +306,8 @@ public:
     bool m_bandwidth_legal_for_mult_div;
     bool m_bandwidth_legal_for_fin;
     PLL_INFO m_info;
-    int m_id;  // PLLs alive when this one was constructed
-    bool m_debug;
+    int m_id;      // PLLs alive when this one was constructed
+    bool m_debug;  // a synthesis appends its trace to "debug.log" in the current directory
     PLL_ERROR_TYPE m_error;  // of the last synthesis that failed
 
     static int m_default_vco_min_period[3];

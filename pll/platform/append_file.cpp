@@ -2,18 +2,48 @@
 
 #include <cerrno>
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
 
 constexpr int READ_AND_WRITE_FOR_ALL = 0666;
 
+// Opening a device may already do something, so its name is looked at before.
+bool may_be_opened(const char* path)
+{
+    struct stat status;
+    return lstat(path, &status) != 0 ? errno == ENOENT : S_ISREG(status.st_mode);
+}
+
+bool is_regular(int file)
+{
+    struct stat status;
+    return fstat(file, &status) == 0 && S_ISREG(status.st_mode);
+}
+
+// Whatever takes the name since it was looked at is not followed, waited for or kept.
+int open_for_appending(const char* path)
+{
+    constexpr int APPEND = O_WRONLY | O_APPEND | O_CREAT;
+    constexpr int NOTHING_BUT_A_FILE = O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
+    if (!may_be_opened(path)) {
+        return -1;
+    }
+    const int file = open(path, APPEND | NOTHING_BUT_A_FILE, READ_AND_WRITE_FOR_ALL);
+    if (file >= 0 && !is_regular(file)) {
+        close(file);
+        return -1;
+    }
+    return file;
+}
+
 }  // namespace
 
 void TRACE_BUFFER::open(const char* path)
 {
     close();
-    m_file = ::open(path, O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, READ_AND_WRITE_FOR_ALL);
+    m_file = open_for_appending(path);
 }
 
 void TRACE_BUFFER::close()

@@ -16,7 +16,8 @@ public:
     TRACE_BUFFER(const TRACE_BUFFER&) = delete;
     TRACE_BUFFER& operator=(const TRACE_BUFFER&) = delete;
 
-    // Opens `path` for appending, made with permissions 0666 where there is none.
+    // Opens `path` for appending, made with permissions 0666 where there is none. A symbolic link,
+    // fifo or device of that name is left alone: what is written then is lost.
     void open(const char* path);
     void close();
 

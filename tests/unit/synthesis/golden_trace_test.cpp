@@ -146,6 +146,42 @@ TEST(GoldenTraceSwitch, LeavesASwitchThatTheHostSet)
     expect_golden(read_file("debug.log"), "trace_ties_debug.log");
 }
 
+TEST(GoldenTraceSwitch, IsNotLookedForByAHostThatDoesNotWantIt)
+{
+    const TEMP_WORKING_DIR dir;
+    switch_on();
+    PLL::obey_debug_switch(false);
+    TIES quiet;
+    EXPECT_TRUE(quiet.synthesize());
+    EXPECT_FALSE(quiet.m_pll.m_debug);
+    EXPECT_FALSE(file_exists("debug.log"));
+
+    write_file("pll_nodebug", "");
+    TIES debugged_by_host;
+    debugged_by_host.m_pll.m_debug = true;
+    EXPECT_TRUE(debugged_by_host.synthesize());
+    EXPECT_TRUE(debugged_by_host.m_pll.m_debug);
+    expect_golden(read_file("debug.log"), "trace_ties_debug.log");
+
+    PLL::obey_debug_switch(true);
+    EXPECT_TRUE(debugged_by_host.synthesize());
+    EXPECT_FALSE(debugged_by_host.m_pll.m_debug);
+}
+
+TEST(GoldenTraceSwitch, WritesThroughNoLink)
+{
+    const TEMP_WORKING_DIR dir;
+    switch_on();
+    write_file("target", "theirs\n");
+    std::filesystem::create_symlink("target", "debug.log");
+    std::filesystem::create_symlink("target", "pdebug.log");
+    TIES box;
+    EXPECT_TRUE(box.synthesize());
+    PLL_PROP result(1);
+    result.set_properties_from_internals(box.m_pll);
+    EXPECT_EQ("theirs\n", read_file("target"));
+}
+
 TEST(GoldenTraceSwitch, CanBeADirectory)
 {
     const TEMP_WORKING_DIR dir;
