@@ -4,6 +4,7 @@
 
 #include "loop/vco_phase.h"
 #include "platform/arith.h"
+#include "platform/divisors.h"
 #include "platform/report_error.h"
 
 #include <algorithm>
@@ -107,11 +108,10 @@ int PLL_UTIL::cascade_factor(int count, int max_count)
     const std::uint32_t size = static_cast<std::uint32_t>(std::abs(std::int64_t{count}));
     const std::uint32_t largest = static_cast<std::uint32_t>(max_count);
     const bool fits = count <= max_count;
-    std::uint32_t f = fits ? 2 : (size + largest - 1) / largest;
-    for (; std::uint64_t{f} * f <= size; ++f) {
-        if (size % f == 0) {
-            return f <= largest ? static_cast<int>(f) : 0;
-        }
+    const std::uint32_t factor =
+        smallest_divisor_from(size, fits ? 2 : (size + largest - 1) / largest);
+    if (factor != 0) {
+        return factor <= largest ? static_cast<int>(factor) : 0;
     }
     return fits && 1 < size && size <= largest ? static_cast<int>(size) : 0;
 }
