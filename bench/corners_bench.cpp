@@ -55,7 +55,8 @@ void measure_short_cascades(int outputs, TARGET_TABLE* table)
         corner.m_pll->m_pfd_min_period = 1;
     }
     corner.ask_for_divisions_near(400000);
-    add_row("cascades, " + std::to_string(outputs) + " outputs near 1 / 400,000", &corner, 20.0, table);
+    add_row("cascades, " + std::to_string(outputs) + " outputs near 1 / 400,000", &corner, 20.0,
+            table);
 }
 
 void measure_long_cascades(int outputs, TARGET_TABLE* table)
@@ -64,7 +65,8 @@ void measure_long_cascades(int outputs, TARGET_TABLE* table)
     corner.m_pll->m_output_counter_cascade = true;
     corner.set_max_counts(30000);
     corner.ask_for_divisions_near(1900000000);
-    add_row("cascades, " + std::to_string(outputs) + " outputs near 1 / 1,900,000,000", &corner, 50.0, table);
+    add_row("cascades, " + std::to_string(outputs) + " outputs near 1 / 1,900,000,000", &corner,
+            50.0, table);
 }
 
 void measure_wide_miss(TARGET_TABLE* table, int fin)
@@ -74,12 +76,15 @@ void measure_wide_miss(TARGET_TABLE* table, int fin)
     corner.m_pll->m_n.m_max_count = 60000;
     corner.m_pll->m_pfd_max_period = 2147483647;
     corner.ask_for_divisions_near(600001);
-    add_row("M to 70,000, N to 60,000, 7 outputs near 1 / 600,001, fin " + std::to_string(fin), &corner, 300.0, table);
+    add_row("M to 70,000, N to 60,000, 7 outputs near 1 / 600,001, fin " + std::to_string(fin),
+            &corner, 300.0, table);
 }
 
-void measure_crowd(const char* name, const std::function<void(CORNER*)>& change, TARGET_TABLE* table)
+void measure_crowd(const char* name, const std::function<void(CORNER*)>& change,
+                   TARGET_TABLE* table)
 {
-    const BENCH_CASE bench_case = {BENCH_LIMITS::LARGE, BENCH_BANDWIDTH::AUTO, BENCH_DEMAND::CROWDED, 10, 651};
+    const BENCH_CASE bench_case = {BENCH_LIMITS::LARGE, BENCH_BANDWIDTH::AUTO,
+                                   BENCH_DEMAND::CROWDED, 10, 651};
     CORNER corner(BENCH_LIMITS::LARGE, 10, 651);
     corner.m_request = make_request(bench_case, *corner.m_pll);
     change(&corner);
@@ -95,7 +100,8 @@ void measure_nothing_legal(TARGET_TABLE* table, int fin, int lo, int hi)
     corner.m_pll->m_vco_min_period[1] = lo;
     corner.m_pll->m_vco_max_period[1] = hi;
     LEAN_ANSWER answer;
-    const double lean = best_seconds([&] { answer = lean_synthesis(*corner.m_pll, corner.m_request); });
+    const double lean =
+        best_seconds([&] { answer = lean_synthesis(*corner.m_pll, corner.m_request); });
     corner.m_pll->synthesize(corner.m_request);
     printf("same %d\n", is_same_answer(*corner.m_pll, answer));
     add_row("nothing legal", &corner, lean * MS_PER_S, table);
@@ -105,16 +111,39 @@ void measure_nothing_legal(TARGET_TABLE* table, int fin, int lo, int hi)
 
 void measure_corners(TARGET_TABLE* table)
 {
-    for (int outputs : {5, 6, 7}) measure_short_cascades(outputs, table);
-    for (int outputs : {5, 6, 7}) measure_long_cascades(outputs, table);
-    for (int fin : {1, 500, 1000, 2000, 10000, 100000}) measure_wide_miss(table, fin);
-    measure_crowd("plain", [](CORNER*) { }, table);
-    measure_crowd("a phase below 0", [](CORNER* c) { c->m_request.m_taps[3].m_phase = -20.0; }, table);
-    measure_crowd("an sclkout phase", [](CORNER* c) { c->m_request.m_taps[3].m_has_sclkout_phase = true;c->m_request.m_taps[3].m_sclkout_phase=20.0; }, table);
-    measure_crowd("an sclkout phase 0", [](CORNER* c) { c->m_request.m_taps[3].m_has_sclkout_phase = true; }, table);
-    measure_crowd("a duty -5", [](CORNER* c) { c->m_request.m_taps[3].m_duty=-5; }, table);
-    measure_crowd("a duty 105", [](CORNER* c) { c->m_request.m_taps[3].m_duty=105; }, table);
-    measure_crowd("1024 counter values", [](CORNER* c) { c->set_max_counts(2000); for (int i=0;i<10;i++){c->m_request.m_taps[i].m_div*=2;} }, table);
+    for (int outputs : {5, 6, 7})
+        measure_short_cascades(outputs, table);
+    for (int outputs : {5, 6, 7})
+        measure_long_cascades(outputs, table);
+    for (int fin : {1, 500, 1000, 2000, 10000, 100000})
+        measure_wide_miss(table, fin);
+    measure_crowd(
+        "plain", [](CORNER*) {}, table);
+    measure_crowd(
+        "a phase below 0", [](CORNER* c) { c->m_request.m_taps[3].m_phase = -20.0; }, table);
+    measure_crowd(
+        "an sclkout phase",
+        [](CORNER* c) {
+            c->m_request.m_taps[3].m_has_sclkout_phase = true;
+            c->m_request.m_taps[3].m_sclkout_phase = 20.0;
+        },
+        table);
+    measure_crowd(
+        "an sclkout phase 0", [](CORNER* c) { c->m_request.m_taps[3].m_has_sclkout_phase = true; },
+        table);
+    measure_crowd(
+        "a duty -5", [](CORNER* c) { c->m_request.m_taps[3].m_duty = -5; }, table);
+    measure_crowd(
+        "a duty 105", [](CORNER* c) { c->m_request.m_taps[3].m_duty = 105; }, table);
+    measure_crowd(
+        "1024 counter values",
+        [](CORNER* c) {
+            c->set_max_counts(2000);
+            for (int i = 0; i < 10; i++) {
+                c->m_request.m_taps[i].m_div *= 2;
+            }
+        },
+        table);
     measure_nothing_legal(table, 100000000, 57, 57);
     measure_nothing_legal(table, 100000000, 10, 20);
     measure_nothing_legal(table, 100000000, 220, 220);

@@ -5,12 +5,11 @@
 #include "search/limits.h"
 #include "search/ratio_error.h"
 #include "search/result.h"
+#include "shortcuts/quick_counter.h"
 
 #include <algorithm>
 
 namespace {
-
-constexpr double NARROWER = 1.0 - 1e-9;
 
 // Everything but the place to start at, which only exact candidates set.
 void copy_division(const PLL_OUTPUT_TAP& from, PLL_OUTPUT_TAP* to)
@@ -27,10 +26,10 @@ void copy_division(const PLL_OUTPUT_TAP& from, PLL_OUTPUT_TAP* to)
 
 }  // namespace
 
-CASCADE_LEFTOVERS::CASCADE_LEFTOVERS(const EVALUATION& evaluation)
+CASCADE_LEFTOVERS::CASCADE_LEFTOVERS(const EVALUATION& evaluation, KEPT_CASCADES* cascades)
     : m_evaluation(evaluation),
-      m_reaches{},
-      m_cascades(0),
+      m_cascades(*cascades),
+      m_reaches(evaluation.pll(), evaluation.limits()),
       m_next(0),
       m_end(0),
       m_best(nullptr),
@@ -54,32 +53,17 @@ void CASCADE_LEFTOVERS::restore(SEARCH_RESULT* result)
     for (int i = m_next; i < end; ++i) {
         copy_division(pll.m_taps[i], &m_best->m_taps[i]);
     }
-    read_reaches();
-    m_end = std::min(end, limits.m_taps_count + m_cascades);
+    m_end = std::min(end, limits.m_taps_count + m_reaches.count());
     for (int post_scale = result->m_best_point.m_post_scale; post_scale >= 1; --post_scale) {
         go_back(post_scale, result->m_best_point);
     }
-}
-
-void CASCADE_LEFTOVERS::read_reaches()
-{
-    const PLL& pll = m_evaluation.pll();
-    const SEARCH_LIMITS& limits = m_evaluation.limits();
-    for (int i = 0; i < limits.m_taps_count; ++i) {
-        const int max_count = pll.m_taps[i].m_max_count;
-        if (max_count != 1) {
-            const double counts = (2.0 * max_count + 0.5) * NARROWER;
-            m_reaches[m_cascades++] = counts * limits.m_wishes[i].m_ratio;
-        }
-    }
-    std::sort(m_reaches, m_reaches + m_cascades);
 }
 
 // The lowest ratio of a candidate that sets up the next counter. While the search is not done there
 // is an output for it.
 double CASCADE_LEFTOVERS::lowest_ratio() const
 {
-    return m_reaches[m_next - m_evaluation.limits().m_taps_count];
+    return m_reaches.lowest_for(m_next - m_evaluation.limits().m_taps_count + 1);
 }
 
 void CASCADE_LEFTOVERS::go_back(int post_scale, const SEARCH_POINT& from)
@@ -132,8 +116,8 @@ int CASCADE_LEFTOVERS::count_sources(int m, int n) const
     int next = limits.m_taps_count;
     for (int i = 0; i < limits.m_taps_count; ++i) {
         const int max_count = pll.m_taps[i].m_max_count;
-        const int count = counter_value(vco, limits.m_wishes[i]);
-        if (max_count != 1 && find_cascade(pll, count, max_count, next) != 0) {
+        const int count = quick_counter_value(vco, limits.m_wishes[i]);
+        if (max_count != 1 && m_cascades.find(count, max_count, next) != 0) {
             ++next;
         }
     }

@@ -9,11 +9,14 @@
 #include "search/evaluation.h"
 #include "search/region.h"
 #include "search/result.h"
+#include "shortcuts/cascade_reaches.h"
+#include "shortcuts/kept_cascades.h"
 
 class CASCADE_LEFTOVERS
 {
 public:
-    explicit CASCADE_LEFTOVERS(const EVALUATION& evaluation);
+    // Both must outlive the object.
+    CASCADE_LEFTOVERS(const EVALUATION& evaluation, KEPT_CASCADES* cascades);
 
     // Of the next post-scale: what can be legal, and the largest M that the search went to.
     void add_post_scale(const REGION& region, std::int64_t last_m);
@@ -31,14 +34,13 @@ private:
     void go_back(int post_scale, const SEARCH_POINT& from);
     void look_at(int post_scale, std::int64_t m, std::int64_t n);
     int count_sources(int m, int n) const;
-    void read_reaches();
     bool is_done() const { return m_next >= m_end; }
     double lowest_ratio() const;
 
     const EVALUATION& m_evaluation;
-    double m_reaches[PLL_MAX_TAPS];  // ascending: ratios from which on one more output may cascade
-    int m_cascades;                  // outputs that may
-    int m_next;                      // the first counter that is not known
+    KEPT_CASCADES& m_cascades;
+    CASCADE_REACHES m_reaches;
+    int m_next;  // the first counter that is not known
     int m_end;
     PLL* m_best;
     SCALE m_scales[PLL_VCO_POST_SCALE_MAX + 1];

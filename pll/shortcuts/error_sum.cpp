@@ -40,7 +40,8 @@ double missed_error(const VCO_RATIO& vco, int count, const RATIO_WISH& wish)
 
 }  // namespace
 
-ERROR_SUM::ERROR_SUM(const PLL& pll, const SEARCH_LIMITS& limits) : m_pll(pll), m_limits(limits)
+ERROR_SUM::ERROR_SUM(const PLL& pll, const SEARCH_LIMITS& limits, KEPT_CASCADES* cascades)
+    : m_pll(pll), m_limits(limits), m_cascades(*cascades)
 {
     constexpr double ROOM = 1e-9;  // for the rounding of the exact comparison
     for (int i = 0; i < limits.m_taps_count; ++i) {
@@ -85,7 +86,7 @@ double ERROR_SUM::of(int m, int n, double limit) const
             score.m_error += feedback_rest(m, count);
         }
         const int max_count = m_pll.m_taps[i].m_max_count;
-        if (max_count != 1 && find_cascade(m_pll, count, max_count, source_index) != 0) {
+        if (max_count != 1 && m_cascades.find(count, max_count, source_index) != 0) {
             ++source_index;
         } else {
             add_impossible_counter_error(count, max_count, &score);

@@ -3,9 +3,8 @@
 
 #include "pll.h"
 
+#include "shortcuts/kept_cascades.h"
 #include "shortcuts/lanes.h"
-
-struct SEARCH_LIMITS;
 
 class ERROR_SUM
 {
@@ -18,7 +17,7 @@ public:
         int m_n[LANES];
     };
 
-    ERROR_SUM(const PLL& pll, const SEARCH_LIMITS& limits);
+    ERROR_SUM(const PLL& pll, const SEARCH_LIMITS& limits, KEPT_CASCADES* cascades);
 
     // What assigning the counters of (m, n) would measure; something above `limit` when the sum is:
     // it grows from output to output and never shrinks.
@@ -48,5 +47,6 @@ private:
 
     const PLL& m_pll;
     const SEARCH_LIMITS& m_limits;
+    KEPT_CASCADES& m_cascades;
     OUTPUT m_outputs[PLL_MAX_TAPS];
 };

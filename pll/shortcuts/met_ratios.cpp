@@ -2,6 +2,7 @@
 
 #include "search/limits.h"
 #include "search/ratio_error.h"
+#include "shortcuts/cascade_reaches.h"
 
 #include <cmath>
 #include <cstring>
@@ -20,12 +21,21 @@ struct DIVIDER
     double m_max_count;
 };
 
+// Two counters in a row divide by no more than each of them, multiplied.
 DIVIDER read_divider(double ratio, int max_count, bool cascade)
 {
-    constexpr double NO_LIMIT = 1e300;
     const double single = max_count == 1 ? 1.0 : 2.0 * max_count;
     return {ratio, std::max(MET_RELATIVE, EXACT_RATIO / ratio) * (1.0 + ROOM),
-            cascade && max_count != 1 ? NO_LIMIT : single};
+            cascade && max_count != 1 ? single * single : single};
+}
+
+// A ratio from which on more outputs need a second counter than there are counters left for them.
+double end_of_cascades(const PLL& pll, const SEARCH_LIMITS& limits)
+{
+    constexpr double NO_END = 1e300;
+    const CASCADE_REACHES reaches(pll, limits);
+    const int left = std::min(pll.m_max_taps_count, PLL_MAX_TAPS) - limits.m_taps_count;
+    return left < reaches.count() ? reaches.surely_for(left + 1) : NO_END;
 }
 
 }  // namespace
@@ -93,6 +103,9 @@ MET_RATIOS::MET_RATIOS(const PLL& pll, const SEARCH_LIMITS& limits, RATIO_RANGE 
         const double ratio = limits.m_vco_wish.m_ratio;
         const double room = EXACT_RATIO * (1.0 + ROOM) + ratio * ROUNDING;
         within = {std::max(within.m_low, ratio - room), std::min(within.m_high, ratio + room)};
+    }
+    if (limits.m_may_cascade) {
+        within.m_high = std::min(within.m_high, end_of_cascades(pll, limits));
     }
     if (!within.is_empty()) {
         m_ranges[m_count++] = within;

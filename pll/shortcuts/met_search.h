@@ -10,8 +10,8 @@
 class MET_SEARCH
 {
 public:
-    explicit MET_SEARCH(EVALUATION* evaluation)
-        : m_evaluation(*evaluation), m_sifted(evaluation), m_gathered(0)
+    MET_SEARCH(EVALUATION* evaluation, KEPT_CASCADES* cascades)
+        : m_evaluation(*evaluation), m_sifted(evaluation, cascades), m_gathered(0)
     {
     }
 

@@ -67,9 +67,9 @@ float round_up(double value)
 
 }  // namespace
 
-NEAREST_SEARCH::NEAREST_SEARCH(const PLL& pll, const SEARCH_LIMITS& limits)
+NEAREST_SEARCH::NEAREST_SEARCH(const PLL& pll, const SEARCH_LIMITS& limits, KEPT_CASCADES* cascades)
     : m_bound(pll, limits),
-      m_sum(pll, limits),
+      m_sum(pll, limits, cascades),
       m_rest(pll, limits),
       m_has_exact_products(has_exact_products(limits)),
       m_last_region(nullptr),

@@ -25,7 +25,7 @@ public:
         int m_n = 0;
     };
 
-    NEAREST_SEARCH(const PLL& pll, const SEARCH_LIMITS& limits);
+    NEAREST_SEARCH(const PLL& pll, const SEARCH_LIMITS& limits, KEPT_CASCADES* cascades);
 
     // To be called for each post-scale, in their order. Every region must outlive the search.
     void search(int post_scale, const REGION& region);

@@ -125,10 +125,10 @@ bool has_ordinary_wishes(const PLL& pll, const PLL_PROP& request, int count, dou
 }
 
 // Evaluates the candidate that misses least. Returns false when there is none at all.
-bool search_nearest(const REGIONS& regions, EVALUATION* evaluation)
+bool search_nearest(const REGIONS& regions, EVALUATION* evaluation, KEPT_CASCADES* cascades)
 {
     const SEARCH_LIMITS& limits = evaluation->limits();
-    NEAREST_SEARCH nearest(evaluation->pll(), limits);
+    NEAREST_SEARCH nearest(evaluation->pll(), limits, cascades);
     for (int post_scale = 1; post_scale <= limits.m_max_post_scale; ++post_scale) {
         nearest.search(post_scale, *regions[post_scale]);
     }
@@ -157,13 +157,15 @@ bool search_by_ratio(EVALUATION* evaluation)
     if (!has_ordinary_wishes(pll, request, limits.m_taps_count, largest_ratio(regions))) {
         return false;
     }
-    MET_SEARCH met(evaluation);
-    CASCADE_LEFTOVERS leftovers(*evaluation);
+    KEPT_CASCADES cascades(pll, limits);
+    MET_SEARCH met(evaluation, &cascades);
+    CASCADE_LEFTOVERS leftovers(*evaluation, &cascades);
     for (int post_scale = 1; post_scale <= limits.m_max_post_scale; ++post_scale) {
         met.search(post_scale, *regions[post_scale]);
         leftovers.add_post_scale(*regions[post_scale], evaluation->last_m());
     }
-    const bool found = evaluation->result().m_found || search_nearest(regions, evaluation);
+    const bool found =
+        evaluation->result().m_found || search_nearest(regions, evaluation, &cascades);
     if (found && limits.m_may_cascade) {
         leftovers.restore(&evaluation->result());
     }

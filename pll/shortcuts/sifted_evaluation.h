@@ -4,12 +4,14 @@
 #include "search/evaluation.h"
 #include "search/result.h"
 #include "shortcuts/candidate_sieve.h"
+#include "shortcuts/kept_cascades.h"
 
 class SIFTED_EVALUATION
 {
 public:
-    explicit SIFTED_EVALUATION(EVALUATION* evaluation)
+    SIFTED_EVALUATION(EVALUATION* evaluation, KEPT_CASCADES* cascades)
         : m_evaluation(*evaluation),
+          m_cascades(*cascades),
           m_sieve(evaluation->pll(), evaluation->request(), evaluation->limits())
     {
     }
@@ -19,7 +21,8 @@ public:
     bool is_idle(int post_scale, int m, int n) const
     {
         return !m_evaluation.is_traced() &&
-               m_sieve.retains(post_scale, m, n, m_evaluation.cut_off(), m_evaluation.result());
+               (m_cascades.is_short(m, n) ||
+                m_sieve.retains(post_scale, m, n, m_evaluation.cut_off(), m_evaluation.result()));
     }
 
     // Offers a legal setting only when its error sum is 0.
@@ -37,5 +40,6 @@ public:
 
 private:
     EVALUATION& m_evaluation;
+    KEPT_CASCADES& m_cascades;
     CANDIDATE_SIEVE m_sieve;
 };

@@ -67,7 +67,8 @@ TEST(ErrorSum, IsThatOfTheAssignedCountersToTheLastDigit)
 {
     int missed = 0;
     for_all_settings(20, 60, [&](const SUBJECT& subject, int m, int n) {
-        const ERROR_SUM sum(subject.pll(), subject.limits());
+        KEPT_CASCADES cascades(subject.pll(), subject.limits());
+        const ERROR_SUM sum(subject.pll(), subject.limits(), &cascades);
         const double expected = subject.assigned_sum(m, n);
         ASSERT_EQ(expected, sum.of(m, n, expected)) << m << " / " << n;
         ASSERT_EQ(expected, sum.of(m, n, 1e300)) << m << " / " << n;
@@ -79,7 +80,8 @@ TEST(ErrorSum, IsThatOfTheAssignedCountersToTheLastDigit)
 TEST(ErrorSum, IsAboveEveryLimitThatItPasses)
 {
     for_all_settings(21, 60, [&](const SUBJECT& subject, int m, int n) {
-        const ERROR_SUM sum(subject.pll(), subject.limits());
+        KEPT_CASCADES cascades(subject.pll(), subject.limits());
+        const ERROR_SUM sum(subject.pll(), subject.limits(), &cascades);
         const double expected = subject.assigned_sum(m, n);
         const double below = std::nextafter(expected, -1.0);
         ASSERT_GT(sum.of(m, n, below), below) << m << " / " << n;
@@ -90,7 +92,8 @@ TEST(ErrorSum, OfFourSettingsIsThatOfEachToTheLastDigit)
 {
     int missed = 0;
     for_all_settings(26, 100, [&](const SUBJECT& subject, int m, int n) {
-        const ERROR_SUM sum(subject.pll(), subject.limits());
+        KEPT_CASCADES cascades(subject.pll(), subject.limits());
+        const ERROR_SUM sum(subject.pll(), subject.limits(), &cascades);
         const ERROR_SUM::SETTINGS settings = {{m, m + 1, 3 * m, m}, {n, 7 * n, n + 1, 300}};
         double sums[ERROR_SUM::LANES];
         sum.of(settings, 1e300, sums);
@@ -108,7 +111,8 @@ TEST(ErrorSum, OfFourSettingsIsThatOfEachBelowALargestRatio)
 {
     int missed = 0;
     for_all_settings(28, 100, [&](const SUBJECT& subject, int m, int n) {
-        ERROR_SUM sum(subject.pll(), subject.limits());
+        KEPT_CASCADES cascades(subject.pll(), subject.limits());
+        ERROR_SUM sum(subject.pll(), subject.limits(), &cascades);
         sum.expect_ratios_up_to(double(m) / n);
         const ERROR_SUM::SETTINGS settings = {{m, m, m, m}, {n, n + 1, 2 * n, 9 * n}};
         double sums[ERROR_SUM::LANES];
@@ -132,7 +136,8 @@ TEST(ErrorSum, OfFourSettingsIsExactWhereRoundingDecides)
         request.m_taps[1].m_div = 3;
         PLL pll(2, PLL_MAX_TAPS);
         const SEARCH_LIMITS limits = read_search_limits(pll, request);
-        const ERROR_SUM sum(pll, limits);
+        KEPT_CASCADES cascades(pll, limits);
+        const ERROR_SUM sum(pll, limits, &cascades);
         for (int k = 1; k < 200; ++k) {
             const int m = mult * k / 2;
             const ERROR_SUM::SETTINGS settings = {{m, m + mult / 2, m + 1, m}, {1, 1, 3, 1000}};

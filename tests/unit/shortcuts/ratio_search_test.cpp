@@ -501,7 +501,8 @@ struct SEVEN_THIRDS
     NEAREST_SEARCH::BEST search() const
     {
         const SEARCH_LIMITS limits = read_search_limits(m_pll, m_request);
-        NEAREST_SEARCH search(m_pll, limits);
+        KEPT_CASCADES cascades(m_pll, limits);
+        NEAREST_SEARCH search(m_pll, limits, &cascades);
         search.search(1, REGION(m_pll, limits, 1));
         return search.best();
     }
@@ -564,7 +565,8 @@ TEST(NearestSearch, FindsNothingWhereNothingIsLegal)
     pll.m_vco_max_period[1] = 902;
     pll.m_m.m_max_count = 3;
     const SEARCH_LIMITS limits = read_search_limits(pll, request);
-    NEAREST_SEARCH search(pll, limits);
+    KEPT_CASCADES cascades(pll, limits);
+    NEAREST_SEARCH search(pll, limits, &cascades);
     search.search(1, REGION(pll, limits, 1));
     EXPECT_EQ(0, search.best().m_post_scale);
 }
