@@ -40,6 +40,8 @@ enum class PLL_FINDING
     TABLE_NUMBER_EXPECTED,  // a column that is missing, no number or too large
     TABLE_LINE_UNFINISHED,  // no line break after the last row
     TABLE_WITHOUT_ROWS,
+    READ_FAILED,    // the system cannot read on in a file: what was read of it may be cut
+    OUT_OF_MEMORY,  // nothing is wrong with the file
 
     // The file is read, and this part of it has no effect or another one than it seems to have.
     OUT_OF_SCOPE,  // a keyword before the one that gives it a place
@@ -105,9 +107,16 @@ struct PLL_READ_FINDING
     const PLL_FAMILY_INFO* m_family = nullptr;           // that it is about; null: none
     PLL_TYPE_ENUM m_type = PLL_TYPE_MAX;                 // likewise
     const PLL_PART_INFO* m_part = nullptr;               // likewise
-    long long m_value = 0;  // M of a row, groups of a table, number before it was cut
+    long long m_value = 0;  // M of a row, groups of a table, number after it was cut
     long long m_limit = 0;  // what that must not exceed
+
+    // Why a file cannot be opened or read: an error number of the system (errno.h), or
+    // PLL_NOT_A_REGULAR_FILE; 0: it is not the system's doing.
+    int m_system_error = 0;
 };
+
+// A directory, a pipe or a device: no database is read from one.
+inline constexpr int PLL_NOT_A_REGULAR_FILE = -1;
 
 // What a line was read as.
 enum class PLL_READ_KIND

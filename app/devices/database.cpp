@@ -10,11 +10,16 @@
 
 namespace {
 
-// Why a family file cannot be read, or where its fault is shown.
-std::string reason_for(const std::string& file)
+// Why a family cannot be read, or where its fault is shown. `path` is its directory.
+std::string reason_for(const READ_FAULTS& faults, const std::string& path,
+                       const std::string& file_name)
 {
-    return why_unreadable(file).value_or("it or a table of it is at fault; see pllcalc lint " +
-                                         file);
+    const std::string refused = faults.file(path);
+    if (!refused.empty()) {
+        return refused + ": " + faults.reason();
+    }
+    const std::string file = tidy_path(path + "/" + file_name);
+    return file + ": it or a table of it is at fault; see pllcalc lint " + file;
 }
 
 }  // namespace
@@ -62,10 +67,11 @@ std::string_view find_name(const std::string& argument, const std::string& name,
 
 DATABASE::DATABASE(const std::string& directory) : m_directory(directory)
 {
+    m_manager.set_observer(&m_faults);
     if (!m_manager.read(directory.c_str())) {
-        const std::string file = directory + "/" + PATH_FILE;
-        throw INPUT_ERROR("cannot read the database: " + file + ": " +
-                          why_unreadable(file).value_or("names no family"));
+        const bool is_refused = m_faults.is_incomplete() && !m_faults.file(directory).empty();
+        throw INPUT_ERROR("cannot read the database: " + directory + "/" + PATH_FILE + ": " +
+                          (is_refused ? m_faults.reason() : "names no family"));
     }
 }
 
@@ -94,14 +100,16 @@ const PLL_FAMILY_INFO& DATABASE::find_family(const std::string& argument,
 const PLL_FAMILY_INFO& DATABASE::read_family(std::string_view name)
 {
     const std::string text(name);
+    m_faults.forget();
     const PLL_FAMILY_INFO* const family = m_manager.read_family_info(text.c_str());
-    if (family != nullptr) {
+    const bool is_incomplete = m_faults.is_incomplete();
+    if (family != nullptr && !is_incomplete) {
         return *family;
     }
     const PLL_FAMILY_INFO& record = *m_manager.create_family_info(text.c_str());
     if (record.m_path == nullptr || record.m_file_name == nullptr) {
         throw INPUT_ERROR("cannot read family " + text + ": the path file names no file for it");
     }
-    const std::string file = tidy_path(std::string(record.m_path) + "/" + record.m_file_name);
-    throw INPUT_ERROR("cannot read family " + text + ": " + file + ": " + reason_for(file));
+    throw INPUT_ERROR("cannot read family " + text + ": " +
+                      reason_for(m_faults, record.m_path, record.m_file_name));
 }

@@ -1,6 +1,8 @@
 // A device database in a directory.
 #pragma once
 
+#include "app/devices/read_faults.h"
+
 #include "pll_manager.h"
 
 #include <optional>
@@ -36,10 +38,12 @@ public:
                                        const std::optional<std::string>& name);
 
 private:
-    // A family that failed once may count as read afterwards, so it is asked for only once.
+    // A family that failed once may count as read afterwards, so it is asked for only once. One
+    // that lacks a file that is there, but cannot be read, would promise what it cannot keep.
     const PLL_FAMILY_INFO& read_family(std::string_view name);
 
     std::string m_directory;
+    READ_FAULTS m_faults;
     PLL_MANAGER m_manager;
 };
 

@@ -46,6 +46,10 @@ void LINT_OBSERVER::on_statement(const PLL_READ_STATEMENT& statement)
 
 void LINT_OBSERVER::on_finding(const PLL_READ_FINDING& finding)
 {
+    if (finding.m_finding == PLL_FINDING::OUT_OF_MEMORY) {
+        m_is_complete = false;
+        return;
+    }
     try {
         store_finding(finding);
     } catch (const std::exception&) {

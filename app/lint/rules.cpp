@@ -1,5 +1,7 @@
 // The rules of lint: for each finding what it means and how a message says it.
 #include "app/lint/messages.h"
+
+#include "app/output/input_file.h"
 #include "app/words/suggestion.h"
 
 #include "pll_manager.h"
@@ -68,6 +70,10 @@ const READER_RULE READER_RULES[] = {
     {PLL_FINDING::TABLE_WITHOUT_ROWS, "A bandwidth table stores no row.",
      "the table has no row; rows begin on line 3, and an empty line ends them",
      "the table has no row; rows begin on line 3, and an empty line ends them"},
+    {PLL_FINDING::READ_FAILED, "The system cannot read on in a file.",
+     "the system cannot read on from this line: {reason}",
+     "the system cannot read on from this line: {reason}"},
+    {PLL_FINDING::OUT_OF_MEMORY, "Memory is exhausted.", "out of memory", nullptr},
 
     {PLL_FINDING::OUT_OF_SCOPE, "A keyword stands before the one that gives it a place.",
      "'{word}' has no effect here: no '{needed}' before it", nullptr},
@@ -177,6 +183,7 @@ std::string value_of(std::string_view name, const PLL_READ_FINDING& finding)
         {"grade", finding.m_part == nullptr ? "" : finding.m_part->m_speed_grade},
         {"words", join(words)},
         {"suggestion", suggest(finding.m_word, words)},
+        {"reason", describe_system_error(finding.m_system_error)},
     };
     for (const auto& [value_name, value] : VALUES) {
         if (value_name == name) {

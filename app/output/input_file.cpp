@@ -1,5 +1,7 @@
 #include "app/output/input_file.h"
 
+#include "pll_observer.h"
+
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
@@ -25,4 +27,9 @@ std::optional<std::string> why_unreadable(const std::string& file)
 std::string tidy_path(const std::string& path)
 {
     return std::filesystem::path(path).lexically_normal().string();
+}
+
+std::string describe_system_error(int error)
+{
+    return error == PLL_NOT_A_REGULAR_FILE ? "not a regular file" : std::strerror(error);
 }

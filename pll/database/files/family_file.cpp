@@ -10,16 +10,15 @@
 //
 // A statement that nothing before it gives a place to is skipped, so that one file can serve
 // several scopes. The first error ends the reading; what was stored before stays.
+//
+// Whoever finds something wrong tells the listener of it and returns it; nobody looks at a line a
+// second time to find out. Without a listener the telling is one test of a pointer.
 #include "database/files/family_file.h"
 
 #include "gen_string.h"
 
-#include "database/files/locale.h"
 #include "database/files/table_file.h"
 #include "database/memory.h"
-#include "database/records.h"
-#include "database/watch/line_watch.h"
-#include "platform/report_error.h"
 
 #include <cstring>
 #include <exception>
@@ -28,86 +27,27 @@ namespace {
 
 typedef MEM_ALLOCATOR<PLL_TYPE_BANDWIDTH_FILE_NAME*> TABLE_FILE_ALLOCATOR;
 
+// The first selection that is missing on the way to a scope.
+PLL_SELECTION missing_selection(const PLL_FAMILY_FILE_READER& reader, PLL_SCOPE scope)
+{
+    switch (scope) {
+    case PLL_SCOPE::ANYWHERE:
+        break;
+    case PLL_SCOPE::FAMILY:
+    case PLL_SCOPE::PLL_TYPE:
+    case PLL_SCOPE::SPEED_GRADE:
+        return reader.m_family == nullptr      ? PLL_SELECTION::FAMILY
+               : reader.m_type == PLL_TYPE_MAX ? PLL_SELECTION::PLL_TYPE
+                                               : PLL_SELECTION::SPEED_GRADE;
+    case PLL_SCOPE::PART:
+        return PLL_SELECTION::PART;
+    case PLL_SCOPE::RECONFIG:
+        return PLL_SELECTION::RECONFIG;
+    }
+    return PLL_SELECTION::NOTHING;
+}
+
 }  // namespace
-
-PLL_OPERANDS::~PLL_OPERANDS()
-{
-    manager_release(m_numbers);
-    manager_release(m_counters);
-}
-
-bool read_operands(const PLL_MANAGER& manager, PLL_OPERAND_KIND kind, char* line,
-                   PLL_OPERANDS* operands)
-{
-    switch (kind) {
-    case PLL_OPERAND_KIND::NAME:
-        operands->m_name = manager.find_string_token(&line);
-        return true;
-    case PLL_OPERAND_KIND::WORD:
-        operands->m_name = manager.find_unquoted_string_token(&line);
-        return true;
-    case PLL_OPERAND_KIND::NUMBER:
-        return manager.find_number_token(&line, &operands->m_number);
-    case PLL_OPERAND_KIND::POST_SCALE_NUMBER:
-        return manager.find_number_token(&line, &operands->m_post_scale) &&
-               manager.find_number_token(&line, &operands->m_number);
-    case PLL_OPERAND_KIND::REAL:
-        return manager.find_float_token(&line, &operands->m_real);
-    case PLL_OPERAND_KIND::FLAG:
-        operands->m_flag = manager.find_bool_token(&line);
-        return true;
-    case PLL_OPERAND_KIND::SORTED_NUMBERS:
-        operands->m_count = manager.find_int_array_and_sort(&line, &operands->m_numbers);
-        return operands->m_count > 0;
-    case PLL_OPERAND_KIND::NUMBERS:
-        operands->m_count = manager.find_int_array(&line, &operands->m_numbers);
-        return operands->m_count > 0;
-    case PLL_OPERAND_KIND::COUNTERS:
-        operands->m_count = manager.find_counter_type_array(&line, &operands->m_counters);
-        return operands->m_count > 0;
-    }
-    return false;
-}
-
-PLL_INCLUDE_STACK::PLL_INCLUDE_STACK() : m_depth(0), m_opened_files(0), m_names() {}
-
-PLL_INCLUDE_STACK::~PLL_INCLUDE_STACK()
-{
-    for (int i = 0; i < m_depth; ++i) {
-        manager_release(m_names[i]);
-    }
-}
-
-bool PLL_INCLUDE_STACK::is_full() const
-{
-    return m_depth >= MAX_DEPTH || m_opened_files >= MAX_OPENED_FILES;
-}
-
-bool PLL_INCLUDE_STACK::open(char* name)
-{
-    if (!m_files[m_depth].open(name)) {
-        manager_release(name);
-        return false;
-    }
-    m_names[m_depth] = name;
-    ++m_depth;
-    ++m_opened_files;
-    return true;
-}
-
-bool PLL_INCLUDE_STACK::read_line(char* line)
-{
-    while (m_depth > 0 && m_files[m_depth - 1].is_at_end()) {
-        --m_depth;
-        m_files[m_depth].close();
-        manager_release(m_names[m_depth]);
-    }
-    if (m_depth == 0) {
-        return false;
-    }
-    m_files[m_depth - 1].read_line(line);
-    return true;
-}
 
 PLL_FAMILY_FILE_READER::PLL_FAMILY_FILE_READER(PLL_MANAGER* manager, const char* path)
     : m_manager(manager),
@@ -116,8 +56,11 @@ PLL_FAMILY_FILE_READER::PLL_FAMILY_FILE_READER(PLL_MANAGER* manager, const char*
       m_speed_grade(nullptr),
       m_part(nullptr),
       m_reconfig(nullptr),
+      m_listener(nullptr),
+      m_words(nullptr, nullptr),
       m_path(path),
       m_file_name(nullptr),
+      m_foreign_family(nullptr),
       m_table_files(TABLE_FILE_ALLOCATOR(PLL_MANAGER_SOURCE))
 {
 }
@@ -129,79 +72,98 @@ PLL_FAMILY_FILE_READER::~PLL_FAMILY_FILE_READER()
     }
 }
 
-bool PLL_FAMILY_FILE_READER::read(const char* file_name)
+PLL_FINDING PLL_FAMILY_FILE_READER::read(const char* file_name, PLL_LINE_LISTENER* listener)
 {
     m_file_name = file_name;
-    if (m_manager->get_observer() == nullptr) {
-        return read_file(nullptr);
+    m_listener = listener;
+    const PLL_FINDING reason = open_top_file(file_name);
+    return reason == PLL_FINDING::NONE ? read_statements() : reason;
+}
+
+PLL_FINDING PLL_FAMILY_FILE_READER::open_top_file(const char* file_name)
+{
+    char* const full_name = manager_join(m_path, "/", file_name);
+    if (full_name == nullptr) {
+        return tell_of_file(PLL_FINDING::OUT_OF_MEMORY);
     }
-    PLL_STATEMENT_WATCH watch(*this, m_manager->get_observer());
-    return read_file(&watch);
+    const int error = m_files.open(full_name);
+    return error == 0 ? PLL_FINDING::NONE
+                      : tell_of_file(PLL_FINDING::FAMILY_FILE_NOT_OPENED, error);
 }
 
-bool PLL_FAMILY_FILE_READER::read_file(PLL_STATEMENT_WATCH* watch)
+// Of the file at the bottom, as a whole. Its full name is made for the telling alone.
+PLL_FINDING PLL_FAMILY_FILE_READER::tell_of_file(PLL_FINDING finding, int system_error)
 {
-    bool is_out_of_memory = false;
-    if (!open(m_file_name, &is_out_of_memory)) {
-        if (watch != nullptr && !is_out_of_memory) {
-            watch->tell_of_top_file(PLL_FINDING::FAMILY_FILE_NOT_OPENED, m_path, m_file_name);
-        }
-        return false;
+    if (m_listener != nullptr) {
+        const PLL_MANAGER_TEXT name(manager_join(m_path, "/", m_file_name));
+        m_listener->hear_of_file(finding, name.get() == nullptr ? m_file_name : name.get(), 0,
+                                 system_error);
     }
-    return read_statements(watch) && finish_family();
-}
-
-bool PLL_FAMILY_FILE_READER::open(const char* name, bool* is_out_of_memory)
-{
-    char* const full_name = manager_join(m_path, "/", name);
-    *is_out_of_memory = full_name == nullptr;
-    return !*is_out_of_memory && m_files.open(full_name);
-}
-
-bool PLL_FAMILY_FILE_READER::is_reading(const char* path, const char* file_name) const
-{
-    return path != nullptr && std::strcmp(path, m_path) == 0 &&
-           std::strcmp(file_name, m_file_name) == 0;
+    return finding;
 }
 
 // A file without a statement is an error.
-bool PLL_FAMILY_FILE_READER::read_statements(PLL_STATEMENT_WATCH* watch)
+PLL_FINDING PLL_FAMILY_FILE_READER::read_statements()
 {
     bool has_statement = false;
     char line[PLL_LINE_SIZE];
     while (m_files.read_line(line)) {
-        const bool is_watched = watch != nullptr && watch->begin(line);
-        char* operands = line;
-        const char* const keyword = m_manager->find_unquoted_string_token(&operands);
-        if (keyword == nullptr) {
-            continue;
+        const PLL_FINDING reason = read_line(line, &has_statement);
+        if (pll_is_read_error(reason)) {
+            return reason;
         }
-        const bool is_ok = read_statement(keyword, operands);
-        if (is_watched) {
-            watch->end(is_ok);
-        }
-        if (!is_ok) {
-            return false;
-        }
-        has_statement = true;
     }
-    if (!has_statement && watch != nullptr) {
-        watch->tell_of_top_file(PLL_FINDING::NO_STATEMENT, m_path, m_file_name);
+    if (const int error = m_files.get_error(); error != 0) {
+        if (m_listener != nullptr) {
+            m_listener->hear_of_file(PLL_FINDING::READ_FAILED, m_files.current_name(),
+                                     m_files.current().line_number() + 1, error);
+        }
+        return PLL_FINDING::READ_FAILED;
     }
-    return has_statement;
+    return has_statement ? PLL_FINDING::NONE : tell_of_file(PLL_FINDING::NO_STATEMENT);
 }
 
-bool PLL_FAMILY_FILE_READER::read_statement(const char* keyword, char* operands)
+PLL_FINDING PLL_FAMILY_FILE_READER::read_line(char* line, bool* has_statement)
 {
-    const PLL_KEYWORD* const row = find_keyword(keyword);
-    if (row == nullptr) {
-        return false;
+    if (m_listener != nullptr) {
+        m_listener->begin_line(line, m_files.current(), m_files.current_name());
     }
-    if (!is_in_scope(row->m_scope)) {
-        return true;
+    m_words = PLL_WORDS(line, m_listener);
+    m_statement.m_word = m_words.next_word();
+    if (m_statement.m_word == nullptr) {
+        return PLL_FINDING::NONE;
     }
-    PLL_OPERANDS values;
-    return read_operands(*m_manager, row->m_kind, operands, &values) && row->m_set(*this, values);
+    *has_statement = true;
+    const PLL_FINDING reason = read_statement();
+    if (m_listener != nullptr) {
+        m_listener->end_line(reason, &m_words);
+    }
+    return reason;
+}
+
+PLL_FINDING PLL_FAMILY_FILE_READER::read_statement()
+{
+    const PLL_KEYWORD* const keyword = find_keyword(m_statement.m_word);
+    m_statement.m_keyword = keyword;
+    m_statement.m_is_in_scope = keyword != nullptr && is_in_scope(keyword->m_scope);
+    if (keyword == nullptr) {
+        return m_words.tell(PLL_FINDING::UNKNOWN_KEYWORD, m_statement.m_word);
+    }
+    if (!m_statement.m_is_in_scope) {
+        return refuse_scope(keyword->m_scope);
+    }
+    PLL_OPERANDS operands;
+    const PLL_FINDING reason = pll_read_operands(keyword->m_kind, &m_words, &operands);
+    return reason == PLL_FINDING::NONE ? keyword->m_set(*this, operands) : reason;
+}
+
+PLL_FINDING PLL_FAMILY_FILE_READER::refuse_scope(PLL_SCOPE scope)
+{
+    PLL_FAULT fault{PLL_FINDING::OUT_OF_SCOPE, m_statement.m_word};
+    if (m_listener != nullptr) {
+        fault.m_needed = pll_keyword_of(missing_selection(*this, scope));
+    }
+    return m_words.tell_fault(fault);
 }
 
 bool PLL_FAMILY_FILE_READER::is_in_scope(PLL_SCOPE scope) const
@@ -223,12 +185,44 @@ bool PLL_FAMILY_FILE_READER::is_in_scope(PLL_SCOPE scope) const
     return false;
 }
 
-// Speed grades and tables go to the family that is current at the end of the file.
-bool PLL_FAMILY_FILE_READER::finish_family()
+// The name is read after the room on the stack is looked at: a full stack refuses any include.
+PLL_FINDING PLL_FAMILY_FILE_READER::include(const char* name)
 {
-    return m_family == nullptr ||
-           (rebuild_listed_speed_grades(m_family) &&
-            read_table_files(m_family, m_table_files, m_manager->get_observer()));
+    if (const PLL_FINDING refusal = m_files.refuse_file(); refusal != PLL_FINDING::NONE) {
+        return m_words.tell(refusal, name);
+    }
+    if (name == nullptr) {
+        return m_words.tell(PLL_FINDING::INCLUDE_NOT_OPENED, name);
+    }
+    char* const full_name = manager_join(m_path, "/", name);
+    if (full_name == nullptr) {
+        return PLL_FINDING::OUT_OF_MEMORY;
+    }
+    PLL_FAULT fault{PLL_FINDING::INCLUDE_NOT_OPENED, name};
+    fault.m_system_error = m_files.open(full_name);
+    return fault.m_system_error == 0 ? PLL_FINDING::NONE : m_words.tell_fault(fault);
+}
+
+// A part may be known already, in another speed grade, and its family may have another file.
+void PLL_FAMILY_FILE_READER::tell_of_part(const char* name)
+{
+    if (m_listener == nullptr) {
+        return;
+    }
+    if (gen_stricmp(m_part->m_speed_grade, m_speed_grade) != 0) {
+        m_words.tell(PLL_FINDING::PART_IN_OTHER_GRADE, name);
+    }
+    if (m_family->m_file_name != nullptr && m_family != m_foreign_family &&
+        !is_of_this_file(*m_family)) {
+        m_foreign_family = m_family;
+        m_words.tell(PLL_FINDING::FOREIGN_FAMILY, name);
+    }
+}
+
+bool PLL_FAMILY_FILE_READER::is_of_this_file(const PLL_FAMILY_INFO& family) const
+{
+    return family.m_path != nullptr && std::strcmp(family.m_path, m_path) == 0 &&
+           std::strcmp(family.m_file_name, m_file_name) == 0;
 }
 
 bool PLL_FAMILY_FILE_READER::set_table_file(const char* name)
@@ -258,18 +252,4 @@ bool PLL_FAMILY_FILE_READER::set_table_file(const char* name)
         return false;
     }
     return true;
-}
-
-bool PLL_MANAGER::read_family_info_from_file(const char* path, const char* file_name)
-{
-    if (!check(path != nullptr && file_name != nullptr, "path != NULL && file_name != NULL",
-               PLL_MANAGER_SOURCE)) {
-        return false;
-    }
-    const PLL_NUMERIC_LOCALE locale;
-    if (!locale.is_set()) {
-        return false;
-    }
-    PLL_FAMILY_FILE_READER reader(this, path);
-    return reader.read(file_name);
 }

@@ -10,10 +10,13 @@
 
 namespace {
 
-bool is_regular_file(const char* name)
+int look_at_file(const char* name)
 {
     struct stat status;
-    return stat(name, &status) == 0 && S_ISREG(status.st_mode);
+    if (stat(name, &status) != 0) {
+        return errno;
+    }
+    return S_ISREG(status.st_mode) ? 0 : PLL_NOT_A_REGULAR_FILE;
 }
 
 // Without O_NONBLOCK a pipe that took the file's place since it was looked at would block.
@@ -29,7 +32,13 @@ int open_for_reading(const char* name)
 }  // namespace
 
 PLL_INPUT_FILE::PLL_INPUT_FILE()
-    : m_descriptor(-1), m_next(0), m_end(0), m_line_number(0), m_line_length(0), m_block{}
+    : m_descriptor(-1),
+      m_error(0),
+      m_next(0),
+      m_end(0),
+      m_line_number(0),
+      m_line_length(0),
+      m_block{}
 {
 }
 
@@ -38,14 +47,14 @@ PLL_INPUT_FILE::~PLL_INPUT_FILE()
     close();
 }
 
-bool PLL_INPUT_FILE::open(const char* name)
+int PLL_INPUT_FILE::open(const char* name)
 {
     close();
-    if (!is_regular_file(name)) {
-        return false;
+    if (const int reason = look_at_file(name); reason != 0) {
+        return reason;
     }
     m_descriptor = open_for_reading(name);
-    return m_descriptor >= 0;
+    return m_descriptor >= 0 ? 0 : errno;
 }
 
 void PLL_INPUT_FILE::close()
@@ -54,6 +63,7 @@ void PLL_INPUT_FILE::close()
         ::close(m_descriptor);
     }
     m_descriptor = -1;
+    m_error = 0;
     m_next = 0;
     m_end = 0;
     m_line_number = 0;
@@ -65,6 +75,7 @@ bool PLL_INPUT_FILE::fill()
     do {
         size = ::read(m_descriptor, m_block, BLOCK_SIZE);
     } while (size < 0 && errno == EINTR);
+    m_error = size < 0 ? errno : 0;
     m_next = 0;
     m_end = size > 0 ? static_cast<std::size_t>(size) : 0;
     return m_end != 0;
@@ -72,10 +83,10 @@ bool PLL_INPUT_FILE::fill()
 
 bool PLL_INPUT_FILE::is_at_end()
 {
-    return m_descriptor < 0 || (m_next == m_end && !fill());
+    return m_descriptor < 0 || (m_next == m_end && (m_error != 0 || !fill()));
 }
 
-void PLL_INPUT_FILE::read_line(char* line)
+bool PLL_INPUT_FILE::read_line(char* line)
 {
     const std::size_t ROOM = PLL_LINE_SIZE - 1;
     std::size_t length = 0;  // of the line, the dropped characters included
@@ -102,6 +113,7 @@ void PLL_INPUT_FILE::read_line(char* line)
     if (m_line_number < std::numeric_limits<int>::max()) {
         ++m_line_number;
     }
+    return m_error == 0;
 }
 
 char* PLL_INPUT_FILE::take_block(std::size_t* size)

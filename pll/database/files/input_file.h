@@ -1,12 +1,15 @@
 // Input of the database's text files.
 #pragma once
 
+#include "pll_observer.h"
+
 #include <cstddef>
 
 inline constexpr int PLL_LINE_SIZE = 1024;  // characters of a line that are kept, with the NUL
 
 // An open file, read through a buffer of its own. Only regular files can be opened, links followed:
-// a database never waits for a pipe or a terminal.
+// a database never waits for a pipe or a terminal. Where the system cannot read on, the file seems
+// to end, and get_error() tells it from one that does.
 class PLL_INPUT_FILE
 {
 public:
@@ -15,15 +18,21 @@ public:
     PLL_INPUT_FILE(const PLL_INPUT_FILE&) = delete;
     PLL_INPUT_FILE& operator=(const PLL_INPUT_FILE&) = delete;
 
-    bool open(const char* name);
+    // Returns 0, or why the file cannot be opened: an error number of the system, or
+    // PLL_NOT_A_REGULAR_FILE.
+    int open(const char* name);
     void close();
 
-    // True when nothing is left to read; an error of the system counts as the end.
+    // True when nothing is left to read.
     bool is_at_end();
+
+    // The error number of the system that ended the file early; 0: none did.
+    int get_error() const { return m_error; }
 
     // Reads the next line, without its line break and a carriage return right before that, into
     // `line`, which has PLL_LINE_SIZE characters. What a longer line has beyond them is dropped.
-    void read_line(char* line);
+    // False when the system cannot read it to its end; `line` is of no use then.
+    bool read_line(char* line);
 
     // Of the line read last: its number, from 1, and its characters, those that were dropped too.
     int line_number() const { return m_line_number; }
@@ -39,6 +48,7 @@ private:
     bool fill();
 
     int m_descriptor;  // -1: not open
+    int m_error;
     std::size_t m_next;
     std::size_t m_end;
     int m_line_number;

@@ -2,6 +2,7 @@
 #include "gen_string.h"
 
 #include "database/files/family_file.h"
+#include "database/files/vocabulary.h"
 #include "database/memory.h"
 #include "platform/arith.h"
 
@@ -19,83 +20,110 @@ typedef PLL_TIMING_INFO TIMING;
 
 // ---- Structure
 
+const char QUOTE = '"';
+
+PLL_FINDING none_unless_out_of_memory(bool is_done)
+{
+    return is_done ? PLL_FINDING::NONE : PLL_FINDING::OUT_OF_MEMORY;
+}
+
+PLL_FINDING refuse_missing_name(READER& reader)
+{
+    return reader.words()->tell(PLL_FINDING::NAME_MISSING, nullptr);
+}
+
 // An include without a name, or of a file that cannot be opened, has no effect.
-bool include_file(READER& reader, const OPERANDS& operands)
+PLL_FINDING include_file(READER& reader, const OPERANDS& operands)
 {
-    bool is_out_of_memory = false;
-    if (reader.m_files.is_full()) {
-        return false;
+    return reader.include(operands.m_word);
+}
+
+PLL_FINDING select_family(READER& reader, const OPERANDS& operands)
+{
+    reader.m_family = reader.m_manager->create_family_info(operands.m_word);
+    return operands.m_word == nullptr ? refuse_missing_name(reader)
+                                      : none_unless_out_of_memory(reader.m_family != nullptr);
+}
+
+PLL_FINDING select_speed_grade(READER& reader, const OPERANDS& operands)
+{
+    reader.m_speed_grade = nullptr;
+    if (operands.m_word == nullptr) {
+        return refuse_missing_name(reader);
     }
-    if (operands.m_name != nullptr) {
-        reader.open(operands.m_name, &is_out_of_memory);
+    reader.m_speed_grade = reader.m_manager->create_speed_grade(reader.m_family, operands.m_word);
+    return none_unless_out_of_memory(reader.m_speed_grade != nullptr);
+}
+
+PLL_FINDING select_pll_type(READER& reader, const OPERANDS& operands)
+{
+    reader.m_type = pll_find_type(operands.m_word);
+    return reader.m_type == PLL_TYPE_MAX
+               ? reader.words()->tell(PLL_FINDING::UNKNOWN_PLL_TYPE, operands.m_word)
+               : PLL_FINDING::NONE;
+}
+
+PLL_FINDING select_part(READER& reader, const OPERANDS& operands)
+{
+    reader.m_part = nullptr;
+    if (operands.m_word == nullptr) {
+        return refuse_missing_name(reader);
     }
-    return !is_out_of_memory;
+    reader.m_part = reader.m_manager->create_part_info(reader.m_family, operands.m_word,
+                                                       reader.m_speed_grade, reader.m_type);
+    if (reader.m_part == nullptr) {
+        return PLL_FINDING::OUT_OF_MEMORY;
+    }
+    reader.m_part_owner = {reader.m_family, reader.m_type};
+    reader.tell_of_part(operands.m_word);
+    return PLL_FINDING::NONE;
 }
 
-bool select_family(READER& reader, const OPERANDS& operands)
+PLL_FINDING select_table_file(READER& reader, const OPERANDS& operands)
 {
-    reader.m_family = reader.m_manager->create_family_info(operands.m_name);
-    return reader.m_family != nullptr;
+    return operands.m_word == nullptr
+               ? refuse_missing_name(reader)
+               : none_unless_out_of_memory(reader.set_table_file(operands.m_word));
 }
 
-bool select_speed_grade(READER& reader, const OPERANDS& operands)
+// Quotes make the name an unknown one, and what follows them part of the mistake.
+PLL_FINDING refuse_reconfig_type(READER& reader, const char* name)
 {
-    reader.m_speed_grade =
-        operands.m_name == nullptr
-            ? nullptr
-            : reader.m_manager->create_speed_grade(reader.m_family, operands.m_name);
-    return reader.m_speed_grade != nullptr;
-}
-
-bool select_pll_type(READER& reader, const OPERANDS& operands)
-{
-    reader.m_type = operands.m_name == nullptr
-                        ? PLL_TYPE_MAX
-                        : reader.m_manager->find_pll_type_enum(operands.m_name);
-    return reader.m_type != PLL_TYPE_MAX;
-}
-
-bool select_part(READER& reader, const OPERANDS& operands)
-{
-    reader.m_part = operands.m_name == nullptr
-                        ? nullptr
-                        : reader.m_manager->create_part_info(reader.m_family, operands.m_name,
-                                                             reader.m_speed_grade, reader.m_type);
-    return reader.m_part != nullptr;
-}
-
-bool select_table_file(READER& reader, const OPERANDS& operands)
-{
-    return operands.m_name != nullptr && reader.set_table_file(operands.m_name);
+    if (name == nullptr || *name != QUOTE) {
+        return reader.words()->tell(PLL_FINDING::UNKNOWN_RECONFIG_TYPE, name);
+    }
+    reader.words()->tell(PLL_FINDING::QUOTED_RECONFIG_TYPE, name);
+    reader.words()->drop_rest();
+    return PLL_FINDING::QUOTED_RECONFIG_TYPE;
 }
 
 // A name that is no reconfiguration type leaves none current; that is no error.
-bool select_reconfig_type(READER& reader, const OPERANDS& operands)
+PLL_FINDING select_reconfig_type(READER& reader, const OPERANDS& operands)
 {
     reader.m_reconfig = nullptr;
-    const PLL_RECONFIG_TYPE_ENUM type =
-        operands.m_name == nullptr ? PLL_RECONFIG_TYPE_MAX
-                                   : reader.m_manager->find_reconfig_type_enum(operands.m_name);
+    reader.m_reconfig_owner = {reader.m_family, reader.m_type};
+    const PLL_RECONFIG_TYPE_ENUM type = pll_find_reconfig_type(operands.m_word);
     if (type == PLL_RECONFIG_TYPE_MAX) {
-        return true;
+        return refuse_reconfig_type(reader, operands.m_word);
     }
     reader.m_reconfig = reader.basic_info()->create_reconfig_info(type);
-    return reader.m_reconfig != nullptr;
+    return none_unless_out_of_memory(reader.m_reconfig != nullptr);
 }
 
-bool set_counter_orders(READER& reader, const OPERANDS& operands)
+PLL_FINDING set_counter_orders(READER& reader, const OPERANDS& operands)
 {
     reader.m_reconfig->set_scan_chain_counter_orders(operands.m_count, operands.m_counters);
-    return reader.m_reconfig->m_number_of_scan_chain_counter_orders == operands.m_count;
+    return none_unless_out_of_memory(reader.m_reconfig->m_number_of_scan_chain_counter_orders ==
+                                     operands.m_count);
 }
 
-bool set_not_listed(READER& reader, const OPERANDS& operands)
+PLL_FINDING set_not_listed(READER& reader, const OPERANDS& operands)
 {
     reader.m_part->m_not_listed = operands.m_flag;
-    return true;
+    return PLL_FINDING::NONE;
 }
 
-// ---- Values. Lists that a record could not take, for lack of memory, are errors.
+// ---- Values. A list that a record could not take was too large for the memory.
 
 void give(int* field, const OPERANDS& operands)
 {
@@ -112,71 +140,83 @@ void give(bool* field, const OPERANDS& operands)
     *field = operands.m_flag;
 }
 
-template <auto FIELD>
-bool basic(READER& reader, const OPERANDS& operands)
+PLL_FINDING tell_of_post_scale(READER& reader, const char* word, int post_scale)
 {
-    give(&(reader.basic_info()->*FIELD), operands);
-    return true;
+    return post_scale <= PLL_VCO_POST_SCALE_MAX
+               ? PLL_FINDING::NONE
+               : reader.words()->tell_limit(PLL_FINDING::POST_SCALE_TOO_LARGE, word, post_scale,
+                                            PLL_VCO_POST_SCALE_MAX);
 }
 
-bool vco_post_scale_counter_max(READER& reader, const OPERANDS& operands)
+template <auto FIELD>
+PLL_FINDING basic(READER& reader, const OPERANDS& operands)
+{
+    give(&(reader.basic_info()->*FIELD), operands);
+    return PLL_FINDING::NONE;
+}
+
+// A post-scale that does not exist is stored all the same.
+PLL_FINDING vco_post_scale_counter_max(READER& reader, const OPERANDS& operands)
 {
     reader.basic_info()->set_vco_post_scale_counter_max(operands.m_number);
-    return true;
+    tell_of_post_scale(reader, operands.m_word, operands.m_number);
+    return PLL_FINDING::NONE;
 }
 
 // A limit of the whole count; there is none of its halves then.
 template <int BASIC::*COUNT, int BASIC::*HALF>
-bool whole_count(READER& reader, const OPERANDS& operands)
+PLL_FINDING whole_count(READER& reader, const OPERANDS& operands)
 {
     reader.basic_info()->*COUNT = operands.m_number;
     reader.basic_info()->*HALF = 0;
-    return true;
+    return PLL_FINDING::NONE;
 }
 
 // A limit of the high and the low half, hence of the count.
 template <int BASIC::*COUNT, int BASIC::*HALF>
-bool half_count(READER& reader, const OPERANDS& operands)
+PLL_FINDING half_count(READER& reader, const OPERANDS& operands)
 {
     reader.basic_info()->*COUNT = wrap_mul(2, operands.m_number);
     reader.basic_info()->*HALF = operands.m_number;
-    return true;
+    return PLL_FINDING::NONE;
 }
 
 typedef void (BASIC::*LIST_SETTER)(int count, const int* values);
 
 template <LIST_SETTER SET, int BASIC::*COUNT>
-bool list(READER& reader, const OPERANDS& operands)
+PLL_FINDING list(READER& reader, const OPERANDS& operands)
 {
     (reader.basic_info()->*SET)(operands.m_count, operands.m_numbers);
-    return reader.basic_info()->*COUNT == operands.m_count;
+    return none_unless_out_of_memory(reader.basic_info()->*COUNT == operands.m_count);
 }
 
 // Weights of bits, whose positive ones are the list too.
 template <LIST_SETTER SET_BITS, int BASIC::*BIT_COUNT, LIST_SETTER SET, int BASIC::*COUNT>
-bool bit_list(READER& reader, const OPERANDS& operands)
+PLL_FINDING bit_list(READER& reader, const OPERANDS& operands)
 {
-    if (!list<SET_BITS, BIT_COUNT>(reader, operands)) {
-        return false;
+    if (list<SET_BITS, BIT_COUNT>(reader, operands) != PLL_FINDING::NONE) {
+        return PLL_FINDING::OUT_OF_MEMORY;
     }
     OPERANDS compacted;
     compacted.m_count = PLL_MANAGER::compact_int_array_from_bits_array_and_sort(
         operands.m_count, operands.m_numbers, &compacted.m_numbers);
-    return compacted.m_numbers != nullptr && list<SET, COUNT>(reader, compacted);
+    return compacted.m_numbers == nullptr ? PLL_FINDING::OUT_OF_MEMORY
+                                          : list<SET, COUNT>(reader, compacted);
 }
 
 template <int TIMING::*FIELD>
-bool timing(READER& reader, const OPERANDS& operands)
+PLL_FINDING timing(READER& reader, const OPERANDS& operands)
 {
     reader.timing_info()->*FIELD = operands.m_number;
-    return true;
+    return PLL_FINDING::NONE;
 }
 
+// A limit behind a post-scale that does not exist is not stored.
 template <void (TIMING::*SET)(int value, int vco_post_scale)>
-bool vco(READER& reader, const OPERANDS& operands)
+PLL_FINDING vco(READER& reader, const OPERANDS& operands)
 {
     (reader.timing_info()->*SET)(operands.m_number, operands.m_post_scale);
-    return true;
+    return tell_of_post_scale(reader, operands.m_word, operands.m_post_scale);
 }
 
 // The lists that a record holds as a count and an array.
@@ -225,11 +265,11 @@ constexpr PLL_OPERAND_KIND COUNTERS = PLL_OPERAND_KIND::COUNTERS;
 
 // clang-format off
 constexpr PLL_KEYWORD KEYWORDS[] = {
-    // keyword                                 scope       kind    setter
-    {"include",                                ANYWHERE, NAME,   include_file},
-    {"family",                                 ANYWHERE, NAME,   select_family},
-    {"speed_grade",                            FAMILY,     NAME,   select_speed_grade},
-    {"pll",                                    ANYWHERE, NAME,   select_pll_type},
+    // keyword                                 scope       kind    setter, and what it selects
+    {"include",                                ANYWHERE, NAME,   include_file, PLL_SELECTION::INCLUDED_FILE},
+    {"family",                                 ANYWHERE, NAME,   select_family, PLL_SELECTION::FAMILY},
+    {"speed_grade",                            FAMILY,     NAME,   select_speed_grade, PLL_SELECTION::SPEED_GRADE},
+    {"pll",                                    ANYWHERE, NAME,   select_pll_type, PLL_SELECTION::PLL_TYPE},
     {"m_counter_max",                          TYPE,       INT,    M_WHOLE},
     {"m_counter_preferred_min",                TYPE,       INT,    basic<&BASIC::m_m_counter_preferred_min>},
     {"m_counter_preferred_max",                TYPE,       INT,    basic<&BASIC::m_m_counter_preferred_max>},
@@ -278,10 +318,10 @@ constexpr PLL_KEYWORD KEYWORDS[] = {
     {"bandwidth_relative_tolerance",           TYPE,       REAL,   basic<&BASIC::m_bandwidth_relative_tolerance>},
     {"bandwidth_settings_table_file",          TYPE,       NAME,   select_table_file},
     {"phase_absolute_tolerance",               TYPE,       REAL,   basic<&BASIC::m_phase_absolute_tolerance>},
-    {"reconfig_type",                          TYPE,       WORD,   select_reconfig_type},
+    {"reconfig_type",                          TYPE,       WORD,   select_reconfig_type, PLL_SELECTION::RECONFIG},
     {"reconfig_scan_chain_counter_order",      RECONFIG,   COUNTERS, set_counter_orders},
     {"is_pfd_bandwidth_rule_an_error",         TYPE,       FLAG,   basic<&BASIC::m_is_pfd_bandwidth_rule_an_error>},
-    {"part",                                   GRADE,      NAME,   select_part},
+    {"part",                                   GRADE,      NAME,   select_part, PLL_SELECTION::PART},
     {"not_listed",                             PART,       FLAG,   set_not_listed},
     {"vco_min",                                PART,       INT,    vco<&TIMING::set_vco_min_period>},
     {"vco_max",                                PART,       INT,    vco<&TIMING::set_vco_max_period>},
@@ -343,4 +383,12 @@ const PLL_KEYWORD* find_keyword(const char* name)
         BY_KEYWORD.begin(), BY_KEYWORD.end(), name,
         [](const PLL_KEYWORD& a, const char* b) { return gen_stricmp(a.m_keyword, b) < 0; });
     return row != BY_KEYWORD.end() && gen_stricmp(row->m_keyword, name) == 0 ? &*row : nullptr;
+}
+
+const char* pll_keyword_of(PLL_SELECTION selection)
+{
+    const auto row = std::find_if(
+        std::begin(KEYWORDS), std::end(KEYWORDS),
+        [selection](const PLL_KEYWORD& keyword) { return keyword.m_selects == selection; });
+    return row == std::end(KEYWORDS) ? "" : row->m_keyword;
 }

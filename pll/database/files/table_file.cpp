@@ -18,10 +18,10 @@
 
 #include "database/files/input_file.h"
 #include "database/memory.h"
-#include "database/watch/table_watch.h"
 #include "platform/report_error.h"
 
 #include <cstdint>
+#include <cstring>
 #include <exception>
 #include <istream>
 #include <limits>
@@ -49,58 +49,65 @@ struct FORMAT
     bool m_has_results;
 };
 
-// The blocks of an input file as a stream, without memory of its own.
+// White space as the number reader knows it.
+bool is_blank(char c)
+{
+    return c == ' ' || (c >= '\t' && c <= '\r');
+}
+
+// The blocks of an input file as a stream, without memory of its own. Whoever listens sees each
+// block before the next one takes its place, so that no file is read twice for the sake of places.
 class FILE_BUFFER : public std::streambuf
 {
 public:
-    bool open(const char* name) { return m_file.open(name); }
+    explicit FILE_BUFFER(PLL_TABLE_LISTENER* listener) : m_listener(listener), m_shown(nullptr) {}
 
-    // How many characters were read so far.
-    std::int64_t offset() const { return m_block_offset + (gptr() - eback()); }
+    int open(const char* name) { return m_file.open(name); }
+    int get_error() const { return m_file.get_error(); }
+
+    // Shows the listener all characters up to where the reader is.
+    void show()
+    {
+        if (m_listener != nullptr && m_shown != gptr()) {
+            m_listener->see(m_shown, static_cast<std::size_t>(gptr() - m_shown));
+            m_shown = gptr();
+        }
+    }
+
+    // Passes the word here, blanks before it too.
+    void skip_word()
+    {
+        while (sgetc() != traits_type::eof() && is_blank(traits_type::to_char_type(sgetc()))) {
+            sbumpc();
+        }
+        while (sgetc() != traits_type::eof() && !is_blank(traits_type::to_char_type(sgetc()))) {
+            sbumpc();
+        }
+    }
+
+    void skip_rest()
+    {
+        while (sgetc() != traits_type::eof()) {
+            setg(eback(), egptr(), egptr());
+        }
+        show();
+    }
 
 protected:
     int_type underflow() override
     {
-        m_block_offset += egptr() - eback();
+        show();
         std::size_t size = 0;
         char* const block = m_file.take_block(&size);
         setg(block, block, block + size);
+        m_shown = block;
         return size == 0 ? traits_type::eof() : traits_type::to_int_type(*block);
     }
 
 private:
     PLL_INPUT_FILE m_file;
-    std::int64_t m_block_offset = 0;
-};
-
-// An open table file, and who watches its reading.
-class TABLE_INPUT
-{
-public:
-    TABLE_INPUT(FILE_BUFFER* buffer, PLL_TABLE_WATCH* watch)
-        : m_stream(buffer), m_buffer(*buffer), m_watch(watch)
-    {
-        m_stream.imbue(std::locale::classic());
-    }
-
-    template <class T>
-    bool read_field(T* value)
-    {
-        if (m_watch != nullptr) {
-            m_watch->begin_field(m_buffer.offset());
-        }
-        return pll_read_field(m_stream, *value);
-    }
-
-    // The step of the reading that just ended, for the watch.
-    PLL_TABLE_POSITION position() const
-    {
-        return {m_buffer.offset(), m_stream.eof() && !m_stream.fail()};
-    }
-
-    std::istream m_stream;
-    const FILE_BUFFER& m_buffer;
-    PLL_TABLE_WATCH* m_watch;  // null: nobody
+    PLL_TABLE_LISTENER* m_listener;  // null: nobody
+    const char* m_shown;             // up to here
 };
 
 // The columns of the results in file order.
@@ -111,66 +118,221 @@ double PLL_BANDWIDTH_SETTING::*const RESULTS[] = {
     &PLL_BANDWIDTH_SETTING::m_slow_phase_margin,      &PLL_BANDWIDTH_SETTING::m_slow_bandwidth,
     &PLL_BANDWIDTH_SETTING::m_slow_jitter_peaking};
 
-bool is_word(const MEM_STRING& word, const char* name)
+bool is_word(const char* word, const char* name)
 {
-    return word.size() == gen_strlen(name) && gen_stricmp(word.c_str(), name) == 0;
+    return gen_stricmp(word, name) == 0 && std::strlen(word) == std::strlen(name);
 }
 
-void skip_line(std::istream& stream)
+// Reads the format word into `word`, which has WORD_SIZE characters; gives its length, which counts
+// NULs that are part of it.
+std::size_t extract_word(std::istream& stream, char* word)
 {
-    stream.ignore(std::numeric_limits<std::streamsize>::max(), '\n');
+    stream.getline(word, WORD_SIZE, WORD_END);
+    return static_cast<std::size_t>(stream.gcount() - (stream.good() ? 1 : 0));
 }
 
-bool read_format(TABLE_INPUT* input, FORMAT* format)
+// Reads one table file.
+class TABLE_READER
 {
-    MEM_STRING word{MEM_ALLOCATOR<char>(PLL_MANAGER_SOURCE)};
-    const bool is_read = pll_read_field(input->m_stream, word);
-    const bool is_out_of_memory = !is_read && input->m_stream.good();
-    if (input->m_watch != nullptr && !is_out_of_memory) {
-        input->m_watch->format_word(word.c_str(), is_read);
+public:
+    TABLE_READER(const TABLE& table, PLL_TABLE_LISTENER* listener)
+        : m_table(table),
+          m_listener(listener),
+          m_format{false, false},
+          m_buffer(listener),
+          m_stream(&m_buffer)
+    {
+        m_stream.imbue(std::locale::classic());
     }
-    if (!is_read) {
-        return false;
+
+    PLL_FINDING read(const char* file_name);
+
+private:
+    PLL_FINDING tell(PLL_FINDING finding, int system_error = 0) const;
+    PLL_FINDING read_format();
+    PLL_FINDING read_rows();
+    PLL_FINDING read_row(bool* is_stored);
+    PLL_FINDING read_columns(PLL_BANDWIDTH_SETTING* row);
+    PLL_FINDING store(PLL_BANDWIDTH_SETTING* row);
+    void complete(PLL_BANDWIDTH_SETTING* row) const;
+    bool is_at_end_of_table();
+    void skip_line() { m_stream.ignore(std::numeric_limits<std::streamsize>::max(), '\n'); }
+
+    // Reads the next column; a number that the file ends right behind counts as one that fails.
+    template <class T>
+    bool read_column(T* value)
+    {
+        if (m_listener != nullptr) {
+            m_buffer.show();
+            m_listener->begin_column();
+        }
+        return pll_read_field(m_stream, *value);
     }
-    format->m_has_capacitor = is_word(word, "V2");
-    format->m_has_results = !is_word(word, "SIMPLE_V1");
-    skip_line(input->m_stream);
-    skip_line(input->m_stream);
-    return true;
+
+    // Why the column that was read last fails.
+    PLL_FINDING refusal() const;
+
+    TABLE m_table;
+    PLL_TABLE_LISTENER* m_listener;  // null: nobody
+    FORMAT m_format;
+    FILE_BUFFER m_buffer;
+    std::istream m_stream;
+};
+
+PLL_FINDING TABLE_READER::tell(PLL_FINDING finding, int system_error) const
+{
+    if (m_listener != nullptr) {
+        m_listener->hear_of_table(finding, 0, 0, system_error);
+    }
+    return finding;
+}
+
+PLL_FINDING TABLE_READER::read(const char* file_name)
+{
+    if (const int error = m_buffer.open(file_name); error != 0) {
+        return tell(PLL_FINDING::TABLE_NOT_OPENED, error);
+    }
+    PLL_FINDING reason = read_format();
+    if (reason == PLL_FINDING::NONE) {
+        reason = read_rows();
+    }
+    if (m_buffer.get_error() != 0) {
+        return tell(PLL_FINDING::READ_FAILED, m_buffer.get_error());
+    }
+    return reason == PLL_FINDING::OUT_OF_MEMORY ? tell(reason) : reason;
+}
+
+PLL_FINDING TABLE_READER::read_format()
+{
+    char word[WORD_SIZE];
+    const std::size_t length = extract_word(m_stream, word);
+    if (m_buffer.get_error() != 0) {
+        return PLL_FINDING::READ_FAILED;
+    }
+    PLL_FINDING finding = PLL_FINDING::NONE;
+    if (!m_stream.good()) {
+        finding = m_stream.bad() ? PLL_FINDING::OUT_OF_MEMORY : PLL_FINDING::TABLE_FORMAT_MISSING;
+    } else if (std::strpbrk(word, "\t\r\n") != nullptr) {
+        finding = PLL_FINDING::TABLE_FORMAT_UNENDED;
+    }
+    if (m_listener != nullptr) {
+        m_buffer.show();
+        m_listener->hear_of_format(finding, word);
+    }
+    if (pll_is_read_error(finding)) {
+        return finding;
+    }
+    m_format.m_has_capacitor = length == std::strlen(word) && is_word(word, "V2");
+    m_format.m_has_results = length != std::strlen(word) || !is_word(word, "SIMPLE_V1");
+    skip_line();
+    skip_line();
+    return PLL_FINDING::NONE;
 }
 
 // True at an empty line, which ends the table, and at the end of the file.
-bool is_at_end_of_table(std::istream& stream)
+bool TABLE_READER::is_at_end_of_table()
 {
-    const int next = stream.peek();
+    const int next = m_stream.peek();
     return next == '\n' || next == std::char_traits<char>::eof();
 }
 
-// Reads the columns of a row up to the first that fails; that and the later ones keep 0.
-bool read_columns(TABLE_INPUT* input, const FORMAT& format, PLL_BANDWIDTH_SETTING* row)
+// Reads the rows up to the first that fails. A row that fails is stored all the same; a line that
+// the system cannot read to its end is not. What follows the table is passed, as it may be cut too.
+PLL_FINDING TABLE_READER::read_rows()
 {
-    const bool is_read =
-        (!format.m_has_capacitor || input->read_field(&row->m_loop_filter_capacitor)) &&
-        input->read_field(&row->m_m) && input->read_field(&row->m_charge_pump_current) &&
-        input->read_field(&row->m_loop_filter_resistor);
-    if (!is_read || !format.m_has_results) {
-        return is_read;
-    }
-    for (double PLL_BANDWIDTH_SETTING::*const result : RESULTS) {
-        if (!input->read_field(&(row->*result))) {
-            return false;
+    bool has_row = false;
+    while (!m_stream.eof() && !is_at_end_of_table()) {
+        bool is_stored = false;
+        const PLL_FINDING reason = read_row(&is_stored);
+        if (pll_is_read_error(reason)) {
+            return reason;
         }
+        has_row = has_row || is_stored;
     }
-    return true;
+    const PLL_FINDING reason = has_row ? PLL_FINDING::NONE : PLL_FINDING::TABLE_WITHOUT_ROWS;
+    if (m_listener != nullptr && m_buffer.get_error() == 0) {
+        m_buffer.show();
+        m_listener->end_table(reason);
+    }
+    m_buffer.skip_rest();
+    if (m_listener != nullptr && m_buffer.get_error() == 0) {
+        m_listener->end_file();
+    }
+    return reason;
 }
 
-bool read_row(TABLE_INPUT* input, const FORMAT& format, PLL_BANDWIDTH_SETTING* row)
+// Reads one row and what follows it in its line.
+PLL_FINDING TABLE_READER::read_row(bool* is_stored)
 {
-    const bool is_read = read_columns(input, format, row);
-    if (!format.m_has_capacitor) {
+    if (m_listener != nullptr) {
+        m_buffer.show();
+        m_listener->begin_row();
+    }
+    PLL_BANDWIDTH_SETTING* const row = new PLL_BANDWIDTH_SETTING;
+    if (row == nullptr) {
+        return PLL_FINDING::OUT_OF_MEMORY;
+    }
+    PLL_FINDING reason = read_columns(row);
+    if (m_listener != nullptr) {
+        m_buffer.show();
+        m_listener->end_columns();
+    }
+    skip_line();
+    if (m_buffer.get_error() != 0 || reason == PLL_FINDING::OUT_OF_MEMORY) {
+        delete row;
+        return m_buffer.get_error() != 0 ? PLL_FINDING::READ_FAILED : reason;
+    }
+    complete(row);
+    PLL_TABLE_ROW result = {reason, row->m_m, row};
+    const PLL_FINDING storing = store(row);
+    *is_stored = storing == PLL_FINDING::NONE;
+    if (storing == PLL_FINDING::OUT_OF_MEMORY) {
+        return storing;
+    }
+    if (m_listener != nullptr) {
+        result.m_row = *is_stored ? row : nullptr;
+        result.m_reason = reason == PLL_FINDING::NONE ? storing : reason;
+        m_listener->end_row(result, m_table.m_size - 1);
+    }
+    return reason;
+}
+
+PLL_FINDING TABLE_READER::refusal() const
+{
+    if (m_stream.bad()) {
+        return PLL_FINDING::OUT_OF_MEMORY;
+    }
+    return m_stream.fail() ? PLL_FINDING::TABLE_NUMBER_EXPECTED
+                           : PLL_FINDING::TABLE_LINE_UNFINISHED;
+}
+
+// Reads the columns of a row up to the first that fails; that and the later ones keep 0. The word
+// that fails is passed to its end.
+PLL_FINDING TABLE_READER::read_columns(PLL_BANDWIDTH_SETTING* row)
+{
+    bool is_read = (!m_format.m_has_capacitor || read_column(&row->m_loop_filter_capacitor)) &&
+                   read_column(&row->m_m) && read_column(&row->m_charge_pump_current) &&
+                   read_column(&row->m_loop_filter_resistor);
+    if (m_format.m_has_results) {
+        for (double PLL_BANDWIDTH_SETTING::*const result : RESULTS) {
+            is_read = is_read && read_column(&(row->*result));
+        }
+    }
+    if (is_read) {
+        return PLL_FINDING::NONE;
+    }
+    if (m_listener != nullptr && m_stream.fail()) {
+        m_buffer.skip_word();
+    }
+    return refusal();
+}
+
+void TABLE_READER::complete(PLL_BANDWIDTH_SETTING* row) const
+{
+    if (!m_format.m_has_capacitor) {
         row->m_loop_filter_capacitor = NO_CAPACITOR;
     }
-    if (format.m_has_results) {
+    if (m_format.m_has_results) {
         row->m_typical_bandwidth *= HZ_PER_MHZ;
         row->m_fast_bandwidth *= HZ_PER_MHZ;
         row->m_slow_bandwidth *= HZ_PER_MHZ;
@@ -179,125 +341,65 @@ bool read_row(TABLE_INPUT* input, const FORMAT& format, PLL_BANDWIDTH_SETTING* r
             row->*result = NO_RESULT;
         }
     }
-    return is_read;
 }
-
-enum class STORING
-{
-    STORED,
-    NO_GROUP,  // the table has none for the row's M
-    OUT_OF_MEMORY
-};
 
 // Gives a row to the group of its M, which owns it from then on; any other row is released.
-STORING store_row(PLL_BANDWIDTH_SETTING* row, int size, PLL_BANDWIDTH_SETTING_GROUP* table)
+PLL_FINDING TABLE_READER::store(PLL_BANDWIDTH_SETTING* row)
 {
-    if (!check(row->m_m >= 0 && row->m_m < size,
+    if (!check(row->m_m >= 0 && row->m_m < m_table.m_size,
                "bandwidth_setting->m_m < bandwidth_settings_table_size", PLL_MANAGER_SOURCE)) {
         delete row;
-        return STORING::NO_GROUP;
+        return PLL_FINDING::ROW_WITHOUT_GROUP;
     }
     try {
-        table[row->m_m].m_settings.push_back(row);
+        m_table.m_groups[row->m_m].m_settings.push_back(row);
     } catch (const std::exception&) {
         delete row;
-        return STORING::OUT_OF_MEMORY;
+        return PLL_FINDING::OUT_OF_MEMORY;
     }
-    return STORING::STORED;
-}
-
-// Reads one row and what follows it in its line; false when that fails.
-bool read_line(TABLE_INPUT* input, const FORMAT& format, const TABLE& table, bool* is_stored)
-{
-    PLL_TABLE_WATCH* const watch = input->m_watch;
-    if (watch != nullptr) {
-        watch->begin_row(input->m_buffer.offset());
-    }
-    PLL_BANDWIDTH_SETTING* const row = new PLL_BANDWIDTH_SETTING;
-    if (row == nullptr) {
-        return false;
-    }
-    const bool is_read = read_row(input, format, row);
-    const PLL_TABLE_POSITION end = input->position();
-    skip_line(input->m_stream);
-    const int m = row->m_m;
-    const STORING storing = store_row(row, table.m_size, table.m_groups);
-    *is_stored = storing == STORING::STORED;
-    if (watch != nullptr && storing != STORING::OUT_OF_MEMORY) {
-        watch->end_row(end, is_read, m, *is_stored ? row : nullptr);
-    }
-    return is_read && storing != STORING::OUT_OF_MEMORY;
-}
-
-// Reads the rows up to the first that fails; true when none does and one was stored. A row that
-// fails is stored all the same.
-bool read_rows(TABLE_INPUT* input, const FORMAT& format, const TABLE& table)
-{
-    bool is_ok = true;
-    bool has_row = false;
-    while (is_ok && !input->m_stream.eof() && !is_at_end_of_table(input->m_stream)) {
-        bool is_stored = false;
-        is_ok = read_line(input, format, table, &is_stored);
-        has_row = has_row || is_stored;
-    }
-    if (is_ok && input->m_watch != nullptr) {
-        input->m_watch->end_table(input->m_buffer.offset(), has_row);
-    }
-    return is_ok && has_row;
-}
-
-bool read_table(const char* file_name, const TABLE& table, PLL_TABLE_WATCH* watch)
-{
-    FILE_BUFFER buffer;
-    if (!buffer.open(file_name)) {
-        if (watch != nullptr) {
-            watch->tell_of_table(PLL_FINDING::TABLE_NOT_OPENED);
-        }
-        return false;
-    }
-    TABLE_INPUT input(&buffer, watch);
-    FORMAT format = {false, false};
-    return read_format(&input, &format) && read_rows(&input, format, table);
+    return PLL_FINDING::NONE;
 }
 
 // Groups for every M that the counters allow; none for more than a table may have.
-TABLE create_table(const PLL_BASIC_INFO& info, PLL_TABLE_WATCH* watch)
+PLL_FINDING create_table(const PLL_BASIC_INFO& info, PLL_TABLE_LISTENER* listener, TABLE* table)
 {
     const std::int64_t groups =
         std::int64_t{info.m_vco_post_scale_counter_max} * info.m_m_counter_max + 1;
-    if (groups < 0 || groups > MAX_GROUPS) {
-        if (watch != nullptr) {
-            watch->tell_of_table(PLL_FINDING::TABLE_TOO_LARGE, groups, MAX_GROUPS);
-        }
-        return {0, nullptr};
+    const bool is_legal = groups >= 0 && groups <= MAX_GROUPS;
+    if (is_legal) {
+        table->m_size = static_cast<int>(groups);
+        table->m_groups = new PLL_BANDWIDTH_SETTING_GROUP[static_cast<std::size_t>(groups)];
     }
-    if (watch != nullptr) {
-        watch->set_largest_m(static_cast<int>(groups - 1));
+    if (table->m_groups != nullptr) {
+        return PLL_FINDING::NONE;
     }
-    return {static_cast<int>(groups),
-            new PLL_BANDWIDTH_SETTING_GROUP[static_cast<std::size_t>(groups)]};
-}
-
-// Reads a table and gives it to the record.
-bool read_into(PLL_BASIC_INFO* info, const char* file_name, PLL_TABLE_WATCH* watch)
-{
-    const TABLE table = create_table(*info, watch);
-    info->m_use_bandwidth_settings_table = true;
-    if (table.m_groups == nullptr) {
-        info->set_bandwidth_settings_table(0, nullptr);
-        return false;
+    const PLL_FINDING reason = is_legal ? PLL_FINDING::OUT_OF_MEMORY : PLL_FINDING::TABLE_TOO_LARGE;
+    if (listener != nullptr) {
+        listener->hear_of_table(reason, groups, MAX_GROUPS, 0);
     }
-    bool is_read = false;
-    try {
-        is_read = read_table(file_name, table, watch);
-    } catch (const std::exception&) {
-        is_read = false;
-    }
-    info->set_bandwidth_settings_table(table.m_size, table.m_groups);
-    return is_read;
+    return reason;
 }
 
 }  // namespace
+
+PLL_FINDING read_table_file(PLL_BASIC_INFO* info, const char* file_name,
+                            PLL_TABLE_LISTENER* listener)
+{
+    TABLE table = {0, nullptr};
+    PLL_FINDING reason = create_table(*info, listener, &table);
+    info->m_use_bandwidth_settings_table = true;
+    if (reason != PLL_FINDING::NONE) {
+        info->set_bandwidth_settings_table(0, nullptr);
+        return reason;
+    }
+    try {
+        reason = TABLE_READER(table, listener).read(file_name);
+    } catch (const std::exception&) {
+        reason = PLL_FINDING::OUT_OF_MEMORY;
+    }
+    info->set_bandwidth_settings_table(table.m_size, table.m_groups);
+    return reason;
+}
 
 bool pll_read_field(std::istream& stream, int& value)
 {
@@ -323,59 +425,9 @@ bool pll_read_field(std::istream& stream, MEM_STRING& value)
 {
     try {
         char word[WORD_SIZE];
-        stream.getline(word, WORD_SIZE, WORD_END);
-        const std::streamsize taken = stream.gcount() - (stream.good() ? 1 : 0);
-        value.assign(word, static_cast<std::size_t>(taken));
+        value.assign(word, extract_word(stream, word));
         return stream.good();
     } catch (const std::exception&) {
         return false;
     }
-}
-
-bool pll_observe_bandwidth_settings_table_file(PLL_FAMILY_INFO* family, PLL_TYPE_ENUM type,
-                                               const char* file_name, PLL_READ_OBSERVER* observer)
-{
-    const bool has_family = check(family != nullptr, "family_info != 0", PLL_MANAGER_SOURCE);
-    const bool has_name =
-        check(file_name != nullptr, "bandwidth_settings_table_file_name != 0", PLL_MANAGER_SOURCE);
-    if (!has_family || !has_name || type < ENHANCED_PLL || type >= PLL_TYPE_MAX) {
-        return false;
-    }
-    PLL_BASIC_INFO& info = family->m_basic_infos[type];
-    if (gen_stricmp(file_name, UNUSED_TABLE_FILE) == 0) {
-        info.set_bandwidth_settings_table(0, nullptr);
-        info.m_use_bandwidth_settings_table = false;
-        return true;
-    }
-    if (observer == nullptr) {
-        return read_into(&info, file_name, nullptr);
-    }
-    PLL_TABLE_WATCH watch(observer, family, type, file_name);
-    return read_into(&info, file_name, &watch);
-}
-
-bool pll_read_bandwidth_settings_table_file(PLL_FAMILY_INFO* family, PLL_TYPE_ENUM type,
-                                            const char* file_name)
-{
-    return pll_observe_bandwidth_settings_table_file(family, type, file_name, nullptr);
-}
-
-bool read_table_files(PLL_FAMILY_INFO* family, const PLL_TYPE_BANDWIDTH_FILE_LIST& files,
-                      PLL_READ_OBSERVER* observer)
-{
-    bool are_read = true;
-    for (const PLL_TYPE_BANDWIDTH_FILE_NAME* file : files) {
-        are_read = check(file != nullptr, "pll_type_bandwidth_file != 0", PLL_MANAGER_SOURCE) &&
-                   pll_observe_bandwidth_settings_table_file(family, file->m_type,
-                                                             file->m_file_name.c_str(), observer) &&
-                   are_read;
-    }
-    return are_read;
-}
-
-bool pll_read_bandwidth_settings_table_files(PLL_FAMILY_INFO* family,
-                                             PLL_TYPE_BANDWIDTH_FILE_LIST* files)
-{
-    return check(files != nullptr, "pll_type_bandwidth_file_list != 0", PLL_MANAGER_SOURCE) &&
-           read_table_files(family, *files, nullptr);
 }

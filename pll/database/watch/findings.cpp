@@ -27,6 +27,8 @@ constexpr const char* const NAMES[] = {
     "table-number-expected",
     "table-line-unfinished",
     "table-without-rows",
+    "read-failed",
+    "out-of-memory",
     "out-of-scope",
     "include-not-opened",
     "unknown-reconfig-type",

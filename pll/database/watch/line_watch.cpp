@@ -1,98 +1,79 @@
-// What the watches share: the telling, and the words of a line with their places.
 #include "database/watch/line_watch.h"
+
+#include "database/files/words.h"
+#include "database/watch/tell.h"
 
 #include <algorithm>
 #include <cstring>
 
-PLL_READ_OBSERVER::~PLL_READ_OBSERVER() = default;
-
-void tell(PLL_READ_OBSERVER* observer, const PLL_READ_FINDING& finding) noexcept
-{
-    try {
-        observer->on_finding(finding);
-    } catch (...) {
-        return;  // the reader goes on as if nobody had listened
-    }
-}
-
-void tell(PLL_READ_OBSERVER* observer, const PLL_READ_STATEMENT& statement) noexcept
-{
-    try {
-        observer->on_statement(statement);
-    } catch (...) {
-        return;
-    }
-}
-
-void tell_of_file(PLL_READ_OBSERVER* observer, PLL_FINDING finding, const char* file,
-                  const PLL_FAMILY_INFO* family) noexcept
-{
-    PLL_READ_FINDING event;
-    event.m_finding = finding;
-    event.m_place.m_file = file;
-    event.m_word = file;
-    event.m_family = family;
-    tell(observer, event);
-}
-
-PLL_LINE_WATCH::PLL_LINE_WATCH(PLL_READ_OBSERVER* observer, const PLL_MANAGER& manager)
-    : m_observer(observer),
-      m_manager(manager),
-      m_line(),
-      m_cursor(m_line),
-      m_kept_length(0),
-      m_full_length(0)
+PLL_LINE_WATCH::PLL_LINE_WATCH(PLL_READ_OBSERVER* observer)
+    : m_observer(observer), m_line(nullptr), m_kept_length(0), m_full_length(0)
 {
 }
 
-void PLL_LINE_WATCH::copy(const char* line, const PLL_INPUT_FILE& file, const char* file_name)
+void PLL_LINE_WATCH::begin(const char* line, const PLL_INPUT_FILE& file, const char* file_name)
 {
+    m_line = line;
     m_kept_length = std::strlen(line);
-    std::memcpy(m_line, line, m_kept_length + 1);
-    m_cursor = m_line;
     m_full_length = file.line_length();
     m_place.m_file = file_name;
     m_place.m_line = file.line_number();
 }
 
-void PLL_LINE_WATCH::drop_rest()
-{
-    m_cursor = m_line + m_kept_length;
-}
-
 PLL_SOURCE_PLACE PLL_LINE_WATCH::place_of(const char* word) const
 {
-    const char* const start = word == nullptr ? m_cursor : word;
     PLL_SOURCE_PLACE place = m_place;
-    place.m_column = static_cast<int>(start - m_line) + 1;
-    place.m_length = word == nullptr ? 0 : static_cast<int>(std::strlen(word));
+    place.m_column = static_cast<int>(word - m_line) + 1;
+    place.m_length = static_cast<int>(std::strlen(word));
     return place;
 }
 
-PLL_READ_FINDING PLL_LINE_WATCH::finding_on(PLL_FINDING finding, const char* word) const
+PLL_READ_FINDING PLL_LINE_WATCH::finding_of(const PLL_FAULT& fault) const
 {
+    const bool is_missing = fault.m_word == nullptr;
     PLL_READ_FINDING event;
-    event.m_finding = finding;
-    event.m_place = place_of(word);
-    event.m_word = word == nullptr ? "" : word;
+    event.m_finding = fault.m_finding;
+    event.m_place = place_of(is_missing ? fault.m_at : fault.m_word);
+    event.m_place.m_length = is_missing ? 0 : event.m_place.m_length;
+    event.m_word = is_missing ? "" : fault.m_word;
+    event.m_needed = fault.m_needed;
+    event.m_value = fault.m_value;
+    event.m_limit = fault.m_limit;
+    event.m_system_error = fault.m_system_error;
     return event;
 }
 
-void PLL_LINE_WATCH::tell_of_rest(const char* keyword)
+// A NUL ends the line for the reader, which keeps what follows it all the same.
+void PLL_LINE_WATCH::tell_of_rest(PLL_WORDS* rest, PLL_READ_FINDING finding) const
 {
     const std::size_t ROOM = PLL_LINE_SIZE - 1;
-    const char* const end = m_line + m_kept_length;
-    if (const char* const word = next_word(); word != nullptr) {
-        PLL_READ_FINDING event = finding_on(PLL_FINDING::EXTRA_WORDS, word);
-        event.m_keyword = keyword;
-        tell(m_observer, event);
+    if (const char* const word = rest->next_word(); word != nullptr) {
+        finding.m_finding = PLL_FINDING::EXTRA_WORDS;
+        finding.m_place = place_of(word);
+        finding.m_word = word;
+        tell(m_observer, finding);
     }
+    PLL_FAULT fault;
+    fault.m_at = m_line + m_kept_length;
     if (m_kept_length < std::min(m_full_length, ROOM)) {
-        tell(m_observer, finding_on(PLL_FINDING::LINE_WITH_NUL, end));
+        fault.m_finding = PLL_FINDING::LINE_WITH_NUL;
+        tell(m_observer, finding_of(fault));
     } else if (m_full_length > ROOM) {
-        PLL_READ_FINDING event = finding_on(PLL_FINDING::LINE_CUT, end);
-        event.m_value = static_cast<long long>(m_full_length);
-        event.m_limit = static_cast<long long>(ROOM);
-        tell(m_observer, event);
+        fault.m_finding = PLL_FINDING::LINE_CUT;
+        fault.m_value = static_cast<long long>(m_full_length);
+        fault.m_limit = static_cast<long long>(ROOM);
+        tell(m_observer, finding_of(fault));
     }
+}
+
+void PLL_LINE_WATCH::tell_of_file(PLL_FINDING finding, const char* file, int line,
+                                  int system_error) const
+{
+    PLL_READ_FINDING event;
+    event.m_finding = finding;
+    event.m_place.m_file = file;
+    event.m_place.m_line = line;
+    event.m_word = line == 0 ? file : "";
+    event.m_system_error = system_error;
+    tell(m_observer, event);
 }

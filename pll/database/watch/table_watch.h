@@ -1,90 +1,105 @@
-// Tells an observer what the reader of table files does. The reader knows how far it has read; the
-// watch finds the places in the text, of which it opens the file once more.
+// Watches the reader of a table file for an observer.
 #pragma once
 
-#include "pll_observer.h"
+#include "database/files/table_file.h"
 
-#include "database/files/input_file.h"
-
-#include <cstddef>
-#include <cstdint>
-#include <limits>
-
-// A text file, walked through from its start.
-class PLL_TEXT_WALK
+// The place in a text, as its characters pass.
+class PLL_TEXT_PLACE
 {
 public:
-    explicit PLL_TEXT_WALK(const char* name);
+    void pass(char c);
 
-    // Moves forward to the character at an offset, or to the end of the file.
-    void go_to(std::int64_t offset);
-
-    // The character here, AT_END at the end; `step` moves to the next.
-    int peek();
-    void step();
-
-    std::int64_t offset() const { return m_offset; }
     int line() const { return m_line; }
     int column() const { return m_column; }
 
-    static constexpr int AT_END = -1;
-
 private:
-    PLL_INPUT_FILE m_file;
-    const char* m_block;
-    std::size_t m_size;
-    std::size_t m_next;
-    std::int64_t m_offset;
-    int m_line;
-    int m_column;
+    int m_line = 1;
+    int m_column = 1;
 };
 
-// How far the reader got.
-struct PLL_TABLE_POSITION
-{
-    std::int64_t m_offset;
-    bool m_is_number_at_end;  // the last column is good, but the file ends right behind it
-};
-
-class PLL_TABLE_WATCH
+// One word as it passes: the blanks before it, its place, and its beginning.
+class PLL_PASSING_WORD
 {
 public:
+    // The next character may be a blank before the word, or its first.
+    void begin();
+
+    void pass(char c, const PLL_TEXT_PLACE& place);
+
+    // Where the word is; where it was looked for while it has not come.
+    PLL_SOURCE_PLACE place_in(const char* file, const PLL_TEXT_PLACE& here) const;
+    const char* text() const { return m_text; }
+    int length() const { return m_length; }
+
+    bool has_ended() const { return m_state == STATE::ENDED; }
+
+private:
+    static constexpr int SIZE = 64;  // of a word that is quoted, with the NUL
+
+    enum class STATE
+    {
+        BEFORE,
+        INSIDE,
+        ENDED
+    };
+
+    STATE m_state = STATE::ENDED;
+    int m_line = 0;
+    int m_column = 0;
+    int m_length = 0;
+    char m_text[SIZE] = "";
+};
+
+// The reader knows what is wrong; the watch counts lines and columns, and keeps the first word of
+// the row and the word of the column that is read. It sees each character once.
+class PLL_TABLE_WATCH : public PLL_TABLE_LISTENER
+{
+public:
+    // All must outlive the watch.
     PLL_TABLE_WATCH(PLL_READ_OBSERVER* observer, const PLL_FAMILY_INFO* family, PLL_TYPE_ENUM type,
                     const char* file_name);
 
-    // A finding on the table as a whole.
-    void tell_of_table(PLL_FINDING finding, long long value = 0, long long limit = 0);
-
-    void set_largest_m(int largest_m) { m_largest_m = largest_m; }
-    void format_word(const char* word, bool is_read);
-
-    // Offsets where the reader is; it has not looked for the next word yet.
-    void begin_row(std::int64_t offset) { m_row_offset = offset; }
-    void begin_field(std::int64_t offset) { m_field_offset = offset; }
-
-    // After a row: `row` is null when it was not stored.
-    void end_row(const PLL_TABLE_POSITION& end, bool is_read, int m,
-                 const PLL_BANDWIDTH_SETTING* row);
-
-    // After the last row of a table whose rows are good.
-    void end_table(std::int64_t offset, bool has_row);
+    void see(const char* text, std::size_t size) override;
+    void hear_of_table(PLL_FINDING finding, long long value, long long limit,
+                       int system_error) override;
+    void hear_of_format(PLL_FINDING finding, const char* word) override;
+    void begin_row() override;
+    void begin_column() override;
+    void end_columns() override;
+    void end_row(const PLL_TABLE_ROW& row, int largest_m) override;
+    void end_table(PLL_FINDING finding) override;
+    void end_file() override;
 
 private:
-    static constexpr std::size_t WORD_SIZE = 64;  // of a word that is quoted, with the NUL
+    // Where in the file the characters are.
+    enum class PART
+    {
+        HEAD,
+        COLUMNS,
+        REST_OF_LINE,
+        NOTES,  // after the table, at the start of a line
+        REST_OF_NOTE,
+        ALL_TOLD
+    };
 
-    void skip_to_word();
-    void take_word(std::int64_t end = std::numeric_limits<std::int64_t>::max());
-    PLL_FINDING refuse_row(const PLL_TABLE_POSITION& end);
-    PLL_FINDING look_at_row(const PLL_TABLE_POSITION& end, int m, const PLL_BANDWIDTH_SETTING* row);
-    PLL_READ_FINDING finding_here(PLL_FINDING finding) const;
+    void look_for_lone_return(char c);
+    void look_at_note(char c);
+    PLL_READ_FINDING finding_at(PLL_FINDING finding, const PLL_SOURCE_PLACE& place,
+                                const char* word) const;
+    PLL_READ_FINDING finding_on(PLL_FINDING finding, const PLL_PASSING_WORD& word) const;
+    void tell_of_stored_row(const PLL_TABLE_ROW& row, int largest_m) const;
+    PLL_SOURCE_PLACE place_of_row(bool is_read) const;
 
     PLL_READ_OBSERVER* m_observer;
     const PLL_FAMILY_INFO* m_family;
     PLL_TYPE_ENUM m_type;
-    PLL_TEXT_WALK m_text;
-    int m_largest_m;
-    std::int64_t m_row_offset;
-    std::int64_t m_field_offset;
-    PLL_SOURCE_PLACE m_place;  // of the word taken last
-    char m_word[WORD_SIZE];
+    const char* m_file_name;
+    PLL_TEXT_PLACE m_here;
+    PART m_part;
+    PLL_PASSING_WORD m_first;   // of the row
+    PLL_PASSING_WORD m_column;  // of the column, and of notes
+    int m_columns;              // of the row, begun
+    int m_first_length;         // of m_first, before the column
+    int m_last_line;            // of the last column
+    bool m_is_lone_return;      // all that the line holds so far
 };

@@ -457,8 +457,9 @@ TEST(ReadObserver, IsNotHeardOfAfterItWasTakenAway)
     EXPECT_TRUE(recorder.m_statements.empty());
 }
 
-// Exhausted memory is nothing that an author of a database could mend.
-TEST(ReadObserver, HearsOfNoErrorWhenMemoryRunsOut)
+// Exhausted memory is nothing that an author of a database could mend: no other verdict takes its
+// place, and every reading that fails has told of it.
+TEST(ReadObserver, HearsOfExhaustedMemoryAsSuch)
 {
     class COUNTER : public PLL_READ_OBSERVER
     {
@@ -469,21 +470,26 @@ TEST(ReadObserver, HearsOfNoErrorWhenMemoryRunsOut)
         }
         void on_finding(const PLL_READ_FINDING& finding) override
         {
-            m_errors += pll_is_read_error(finding.m_finding) ? 1 : 0;
+            const bool is_memory = finding.m_finding == PLL_FINDING::OUT_OF_MEMORY;
+            m_others += pll_is_read_error(finding.m_finding) && !is_memory ? 1 : 0;
+            m_exhaustions += is_memory ? 1 : 0;
         }
         int m_failures = 0;
-        int m_errors = 0;
+        int m_exhaustions = 0;
+        int m_others = 0;
     };
     TEMP_DIR dir;
     for (const SAMPLE_FILE& file : sample_files()) {
         write_file(dir.file(file.m_name), file.m_text);
     }
     FAILING_HEAP heap;
-    COUNTER counter;
-    bool is_read = false;
+    int failures = 0;
     int refusals = 0;
+    bool is_read = false;
     for (long nth = 1; !is_read; ++nth) {
+        SCOPED_TRACE(nth);
         ASSERT_GT(2000, nth);
+        COUNTER counter;
         EXPECTED_REPORTS reports;
         reports.accept_all();
         heap.fail_at(nth);
@@ -492,12 +498,14 @@ TEST(ReadObserver, HearsOfNoErrorWhenMemoryRunsOut)
             manager->set_observer(&counter);
             is_read = manager->read(dir.path().c_str()) &&
                       manager->read_family_info("Fam") != nullptr && heap.get_failures() == 0;
+            EXPECT_EQ(is_read ? 0 : 1, counter.m_exhaustions);
+            EXPECT_EQ(0, counter.m_others);
         }
         heap.fail_none();
+        failures += counter.m_failures;
         ++refusals;
     }
-    EXPECT_EQ(0, counter.m_errors);
-    EXPECT_LT(0, counter.m_failures);
+    EXPECT_LT(0, failures);
     EXPECT_LT(20, refusals);
     EXPECT_EQ(0U, MEM_MANAGER::get_live_blocks(nullptr));
 }
@@ -521,7 +529,7 @@ TEST(ReadFindings, HaveNamesOfTheirOwn)
 TEST(ReadFindings, AreErrorsUpToTheTables)
 {
     EXPECT_TRUE(pll_is_read_error(PLL_FINDING::PATH_FILE_NOT_OPENED));
-    EXPECT_TRUE(pll_is_read_error(PLL_FINDING::TABLE_WITHOUT_ROWS));
+    EXPECT_TRUE(pll_is_read_error(PLL_FINDING::OUT_OF_MEMORY));
     EXPECT_FALSE(pll_is_read_error(PLL_FINDING::OUT_OF_SCOPE));
     EXPECT_FALSE(pll_is_read_error(PLL_FINDING::NONE));
 }
