@@ -14,8 +14,7 @@ install(TARGETS pll pll_static pll_advice pll_advice_static EXPORT pllTargets
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/include/" "${PROJECT_SOURCE_DIR}/h/"
     DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/libpll" FILES_MATCHING PATTERN "*.h")
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/advice/"
-    DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/libpll/advice" FILES_MATCHING PATTERN "*.h"
-    PATTERN "sheet_reader.h" EXCLUDE)
+    DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/libpll/advice" FILES_MATCHING PATTERN "*.h")
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/data/devices"
     DESTINATION "${CMAKE_INSTALL_DATADIR}/libpll")
 if(TARGET pllcalc)

@@ -22,26 +22,26 @@ struct RAW_FIGURE : FIGURE
 };
 
 template <class RECORD>
-void read_least(SHEET_READER& reader, const toml::node& node, RECORD* record)
+void read_least(SHEET_READER& reader, const SHEET_NODE& node, RECORD* record)
 {
     reader.read(node, &record->m_range.m_least.emplace());
 }
 
 template <class RECORD>
-void read_most(SHEET_READER& reader, const toml::node& node, RECORD* record)
+void read_most(SHEET_READER& reader, const SHEET_NODE& node, RECORD* record)
 {
     reader.read(node, &record->m_range.m_most.emplace());
 }
 
 template <class RECORD>
-void read_values(SHEET_READER& reader, const toml::node& node, RECORD* record)
+void read_values(SHEET_READER& reader, const SHEET_NODE& node, RECORD* record)
 {
     reader.read(node, &record->m_range.m_values);
 }
 
-void read_unlimited(SHEET_READER& reader, const toml::node& node, RAW_OTHER* other)
+void read_unlimited(SHEET_READER& reader, const SHEET_NODE& node, RAW_OTHER* other)
 {
-    if (!node.is_boolean() || !node.as_boolean()->get()) {
+    if (node.m_kind != SHEET_NODE::KIND::BOOLEAN || node.m_number.is_zero()) {
         reader.report(node, "'unlimited' is true or left out");
     }
     other->m_unlimited = true;
@@ -56,12 +56,12 @@ constexpr SHEET_KEY<RAW_OTHER> OTHER_KEYS[] = {
     {"note", read_member<RAW_OTHER, &RAW_OTHER::m_note>},
 };
 
-void read_kind(SHEET_READER& reader, const toml::node& node, RAW_FIGURE* figure)
+void read_kind(SHEET_READER& reader, const SHEET_NODE& node, RAW_FIGURE* figure)
 {
     read_name(reader, node, KIND_NAMES, &figure->m_kind);
 }
 
-void read_others(SHEET_READER& reader, const toml::node& node, RAW_FIGURE* figure)
+void read_others(SHEET_READER& reader, const SHEET_NODE& node, RAW_FIGURE* figure)
 {
     read_tables(reader, node, OTHER_KEYS, &figure->m_raw_others);
 }
@@ -96,23 +96,13 @@ OTHER_FIGURE complete(const RAW_OTHER& other, const FIGURE_RANGE& range)
 
 }  // namespace
 
-void read_figures(SHEET_READER& reader, const toml::node& node, std::vector<FIGURE>* figures)
+void read_figures(SHEET_READER& reader, const SHEET_NODE& node, std::vector<FIGURE>* figures)
 {
-    const toml::array* array = node.as_array();
-    if (array == nullptr) {
-        reader.report(node, "an array of tables is needed");
-        return;
-    }
-    for (const toml::node& entry : *array) {
-        const toml::table* table = entry.as_table();
-        if (table == nullptr) {
-            reader.report(entry, "a table is needed");
-            continue;
-        }
+    for (const SHEET_NODE* table : reader.list_tables(node)) {
         RAW_FIGURE raw;
         read_table(reader, *table, FIGURE_KEYS, &raw);
         FIGURE& figure = figures->emplace_back(raw);
-        figure.m_line = static_cast<int>(table->source().begin.line);
+        figure.m_line = table->m_line;
         for (const RAW_OTHER& other : raw.m_raw_others) {
             figure.m_others.push_back(complete(other, figure.m_range));
         }

@@ -55,17 +55,17 @@ constexpr SHEET_KEY<SHEET_OUTPUT> OUTPUT_KEYS[] = {
     {"primitives", read_member<SHEET_OUTPUT, &SHEET_OUTPUT::m_primitives>},
 };
 
-void read_role(SHEET_READER& reader, const toml::node& node, PARAMETER* parameter)
+void read_role(SHEET_READER& reader, const SHEET_NODE& node, PARAMETER* parameter)
 {
     read_name(reader, node, ROLE_NAMES, &parameter->m_role);
 }
 
-void read_type(SHEET_READER& reader, const toml::node& node, PARAMETER* parameter)
+void read_type(SHEET_READER& reader, const SHEET_NODE& node, PARAMETER* parameter)
 {
     read_name(reader, node, TYPE_NAMES, &parameter->m_type);
 }
 
-void read_code(SHEET_READER& reader, const toml::node& node, PARAMETER* parameter)
+void read_code(SHEET_READER& reader, const SHEET_NODE& node, PARAMETER* parameter)
 {
     read_name(reader, node, CODE_NAMES, &parameter->m_code);
 }
@@ -83,7 +83,7 @@ constexpr SHEET_KEY<PARAMETER> PARAMETER_KEYS[] = {
     {"primitives", read_member<PARAMETER, &PARAMETER::m_primitives>},
 };
 
-void read_port_role(SHEET_READER& reader, const toml::node& node, PORT* port)
+void read_port_role(SHEET_READER& reader, const SHEET_NODE& node, PORT* port)
 {
     read_name(reader, node, PORT_NAMES, &port->m_role);
 }
@@ -108,42 +108,45 @@ constexpr SHEET_KEY<FILTER_RANGE> FILTER_RANGE_KEYS[] = {
 };
 
 template <auto MEMBER, const auto& KEYS>
-void read_list(SHEET_READER& reader, const toml::node& node, SHEET* sheet)
+void read_list(SHEET_READER& reader, const SHEET_NODE& node, SHEET* sheet)
 {
     read_tables(reader, node, KEYS, &(sheet->*MEMBER));
 }
 
-void read_sheet_figures(SHEET_READER& reader, const toml::node& node, SHEET* sheet)
+void read_sheet_figures(SHEET_READER& reader, const SHEET_NODE& node, SHEET* sheet)
 {
     read_figures(reader, node, &sheet->m_figures);
 }
 
-template <auto MEMBER>
-void read_texts(SHEET_READER& reader, const toml::node& node, SHEET* sheet)
+// A table of free keys.
+bool is_table(SHEET_READER& reader, const SHEET_NODE& node)
 {
-    const toml::table* table = node.as_table();
-    if (table == nullptr) {
-        reader.report(node, "a table of texts is needed");
-        return;
+    if (node.m_kind != SHEET_NODE::KIND::TABLE) {
+        reader.report(node, "a table is needed");
     }
-    for (const auto& [name, entry] : *table) {
-        reader.read(entry, &(sheet->*MEMBER)[std::string(name.str())]);
+    return node.m_kind == SHEET_NODE::KIND::TABLE;
+}
+
+template <auto MEMBER>
+void read_texts(SHEET_READER& reader, const SHEET_NODE& node, SHEET* sheet)
+{
+    if (is_table(reader, node)) {
+        for (const auto& [name, entry] : node.m_table) {
+            reader.read(entry, &(sheet->*MEMBER)[name]);
+        }
     }
 }
 
-void read_shift_register(SHEET_READER& reader, const toml::node& node, SHEET* sheet)
+void read_shift_register(SHEET_READER& reader, const SHEET_NODE& node, SHEET* sheet)
 {
-    const toml::table* table = node.as_table();
-    if (table == nullptr) {
-        reader.report(node, "a table of whole numbers is needed");
+    if (!is_table(reader, node)) {
         return;
     }
-    for (const auto& [name, entry] : *table) {
-        const std::string_view digits = name.str();
+    for (const auto& [name, entry] : node.m_table) {
+        const char* const last = name.data() + name.size();
         int mode = 0;
-        const auto [end, error] =
-            std::from_chars(digits.data(), digits.data() + digits.size(), mode);
-        if (error != std::errc() || end != digits.data() + digits.size()) {
+        const auto [end, error] = std::from_chars(name.data(), last, mode);
+        if (error != std::errc() || end != last) {
             reader.report(entry, "the key must be a whole number");
             continue;
         }
@@ -152,7 +155,7 @@ void read_shift_register(SHEET_READER& reader, const toml::node& node, SHEET* sh
 }
 
 // Read before everything else.
-void skip(SHEET_READER& /*reader*/, const toml::node& /*node*/, SHEET* /*sheet*/) {}
+void skip(SHEET_READER& /*reader*/, const SHEET_NODE& /*node*/, SHEET* /*sheet*/) {}
 
 constexpr const char* INCLUDE_KEY = "include";
 
@@ -191,36 +194,9 @@ bool read_file(const std::string& path, std::string* text)
     return !stream.bad();
 }
 
-// Reads one text into a sheet; the path of what it includes.
-std::optional<std::string> parse_into(const std::string& text, const std::string& path,
-                                      SHEET_FILE* file)
-{
-    std::optional<std::string> included;
-    try {
-        const toml::table table = toml::parse(text, path);
-        SHEET_READER reader(path, &file->m_problems);
-        if (const toml::node* node = table.get(INCLUDE_KEY)) {
-            reader.read(*node, &included.emplace());
-        }
-        read_table(reader, table, SHEET_KEYS, &file->m_sheet);
-    } catch (const toml::parse_error& error) {
-        const toml::source_position place = error.source().begin;
-        file->m_problems.push_back({path, static_cast<int>(place.line),
-                                    static_cast<int>(place.column),
-                                    std::string(error.description())});
-    }
-    return included;
-}
-
-std::optional<std::string> included_by(const std::string& text, const std::string& path)
-{
-    SHEET_FILE unused;
-    return parse_into(text, path, &unused);
-}
-
 // What is included comes first, so that the sheet's own values override it. An included sheet
 // includes nothing itself.
-void parse_included(const std::string& name, const std::string& path, SHEET_FILE* file)
+void take_included(const std::string& name, const std::string& path, SHEET_FILE* file)
 {
     const std::string target =
         (std::filesystem::path(path).parent_path() / name).lexically_normal().string();
@@ -229,9 +205,30 @@ void parse_included(const std::string& name, const std::string& path, SHEET_FILE
         file->m_problems.push_back({path, 0, 0, "cannot read the included '" + target + "'"});
         return;
     }
-    if (parse_into(text, target, file)) {
-        file->m_problems.push_back({target, 0, 0, "an included sheet cannot include another"});
+    SHEET_NODE table;
+    if (!parse_toml(text, target, &table, &file->m_problems)) {
+        return;
     }
+    SHEET_READER reader(target, &file->m_problems);
+    if (const SHEET_NODE* node = table.find(INCLUDE_KEY)) {
+        reader.report(*node, "an included sheet cannot include another");
+    }
+    read_table(reader, table, SHEET_KEYS, &file->m_sheet);
+}
+
+void take_text(const std::string& text, const std::string& path, SHEET_FILE* file)
+{
+    SHEET_NODE table;
+    if (!parse_toml(text, path, &table, &file->m_problems)) {
+        return;
+    }
+    SHEET_READER reader(path, &file->m_problems);
+    if (const SHEET_NODE* node = table.find(INCLUDE_KEY)) {
+        std::string name;
+        reader.read(*node, &name);
+        take_included(name, path, file);
+    }
+    read_table(reader, table, SHEET_KEYS, &file->m_sheet);
 }
 
 }  // namespace
@@ -239,10 +236,7 @@ void parse_included(const std::string& name, const std::string& path, SHEET_FILE
 SHEET_FILE parse_sheet(const std::string& text, const std::string& path)
 {
     SHEET_FILE file;
-    if (const std::optional<std::string> name = included_by(text, path)) {
-        parse_included(*name, path, &file);
-    }
-    parse_into(text, path, &file);
+    take_text(text, path, &file);
     file.m_sheet.m_file = path;
     if (file.m_sheet.m_family.empty()) {
         file.m_sheet.m_family = file.m_sheet.m_name;

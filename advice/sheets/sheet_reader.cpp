@@ -1,41 +1,8 @@
 #include "advice/sheets/sheet_reader.h"
 
-#include <charconv>
 #include <limits>
 
 namespace advice {
-
-namespace {
-
-constexpr int MAX_NUMBER_LENGTH = 64;
-
-// A number as its file writes it: the shortest digits that read back as the same double.
-std::optional<RATIONAL> to_rational(double value)
-{
-    char digits[MAX_NUMBER_LENGTH];
-    const auto [end, error] =
-        std::to_chars(digits, digits + sizeof digits, value, std::chars_format::fixed);
-    if (error != std::errc()) {
-        return std::nullopt;
-    }
-    return RATIONAL::parse(std::string_view(digits, static_cast<std::size_t>(end - digits)));
-}
-
-std::optional<RATIONAL> to_rational(const toml::node& node)
-{
-    if (const toml::value<std::int64_t>* whole = node.as_integer()) {
-        return RATIONAL(whole->get());
-    }
-    if (const toml::value<double>* real = node.as_floating_point()) {
-        return to_rational(real->get());
-    }
-    if (const toml::value<std::string>* text = node.as_string()) {
-        return RATIONAL::parse(text->get());
-    }
-    return std::nullopt;
-}
-
-}  // namespace
 
 std::string to_text(const SHEET_PROBLEM& problem)
 {
@@ -49,63 +16,89 @@ std::string to_text(const SHEET_PROBLEM& problem)
     return text + ": " + problem.m_text;
 }
 
-void SHEET_READER::report(const toml::node& node, const std::string& text)
+const SHEET_NODE* SHEET_NODE::find(const std::string& key) const
 {
-    const toml::source_position place = node.source().begin;
-    m_problems->push_back(
-        {m_file, static_cast<int>(place.line), static_cast<int>(place.column), text});
+    const auto found = m_table.find(key);
+    return found == m_table.end() ? nullptr : &found->second;
 }
 
-void SHEET_READER::read(const toml::node& node, std::string* value)
+void SHEET_READER::report(const SHEET_NODE& node, const std::string& text)
 {
-    if (const toml::value<std::string>* text = node.as_string()) {
-        *value = text->get();
+    m_problems->push_back({m_file, node.m_line, node.m_column, text});
+}
+
+void SHEET_READER::read(const SHEET_NODE& node, std::string* value)
+{
+    if (node.m_kind == SHEET_NODE::KIND::TEXT) {
+        *value = node.m_text;
         return;
     }
     report(node, "a text in quotes is needed");
 }
 
-void SHEET_READER::read(const toml::node& node, int* value)
+void SHEET_READER::read(const SHEET_NODE& node, int* value)
 {
-    const toml::value<std::int64_t>* whole = node.as_integer();
-    if (whole != nullptr && whole->get() >= 0 && whole->get() <= std::numeric_limits<int>::max()) {
-        *value = static_cast<int>(whole->get());
+    const RATIONAL largest(std::numeric_limits<int>::max());
+    if (node.m_kind == SHEET_NODE::KIND::NUMBER && node.m_number.is_integer() &&
+        RATIONAL(0) <= node.m_number && node.m_number <= largest) {
+        *value = static_cast<int>(node.m_number.numerator());
         return;
     }
     report(node, "a whole number from 0 to 2147483647 is needed");
 }
 
-void SHEET_READER::read(const toml::node& node, RATIONAL* value)
+void SHEET_READER::read(const SHEET_NODE& node, RATIONAL* value)
 {
-    if (const std::optional<RATIONAL> number = to_rational(node)) {
-        *value = *number;
+    if (node.m_kind == SHEET_NODE::KIND::NUMBER) {
+        *value = node.m_number;
         return;
+    }
+    if (node.m_kind == SHEET_NODE::KIND::TEXT) {
+        if (const std::optional<RATIONAL> number = RATIONAL::parse(node.m_text)) {
+            *value = *number;
+            return;
+        }
     }
     report(node, "a number is needed, such as 3.125 or \"1000/3\"");
 }
 
-void SHEET_READER::read(const toml::node& node, std::vector<std::string>* values)
+void SHEET_READER::read(const SHEET_NODE& node, std::vector<std::string>* values)
 {
-    const toml::array* array = node.as_array();
-    if (array == nullptr) {
+    if (node.m_kind != SHEET_NODE::KIND::LIST) {
         report(node, "a list of texts is needed");
         return;
     }
-    for (const toml::node& entry : *array) {
+    for (const SHEET_NODE& entry : node.m_list) {
         read(entry, &values->emplace_back());
     }
 }
 
-void SHEET_READER::read(const toml::node& node, std::vector<int>* values)
+void SHEET_READER::read(const SHEET_NODE& node, std::vector<int>* values)
 {
-    const toml::array* array = node.as_array();
-    if (array == nullptr) {
+    if (node.m_kind != SHEET_NODE::KIND::LIST) {
         report(node, "a list of whole numbers is needed");
         return;
     }
-    for (const toml::node& entry : *array) {
+    for (const SHEET_NODE& entry : node.m_list) {
         read(entry, &values->emplace_back());
     }
+}
+
+std::vector<const SHEET_NODE*> SHEET_READER::list_tables(const SHEET_NODE& node)
+{
+    std::vector<const SHEET_NODE*> tables;
+    if (node.m_kind != SHEET_NODE::KIND::LIST) {
+        report(node, "an array of tables is needed");
+        return tables;
+    }
+    for (const SHEET_NODE& entry : node.m_list) {
+        if (entry.m_kind == SHEET_NODE::KIND::TABLE) {
+            tables.push_back(&entry);
+        } else {
+            report(entry, "a table is needed");
+        }
+    }
+    return tables;
 }
 
 }  // namespace advice
