@@ -12,8 +12,11 @@
 
 class PLL;
 class PLL_MANAGER;
-class PLL_NAME_INDEX;
 class PLL_READ_OBSERVER;
+
+namespace pll_internal {
+class PLL_NAME_INDEX;
+}  // namespace pll_internal
 
 // One part in one PLL type.
 class PLL_API PLL_PART_INFO
@@ -51,8 +54,9 @@ public:
 private:
     friend class PLL_MANAGER;
 
-    PLL_NAME_INDEX* m_part_index;  // both owned, null until something was found or created by name
-    PLL_NAME_INDEX* m_speed_grade_index;
+    // Both owned, null until something was found or created by name.
+    pll_internal::PLL_NAME_INDEX* m_part_index;
+    pll_internal::PLL_NAME_INDEX* m_speed_grade_index;
 };
 
 // One device that a design must also fit. The names are borrowed.
@@ -181,8 +185,8 @@ public:
     static void operator delete(void* pointer) noexcept;
 
 private:
-    PLL_NAME_INDEX* m_family_index;  // owned, null until a family was looked up
-    PLL_READ_OBSERVER* m_observer;   // not owned
+    pll_internal::PLL_NAME_INDEX* m_family_index;  // owned, null until a family was looked up
+    PLL_READ_OBSERVER* m_observer;                 // not owned
 };
 
 // Reads the table file of every entry into the family; false when one of them fails.

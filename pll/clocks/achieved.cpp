@@ -17,6 +17,8 @@
 #include <cmath>
 #include <ostream>
 
+using namespace pll_internal;
+
 namespace {
 
 constexpr const char* SOURCE = "pll_prop";

@@ -4,6 +4,8 @@
 #include "clocks/bandwidth_type.h"
 #include "platform/report_error.h"
 
+using namespace pll_internal;
+
 namespace {
 
 constexpr int DEFAULT_DUTY = 50;

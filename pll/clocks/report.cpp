@@ -8,6 +8,8 @@
 #include <algorithm>
 #include <ostream>
 
+using namespace pll_internal;
+
 namespace {
 
 constexpr double MHZ_PS = 1e6;  // frequency in MHz x period in ps

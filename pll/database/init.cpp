@@ -18,6 +18,8 @@
 #include <iterator>
 #include <utility>
 
+using namespace pll_internal;
+
 namespace {
 
 typedef MEM_VECTOR<PLL_MIGRATION_PART_INFO> PART_LIST;

@@ -10,6 +10,8 @@
 #include "platform/arith.h"
 #include "platform/report_error.h"
 
+using namespace pll_internal;
+
 namespace {
 
 PLL_NAME_INDEX* find_or_create_index(PLL_NAME_INDEX** index)
@@ -221,6 +223,8 @@ void PLL_MANAGER::create_listed_speed_grades(PLL_FAMILY_INFO* family)
     }
 }
 
+namespace pll_internal {
+
 bool rebuild_listed_speed_grades(PLL_FAMILY_INFO* family)
 {
     manager_release(family->m_listed_speed_grades);
@@ -253,6 +257,8 @@ bool rebuild_listed_speed_grades(PLL_FAMILY_INFO* family)
     family->m_number_of_listed_speed_grades = count;
     return true;
 }
+
+}  // namespace pll_internal
 
 void PLL_MANAGER::set_observer(PLL_READ_OBSERVER* observer)
 {

@@ -9,6 +9,8 @@
 #include <new>
 #include <utility>
 
+namespace pll_internal {
+
 inline constexpr char PLL_MANAGER_SOURCE[] = "pll_manager";
 
 // A zero-filled block of the database's account.
@@ -102,3 +104,5 @@ bool manager_append(T** array, int* count, T value)
     ++*count;
     return true;
 }
+
+}  // namespace pll_internal

@@ -1,5 +1,7 @@
 #include "database/name_index.h"
 
+namespace pll_internal {
+
 namespace {
 
 const std::uint64_t FEWEST_SLOTS = 16;
@@ -60,3 +62,5 @@ void PLL_NAME_INDEX::insert(const SLOT& slot)
     }
     m_slots[i] = slot;
 }
+
+}  // namespace pll_internal

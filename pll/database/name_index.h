@@ -10,6 +10,8 @@
 
 #include <cstdint>
 
+namespace pll_internal {
+
 // Hash of a name, the letters A to Z taken as a to z; `tag` tells lists with a second key apart. A
 // null name counts as an empty one.
 inline std::uint64_t hash_name(const char* name, int tag = 0)
@@ -99,3 +101,5 @@ bool make_room_for_one(T** list, int count, PLL_NAME_INDEX* index)
     index->m_room = room;
     return true;
 }
+
+}  // namespace pll_internal

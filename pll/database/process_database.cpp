@@ -5,6 +5,8 @@
 
 #include "platform/report_error.h"
 
+using namespace pll_internal;
+
 namespace {
 
 const char SOURCE[] = "pll";

@@ -7,6 +7,8 @@
 
 #include <exception>
 
+using namespace pll_internal;
+
 namespace {
 
 typedef MEM_ALLOCATOR<PLL_MIGRATION_PART_INFO> PART_ALLOCATOR;

@@ -17,6 +17,8 @@
 
 #include <cstring>
 
+using namespace pll_internal;
+
 namespace {
 
 bool ends_with_slash(const char* path)

@@ -8,6 +8,8 @@
 #include <algorithm>
 #include <iostream>
 
+using namespace pll_internal;
+
 namespace {
 
 constexpr const char* SOURCE = "pll_info";

@@ -6,6 +6,8 @@
 
 #include <algorithm>
 
+using namespace pll_internal;
+
 namespace {
 
 constexpr const char* SOURCE = "pll_info";

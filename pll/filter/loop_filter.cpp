@@ -15,6 +15,8 @@
 #include <cmath>
 #include <cstdint>
 
+namespace pll_internal {
+
 namespace {
 
 constexpr double TWO_PI = 6.28;
@@ -127,3 +129,5 @@ void synthesize_loop_filter(PLL* pll, int fin_period, double bandwidth, bool spr
     pll->m_r = resistor;
     pll->m_i = current;
 }
+
+}  // namespace pll_internal

@@ -15,6 +15,8 @@
 #include <algorithm>
 #include <cfloat>
 
+using namespace pll_internal;
+
 namespace {
 
 constexpr double HERTZ_PER_INVERSE_PICOSECOND = 1e12;
@@ -164,6 +166,8 @@ bool PLL::synthesize_best_bandwidth_using_table(PLL* pll, const PLL_PROP& reques
     return take_choice(choice, effective_m, pll);
 }
 
+namespace pll_internal {
+
 bool PLL_BANDWIDTH_CHOOSER::choose(PLL* candidate)
 {
     const int effective_m = effective_feedback_division(*candidate);
@@ -249,3 +253,5 @@ bool PLL_BANDWIDTH_CHOOSER::is_better(const ROW_COST& a, const ROW_COST& b)
     }
     return a_ends || a.m_cost == b.m_cost ? a.m_place < b.m_place : a.m_cost < b.m_cost;
 }
+
+}  // namespace pll_internal

@@ -11,6 +11,8 @@
 #include "pll.h"
 #include "pll_prop.h"
 
+namespace pll_internal {
+
 struct PLL_ROW_CHOICE
 {
     const PLL_BANDWIDTH_SETTING* m_row;  // null: none
@@ -62,3 +64,5 @@ private:
     double m_fast[MOST_ROWS];                    // ascending, Hz
     ROW_COST m_best[MOST_ROWS];                  // the cheapest of the rows up to here
 };
+
+}  // namespace pll_internal

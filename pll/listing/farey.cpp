@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+namespace pll_internal {
+
 namespace {
 
 // The x of 1..modulus for which value x x is 1 modulo `modulus`; the two have no common divisor.
@@ -35,3 +37,5 @@ FAREY_WALK::FAREY_WALK(FAREY_FRACTION box, FAREY_FRACTION first) : m_box(box), m
     const std::int64_t steps = std::min((box.m_mult - p) / m, (box.m_div - q) / n);
     m_next = {std::uint32_t(p + steps * m), std::uint32_t(q + steps * n)};
 }
+
+}  // namespace pll_internal

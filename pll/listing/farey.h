@@ -9,6 +9,8 @@
 
 #include <cstdint>
 
+namespace pll_internal {
+
 struct FAREY_FRACTION
 {
     std::uint32_t m_mult;
@@ -54,3 +56,5 @@ private:
     FAREY_FRACTION m_here;
     FAREY_FRACTION m_next;  // 1 / 0 behind the last one
 };
+
+}  // namespace pll_internal

@@ -23,6 +23,8 @@
 #include <limits>
 #include <new>
 
+using namespace pll_internal;
+
 namespace {
 
 constexpr const char* SOURCE = "pll";

@@ -8,6 +8,8 @@
 #include "platform/arith.h"
 #include "platform/report_error.h"
 
+namespace pll_internal {
+
 inline constexpr double HALF_PERCENT = 50.0;
 
 inline int sum_of_halves(const PLL_OUTPUT_TAP& tap)
@@ -55,3 +57,5 @@ inline double checked_duty_cycle(const PLL_OUTPUT_TAP& tap, int index, int taps_
     const double high = tap.m_even ? tap.m_high : tap.m_high - 0.5;
     return high * 100.0 / counter_sum;
 }
+
+}  // namespace pll_internal

@@ -9,6 +9,8 @@
 #include <iterator>
 #include <new>
 
+using namespace pll_internal;
+
 namespace {
 
 constexpr const char* SOURCE = "pll";

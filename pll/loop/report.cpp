@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <ostream>
 
+using namespace pll_internal;
+
 namespace {
 
 constexpr double OHM_PER_KILOOHM = 1000.0;

@@ -4,6 +4,8 @@
 
 #include "platform/arith.h"
 
+namespace pll_internal {
+
 int effective_feedback_division(const PLL& pll)
 {
     int division = wrap_mul(pll.m_m.m_count, pll.m_vco_post_scale);
@@ -12,3 +14,5 @@ int effective_feedback_division(const PLL& pll)
     }
     return division;
 }
+
+}  // namespace pll_internal

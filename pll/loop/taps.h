@@ -3,6 +3,8 @@
 
 #include "pll.h"
 
+namespace pll_internal {
+
 // M times post-scale times the count of the feedback output: what the loop divides by.
 int effective_feedback_division(const PLL& pll);
 
@@ -11,3 +13,5 @@ inline int clamp_taps(int count)
 {
     return count < 0 ? 0 : (count > PLL_MAX_TAPS ? PLL_MAX_TAPS : count);
 }
+
+}  // namespace pll_internal

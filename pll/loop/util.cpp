@@ -11,6 +11,8 @@
 #include <cmath>
 #include <cstdint>
 
+using namespace pll_internal;
+
 namespace {
 
 constexpr const char* SOURCE = "pll_util";

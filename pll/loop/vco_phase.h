@@ -8,6 +8,8 @@
 
 #include <cstdint>
 
+namespace pll_internal {
+
 inline constexpr int DEGREES_PER_VCO_PERIOD = 360;
 inline constexpr int DEGREES_PER_VCO_TAP = DEGREES_PER_VCO_PERIOD / PLL_VCO_TAPS_NUMBER;
 
@@ -77,3 +79,5 @@ inline double user_phase(int n, int m, const PLL& pll, TAP_AND_START place)
 {
     return input_degrees(n, m, wrap_sub(place.vco_degrees(), reference_phase(pll)));
 }
+
+}  // namespace pll_internal

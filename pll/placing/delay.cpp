@@ -12,6 +12,8 @@
 
 #include <algorithm>
 
+using namespace pll_internal;
+
 namespace {
 
 constexpr const char* SOURCE = "pll";

@@ -16,6 +16,8 @@
 #include <cstring>
 #include <limits>
 
+using namespace pll_internal;
+
 namespace {
 
 constexpr const char* SOURCE = "pll";
@@ -290,6 +292,8 @@ void carry_out(const DUTY_PLAN& plan, PLL_OUTPUT_TAP* tap, double* cost)
 
 }  // namespace
 
+namespace pll_internal {
+
 DUTY_PLACING::DUTY_PLACING(const PLL& pll, const PLL_PROP& request)
     : m_request(request), m_taps_count(clamp_taps(request.m_taps_count)), m_misses(0)
 {
@@ -381,6 +385,8 @@ void DUTY_PLACING::place(int index, PLL* pll)
     make_plan(index, *pll, &plan);
     carry_out(plan, tap, &pll->m_cost);
 }
+
+}  // namespace pll_internal
 
 void PLL::compute_duty_cycle_for_ui(PLL* pll, const PLL_PROP& request, int tap,
                                     double duty_cycle) const

@@ -16,6 +16,8 @@
 
 #include <cmath>
 
+using namespace pll_internal;
+
 namespace {
 
 constexpr const char* SOURCE = "pll";
@@ -174,6 +176,8 @@ void narrow_phases(const PLL_USER_TAP& wish, double achieved, double step, PLL_O
 
 }  // namespace
 
+namespace pll_internal {
+
 PHASE_PLACING::PHASE_PLACING(const PLL_PROP& request, bool may_be_negative, PLL* pll)
     : m_request(request), m_pll(pll), m_frame{}
 {
@@ -232,6 +236,8 @@ void tell_phase(const PLL_USER_TAP& wish, double ratio, double phase, PLL_OUTPUT
 {
     narrow_phases(wish, phase, DEGREES_PER_VCO_TAP / ratio, output);
 }
+
+}  // namespace pll_internal
 
 void PLL::compute_phase_for_ui(PLL* pll, const PLL_PROP& request, int tap, double phase) const
 {

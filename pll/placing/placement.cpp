@@ -2,6 +2,8 @@
 
 #include "loop/taps.h"
 
+using namespace pll_internal;
+
 namespace {
 
 // True for what is not a number, too.
@@ -11,6 +13,8 @@ bool may_be_below_zero(double phase)
 }
 
 }  // namespace
+
+namespace pll_internal {
 
 PLACEMENT::PLACEMENT(const PLL& pll, const PLL_PROP& request)
     : m_request(request),
@@ -34,6 +38,8 @@ void PLACEMENT::place(PLL* pll)
         m_duties.place(i, pll);
     }
 }
+
+}  // namespace pll_internal
 
 bool PLL::synthesize_best_phase_and_duty_cycle(PLL* pll, const PLL_PROP& request)
 {

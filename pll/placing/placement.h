@@ -7,6 +7,8 @@
 
 #include <cstdint>
 
+namespace pll_internal {
+
 // Where a candidate's clocks are placed: what all its outputs share.
 struct PHASE_FRAME
 {
@@ -121,3 +123,5 @@ private:
     bool m_may_be_negative;
     DUTY_PLACING m_duties;
 };
+
+}  // namespace pll_internal

@@ -5,6 +5,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+namespace pll_internal {
+
 namespace {
 
 constexpr int READ_AND_WRITE_FOR_ALL = 0666;
@@ -85,3 +87,5 @@ void TRACE_BUFFER::write_out()
     }
     reset();
 }
+
+}  // namespace pll_internal

@@ -6,6 +6,8 @@
 #include <ostream>
 #include <streambuf>
 
+namespace pll_internal {
+
 // Collects text and appends it to a file whenever the stream is flushed. What cannot be written is
 // lost in silence.
 class TRACE_BUFFER : public std::streambuf
@@ -48,3 +50,5 @@ private:
     TRACE_BUFFER m_buffer;
     std::ostream m_stream;
 };
+
+}  // namespace pll_internal

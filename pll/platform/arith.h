@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <limits>
 
+namespace pll_internal {
+
 // Keeps the low 32 bits.
 inline int wrap_to_int(std::int64_t value)
 {
@@ -60,3 +62,5 @@ inline int nearest_index(int index, int count)
 {
     return std::clamp(index, 0, count - 1);
 }
+
+}  // namespace pll_internal

@@ -12,6 +12,8 @@
 #include <bitset>
 #include <cmath>
 
+namespace pll_internal {
+
 namespace {
 
 using FOUR_COUNTS = std::uint32_t __attribute__((vector_size(16)));
@@ -164,3 +166,5 @@ std::uint32_t smallest_divisor_from(std::uint32_t number, std::uint32_t least)
     }
     return divisors.smallest_from(least);
 }
+
+}  // namespace pll_internal

@@ -3,6 +3,10 @@
 
 #include <cstdint>
 
+namespace pll_internal {
+
 // The smallest divisor of `number` that is `least` or more and not above the square root of
 // `number`; 0 where there is none. `number` is 1 to 2^31, `least` at least 1.
 std::uint32_t smallest_divisor_from(std::uint32_t number, std::uint32_t least);
+
+}  // namespace pll_internal

@@ -3,6 +3,8 @@
 
 #include "msg_internal_error.h"
 
+namespace pll_internal {
+
 // Reports `condition` word for word and returns; the caller goes on with its next step.
 inline void report_error(const char* condition, const char* source, int line = __builtin_LINE())
 {
@@ -18,3 +20,5 @@ inline bool check(bool holds, const char* condition, const char* source,
     }
     return holds;
 }
+
+}  // namespace pll_internal

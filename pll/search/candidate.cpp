@@ -14,6 +14,8 @@
 
 #include <cmath>
 
+namespace pll_internal {
+
 namespace {
 
 constexpr double CASCADE_PENALTY = 4096.0;
@@ -187,3 +189,5 @@ CANDIDATE_SCORE assign_candidate(const PLL& pll, const PLL_PROP& request,
     }
     return assignment.m_score;
 }
+
+}  // namespace pll_internal

@@ -8,6 +8,8 @@
 #include "search/ratio_error.h"
 #include "search/result.h"
 
+namespace pll_internal {
+
 // Turns `candidate` into the setting of `point`: counters, cascades, feedback. Carried values are
 // taken from `best`. Returns what it measures.
 CANDIDATE_SCORE assign_candidate(const PLL& pll, const PLL_PROP& request,
@@ -20,3 +22,5 @@ int find_cascade(const PLL& pll, int count, int max_count, int source_index);
 
 // The next and previous values that are carried from candidate to candidate.
 void copy_carried_values(const PLL_OUTPUT_TAP& from, PLL_OUTPUT_TAP* to);
+
+}  // namespace pll_internal

@@ -1,6 +1,8 @@
 // What a synthesis writes to "debug.log" while debugging is on.
 #include "search/debug_log.h"
 
+namespace pll_internal {
+
 void SYNTHESIS_TRACE::request(const SEARCH_LIMITS& limits, const PLL_PROP& request)
 {
     m_file.get() << "Need to synthesize PLL with the following properties:" << std::endl;
@@ -32,3 +34,5 @@ void SYNTHESIS_TRACE::best(const PLL& pll)
     m_file.get() << "----------Best Candidate --------------------\n";
     pll.dump(m_file.get(), true, false);
 }
+
+}  // namespace pll_internal

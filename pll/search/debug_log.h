@@ -7,6 +7,8 @@
 #include "platform/append_file.h"
 #include "search/limits.h"
 
+namespace pll_internal {
+
 // The trace of a synthesis; while closed, nothing is written.
 class SYNTHESIS_TRACE
 {
@@ -23,3 +25,5 @@ public:
 private:
     TRACE_STREAM m_file;
 };
+
+}  // namespace pll_internal

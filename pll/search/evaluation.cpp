@@ -7,6 +7,8 @@
 
 #include <cfloat>
 
+namespace pll_internal {
+
 EVALUATION::EVALUATION(const PLL& pll, const PLL_PROP& request, const SEARCH_LIMITS& limits,
                        SYNTHESIS_TRACE* trace, SEARCH_RESULT* result)
     : m_pll(pll),
@@ -62,3 +64,5 @@ bool EVALUATION::evaluate_if_met(const SEARCH_POINT& point)
     offer(point, &score);
     return score.m_error == 0.0;
 }
+
+}  // namespace pll_internal

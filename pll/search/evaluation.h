@@ -14,6 +14,8 @@
 #include <algorithm>
 #include <cstdint>
 
+namespace pll_internal {
+
 class EVALUATION
 {
 public:
@@ -73,3 +75,5 @@ private:
     PLL m_candidate;
     std::int64_t m_cut_off;
 };
+
+}  // namespace pll_internal

@@ -8,6 +8,8 @@
 
 #include <algorithm>
 
+namespace pll_internal {
+
 namespace {
 
 BANDWIDTH_WISH read_bandwidth_wish(const PLL& pll, const PLL_PROP& request, bool spread)
@@ -86,3 +88,5 @@ SEARCH_LIMITS read_search_limits(const PLL& pll, const PLL_PROP& request)
           "max_vco_post_scale <= PLL_VCO_POST_SCALE_MAX", "pll");
     return limits;
 }
+
+}  // namespace pll_internal

@@ -8,6 +8,8 @@
 #include "clocks/bandwidth_type.h"
 #include "search/ratio_error.h"
 
+namespace pll_internal {
+
 // The request's loop bandwidth as the search uses it.
 struct BANDWIDTH_WISH
 {
@@ -54,3 +56,5 @@ struct SEARCH_LIMITS
 
 // Reads what the search needs. Reports the counters that a search cannot start from.
 SEARCH_LIMITS read_search_limits(const PLL& pll, const PLL_PROP& request);
+
+}  // namespace pll_internal

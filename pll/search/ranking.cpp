@@ -16,6 +16,8 @@
 #include <cfloat>
 #include <cmath>
 
+namespace pll_internal {
+
 namespace {
 
 constexpr double PREFERRED_M_PENALTY = 5.0;
@@ -169,3 +171,5 @@ bool RANKING::compare_cost(const PLL& candidate, SEARCH_RESULT* result) const
     }
     return false;
 }
+
+}  // namespace pll_internal

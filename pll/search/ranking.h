@@ -10,6 +10,8 @@
 #include "search/ratio_error.h"
 #include "search/result.h"
 
+namespace pll_internal {
+
 // Costs `candidate`, whose counters stand, and keeps it in `result` when it beats the best.
 class RANKING
 {
@@ -44,3 +46,5 @@ private:
     PLACEMENT m_placement;
     PLL_BANDWIDTH_CHOOSER m_chooser;
 };
+
+}  // namespace pll_internal

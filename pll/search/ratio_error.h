@@ -8,6 +8,8 @@
 #include <cfloat>
 #include <cmath>
 
+namespace pll_internal {
+
 // What one candidate measures while its output counters are assigned.
 struct CANDIDATE_SCORE
 {
@@ -127,3 +129,5 @@ inline double add_frequency_cost(double relative_error, int post_scale, double c
     }
     return cost + (post_scale - 1) * POST_SCALE_PENALTY;
 }
+
+}  // namespace pll_internal

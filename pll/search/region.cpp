@@ -10,6 +10,8 @@
 #include <cfloat>
 #include <cmath>
 
+namespace pll_internal {
+
 namespace {
 
 constexpr int SMALLEST_M = 2;
@@ -148,3 +150,5 @@ double REGION::count_about(RATIO_RANGE ratios) const
     const double middle = 0.5 * double(m_n.m_last + m_n.m_first);
     return (ratios.m_high - ratios.m_low) * middle * columns;
 }
+
+}  // namespace pll_internal

@@ -9,8 +9,11 @@
 
 #include <cstdint>
 
-struct SEARCH_LIMITS;
 class PLL;
+
+namespace pll_internal {
+
+struct SEARCH_LIMITS;
 
 // A closed range of ratios M / N; empty when m_low is above m_high.
 struct RATIO_RANGE
@@ -97,3 +100,5 @@ private:
     N_RANGE m_n;
     RATIO_RANGE m_ratios;
 };
+
+}  // namespace pll_internal

@@ -5,6 +5,8 @@
 #include "pll.h"
 #include "pll_prop.h"
 
+namespace pll_internal {
+
 // One (post-scale, M, N) that the limits allow.
 struct SEARCH_POINT
 {
@@ -42,3 +44,5 @@ struct SEARCH_RESULT
 
     static constexpr double WORST = 1e300;
 };
+
+}  // namespace pll_internal

@@ -15,6 +15,8 @@
 #include "search/result.h"
 #include "search/window.h"
 
+namespace pll_internal {
+
 namespace {
 
 constexpr double SETTLED_PERIOD = 0.5;  // ps
@@ -223,3 +225,5 @@ void walk_rows(EVALUATION* evaluation)
         walk.walk_post_scale(post_scale);
     }
 }
+
+}  // namespace pll_internal

@@ -1,6 +1,8 @@
 // Cuts the N of a row where the limits do.
 #include "search/window.h"
 
+namespace pll_internal {
+
 namespace {
 
 constexpr N_RANGE NOTHING = {1, 0};
@@ -61,3 +63,5 @@ ROW split_falling_row(const ROW_PERIODS& periods, N_RANGE all)
     const std::int64_t fast = first_too_fast(periods, all);
     return {NOTHING, {all.m_first, fast - 1}, {fast, all.m_last}};
 }
+
+}  // namespace pll_internal

@@ -9,6 +9,8 @@
 #include <cmath>
 #include <cstdint>
 
+namespace pll_internal {
+
 // The first value in first..last for which `holds`, which must stay true once it is; last + 1 when
 // there is none. `guess` is where it is expected.
 template <class HOLDS>
@@ -105,3 +107,5 @@ ROW split_growing_row(const ROW_PERIODS& periods, N_RANGE all);
 
 // A falling one ends at once when it starts too slow.
 ROW split_falling_row(const ROW_PERIODS& periods, N_RANGE all);
+
+}  // namespace pll_internal

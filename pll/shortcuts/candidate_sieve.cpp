@@ -14,6 +14,8 @@
 #include <cmath>
 #include <cstring>
 
+namespace pll_internal {
+
 namespace {
 
 constexpr double SMALLEST_SURE_RATIO = 1e-8;   // below it a thousandth may count as rounding
@@ -164,3 +166,5 @@ void CANDIDATE_SIEVE::note_told(const SEARCH_POINT& point, const PLL& candidate)
         }
     }
 }
+
+}  // namespace pll_internal

@@ -16,6 +16,8 @@
 
 #include <cstdint>
 
+namespace pll_internal {
+
 class CANDIDATE_SIEVE
 {
 public:
@@ -76,3 +78,5 @@ private:
     OUTPUT m_outputs[PLL_MAX_TAPS];
     std::uint64_t m_told[PLL_MAX_TAPS][TOLD_COUNTS / WORD_BITS];  // a bit for each counter value
 };
+
+}  // namespace pll_internal

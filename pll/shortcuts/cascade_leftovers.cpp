@@ -9,6 +9,8 @@
 
 #include <algorithm>
 
+namespace pll_internal {
+
 namespace {
 
 // Everything but the place to start at, which only exact candidates set.
@@ -123,3 +125,5 @@ int CASCADE_LEFTOVERS::count_sources(int m, int n) const
     }
     return next;
 }
+
+}  // namespace pll_internal

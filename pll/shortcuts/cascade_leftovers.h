@@ -12,6 +12,8 @@
 #include "shortcuts/cascade_reaches.h"
 #include "shortcuts/kept_cascades.h"
 
+namespace pll_internal {
+
 class CASCADE_LEFTOVERS
 {
 public:
@@ -46,3 +48,5 @@ private:
     SCALE m_scales[PLL_VCO_POST_SCALE_MAX + 1];
     int m_scales_count;
 };
+
+}  // namespace pll_internal

@@ -10,6 +10,8 @@
 
 #include <algorithm>
 
+namespace pll_internal {
+
 class CASCADE_REACHES
 {
 public:
@@ -43,3 +45,5 @@ inline CASCADE_REACHES::CASCADE_REACHES(const PLL& pll, const SEARCH_LIMITS& lim
     }
     std::sort(m_ratios, m_ratios + m_count);
 }
+
+}  // namespace pll_internal

@@ -6,6 +6,8 @@
 
 #include <algorithm>
 
+namespace pll_internal {
+
 namespace {
 
 // Bounds are off by rounding, so whatever is added to a sum is taken to be a little smaller than
@@ -159,3 +161,5 @@ void ERROR_BOUND::bound_ratios(const float (&ratios)[LANES], float (&bounds)[LAN
     }
     store(sum.value(), bounds);
 }
+
+}  // namespace pll_internal

@@ -10,6 +10,8 @@
 
 #include "search/region.h"
 
+namespace pll_internal {
+
 struct SEARCH_LIMITS;
 
 class ERROR_BOUND
@@ -42,3 +44,5 @@ private:
     float m_cascades;    // how many outputs may use a second counter
     OUTPUT m_outputs[PLL_MAX_TAPS];
 };
+
+}  // namespace pll_internal

@@ -8,6 +8,8 @@
 
 #include <algorithm>
 
+namespace pll_internal {
+
 namespace {
 
 constexpr double BELOW_MIDDLE = 0.75;  // of a count of 1, as all below
@@ -182,3 +184,5 @@ void ERROR_SUM::of(const SETTINGS& settings, double limit, double (&sums)[LANES]
             pair.is_sure(i % 2) ? pair.sum(i % 2) : of(settings.m_m[i], settings.m_n[i], limit);
     }
 }
+
+}  // namespace pll_internal

@@ -6,6 +6,8 @@
 #include "shortcuts/kept_cascades.h"
 #include "shortcuts/lanes.h"
 
+namespace pll_internal {
+
 class ERROR_SUM
 {
 public:
@@ -50,3 +52,5 @@ private:
     KEPT_CASCADES& m_cascades;
     OUTPUT m_outputs[PLL_MAX_TAPS];
 };
+
+}  // namespace pll_internal

@@ -10,6 +10,8 @@
 
 #include <cstdint>
 
+namespace pll_internal {
+
 class FEEDBACK_REST
 {
 public:
@@ -45,3 +47,5 @@ public:
 private:
     const RATIO_WISH* m_wish;
 };
+
+}  // namespace pll_internal

@@ -6,6 +6,8 @@
 
 #include <cstring>
 
+namespace pll_internal {
+
 KEPT_CASCADES::KEPT_CASCADES(const PLL& pll, const SEARCH_LIMITS& limits)
     : m_pll(pll), m_limits(limits)
 {
@@ -49,3 +51,5 @@ bool KEPT_CASCADES::is_short(int m, int n)
     }
     return false;
 }
+
+}  // namespace pll_internal

@@ -9,6 +9,8 @@
 
 #include <cstdint>
 
+namespace pll_internal {
+
 class KEPT_CASCADES
 {
 public:
@@ -39,3 +41,5 @@ private:
     const SEARCH_LIMITS& m_limits;
     SLOT m_slots[SLOTS];  // unused, and not set up, where nothing may cascade
 };
+
+}  // namespace pll_internal

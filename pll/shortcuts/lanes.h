@@ -1,6 +1,8 @@
 // Vectors of numbers that the processor works on at once: two doubles or four floats.
 #pragma once
 
+namespace pll_internal {
+
 using TWO = double __attribute__((vector_size(16)));
 using FOUR = float __attribute__((vector_size(16)));
 
@@ -54,3 +56,5 @@ inline double round_to_whole(double value)
 {
     return round_by(value, 6755399441055744.0);
 }
+
+}  // namespace pll_internal

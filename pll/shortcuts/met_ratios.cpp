@@ -7,6 +7,8 @@
 #include <cmath>
 #include <cstring>
 
+namespace pll_internal {
+
 namespace {
 
 // The exact tests are made of rounded operations on doubles: each bound is moved out by more.
@@ -127,3 +129,5 @@ MET_RATIOS::MET_RATIOS(const PLL& pll, const SEARCH_LIMITS& limits, RATIO_RANGE 
         cuts.hand_over(this);
     }
 }
+
+}  // namespace pll_internal

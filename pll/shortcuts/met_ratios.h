@@ -10,6 +10,8 @@
 
 #include "search/region.h"
 
+namespace pll_internal {
+
 struct SEARCH_LIMITS;
 
 class MET_RATIOS
@@ -32,3 +34,5 @@ private:
     RATIO_RANGE m_ranges[CAPACITY];
     int m_count;
 };
+
+}  // namespace pll_internal

@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+namespace pll_internal {
+
 namespace {
 
 // An automatic bandwidth often ends a search early, so the first block is small; every next one is
@@ -150,3 +152,5 @@ void MET_SEARCH::visit(const WORK& work, std::int64_t m, std::int64_t n)
         m_sifted.evaluate_if_met(work.m_post_scale, int(m), int(n));
     }
 }
+
+}  // namespace pll_internal

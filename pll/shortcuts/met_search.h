@@ -7,6 +7,8 @@
 
 #include <cstdint>
 
+namespace pll_internal {
+
 class MET_SEARCH
 {
 public:
@@ -42,3 +44,5 @@ private:
     int m_gathered;
     std::uint64_t m_fractions[CAPACITY];  // M in the upper half, N in the lower
 };
+
+}  // namespace pll_internal

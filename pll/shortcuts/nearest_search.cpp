@@ -8,6 +8,8 @@
 #include <cmath>
 #include <limits>
 
+namespace pll_internal {
+
 namespace {
 
 constexpr double CELLS_PER_ROOT = 2.5;
@@ -275,3 +277,5 @@ void NEAREST_SEARCH::take_if_best(const REGION& region, int m, int n, double err
         m_best = {error, m_post_scale, m, n};
     }
 }
+
+}  // namespace pll_internal

@@ -14,6 +14,8 @@
 #include "shortcuts/error_sum.h"
 #include "shortcuts/feedback_rest.h"
 
+namespace pll_internal {
+
 class NEAREST_SEARCH
 {
 public:
@@ -84,3 +86,5 @@ private:
     ERROR_SUM::SETTINGS m_waiting;  // to be summed together
     float m_bounds[MAX_CELLS];
 };
+
+}  // namespace pll_internal

@@ -6,6 +6,8 @@
 
 #include <cmath>
 
+namespace pll_internal {
+
 // The same as counter_value for counters up to 10^9, mostly without the division: a multiplication
 // is off by a few roundings only, which matters near the middle of two whole numbers alone.
 inline int quick_counter_value(const VCO_RATIO& vco, const RATIO_WISH& wish)
@@ -16,3 +18,5 @@ inline int quick_counter_value(const VCO_RATIO& vco, const RATIO_WISH& wish)
     return count >= 1.0 && std::fabs(quotient - count) < SURELY_NEARER ? int(count)
                                                                        : counter_value(vco, wish);
 }
+
+}  // namespace pll_internal

@@ -21,6 +21,8 @@
 #include <limits>
 #include <optional>
 
+namespace pll_internal {
+
 namespace {
 
 constexpr double LARGEST_QUOTIENT = 1e9;  // of M / N and an output's ratio
@@ -171,3 +173,5 @@ bool search_by_ratio(EVALUATION* evaluation)
     }
     return found;
 }
+
+}  // namespace pll_internal

@@ -6,6 +6,8 @@
 #include "shortcuts/candidate_sieve.h"
 #include "shortcuts/kept_cascades.h"
 
+namespace pll_internal {
+
 class SIFTED_EVALUATION
 {
 public:
@@ -43,3 +45,5 @@ private:
     KEPT_CASCADES& m_cascades;
     CANDIDATE_SIEVE m_sieve;
 };
+
+}  // namespace pll_internal

@@ -4,6 +4,8 @@
 
 #include <cstdint>
 
+namespace pll_internal {
+
 class SMALL_FACTORS
 {
 public:
@@ -41,3 +43,5 @@ private:
 };
 
 inline constexpr SMALL_FACTORS::TABLES SMALL_FACTORS::TABLE;
+
+}  // namespace pll_internal

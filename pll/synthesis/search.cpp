@@ -4,6 +4,8 @@
 #include "search/row_walk.h"
 #include "shortcuts/ratio_search.h"
 
+namespace pll_internal {
+
 void search(const PLL& pll, const PLL_PROP& request, const SEARCH_LIMITS& limits,
             SYNTHESIS_TRACE* trace, SEARCH_RESULT* result)
 {
@@ -13,3 +15,5 @@ void search(const PLL& pll, const PLL_PROP& request, const SEARCH_LIMITS& limits
         walk_rows(&evaluation);
     }
 }
+
+}  // namespace pll_internal

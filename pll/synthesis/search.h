@@ -12,7 +12,11 @@
 #include "search/limits.h"
 #include "search/result.h"
 
+namespace pll_internal {
+
 // Visits every (post-scale, M, N) that is legal and fills `result`. `trace` is null while debugging
 // is off.
 void search(const PLL& pll, const PLL_PROP& request, const SEARCH_LIMITS& limits,
             SYNTHESIS_TRACE* trace, SEARCH_RESULT* result);
+
+}  // namespace pll_internal

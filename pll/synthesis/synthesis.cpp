@@ -14,6 +14,8 @@
 #include <optional>
 #include <unistd.h>
 
+using namespace pll_internal;
+
 namespace {
 
 constexpr double LARGEST_DOWN_SPREAD = 0.006;

@@ -5,6 +5,8 @@
 #    writes to standard output.
 #  - The shared library bears the name with its ABI number, needs only the runtime of C++ and C,
 #    and exports nothing that no public header declares.
+#  - What the static library defines for the linker is declared in a public header as well, or
+#    stands in the namespace of what is internal: a host may have such names of its own.
 set -euo pipefail
 
 shared=$1
@@ -77,6 +79,24 @@ while read -r name; do
     fi
 done < <(nm -D -C --defined-only "$shared" | sed -nE 's/^[0-9a-f]+ [A-Za-z] (.*)$/\1/p')
 [[ $exported -gt 10 ]] || complain "only $exported symbols are exported"
+
+# Names of templates come with the type that they return in front of them.
+defined=$(nm -C --defined-only "$static" 2>/dev/null | sed -nE 's/^[0-9a-f]+ [A-Zu] (.*)$/\1/p' | sort -u)
+[[ $(grep -c '^pll_internal::' <<<"$defined") -gt 10 ]] || complain "no internal symbols in $static"
+foreign=$(awk '
+    NR == FNR { is_public[$0] = 1; next }
+    {
+        name = $0
+        sub(/^(vtable|VTT|typeinfo|typeinfo name|guard variable|construction vtable) for /, "", name)
+        sub(/[(].*/, "", name)
+        if (name ~ /(^|[ *&])(std|__gnu_cxx|pll_internal)::/ || name ~ /^(DW[.]ref[.])?__/) next
+        if (name ~ /^DW[.]ref[.]_ZTI/ || name ~ /^operator /) next
+        sub(/[^A-Za-z_0-9].*/, "", name)
+        if (!(name in is_public)) print
+    }' <(grep -ohE '[A-Za-z_][A-Za-z_0-9]*' "$source"/include/*.h "$source"/h/*.h | sort -u) - <<<"$defined")
+while IFS= read -r name; do
+    [[ -z $name ]] || complain "$name is defined outside the namespace of what is internal"
+done <<<"$foreign"
 
 if [[ $failures -eq 0 ]]; then
     echo "$exported exported symbols and $(wc -l <<<"$undefined") references are as they should be"

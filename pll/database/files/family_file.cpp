@@ -23,6 +23,8 @@
 #include <cstring>
 #include <exception>
 
+namespace pll_internal {
+
 namespace {
 
 typedef MEM_ALLOCATOR<PLL_TYPE_BANDWIDTH_FILE_NAME*> TABLE_FILE_ALLOCATOR;
@@ -253,3 +255,5 @@ bool PLL_FAMILY_FILE_READER::set_table_file(const char* name)
     }
     return true;
 }
+
+}  // namespace pll_internal

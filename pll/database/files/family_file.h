@@ -7,6 +7,8 @@
 #include "database/files/include_stack.h"
 #include "database/files/keywords.h"
 
+namespace pll_internal {
+
 // The statement under way, or carried out last.
 struct PLL_STATEMENT
 {
@@ -91,3 +93,5 @@ private:
     const PLL_FAMILY_INFO* m_foreign_family;  // the last that was told of
     PLL_TYPE_BANDWIDTH_FILE_LIST m_table_files;  // owned
 };
+
+}  // namespace pll_internal

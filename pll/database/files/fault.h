@@ -5,6 +5,8 @@
 
 #include "database/files/input_file.h"
 
+namespace pll_internal {
+
 // One thing that is wrong with a line.
 struct PLL_FAULT
 {
@@ -42,3 +44,5 @@ public:
     virtual void hear_of_file(PLL_FINDING finding, const char* file, int line,
                               int system_error) = 0;
 };
+
+}  // namespace pll_internal

@@ -2,6 +2,8 @@
 
 #include "database/memory.h"
 
+namespace pll_internal {
+
 PLL_INCLUDE_STACK::PLL_INCLUDE_STACK() : m_depth(0), m_opened_files(0), m_names() {}
 
 PLL_INCLUDE_STACK::~PLL_INCLUDE_STACK()
@@ -45,3 +47,5 @@ bool PLL_INCLUDE_STACK::read_line(char* line)
     }
     return m_depth > 0 && m_files[m_depth - 1].read_line(line);
 }
+
+}  // namespace pll_internal

@@ -3,6 +3,8 @@
 
 #include "database/files/input_file.h"
 
+namespace pll_internal {
+
 // A stack: an including file lies below the one that it includes.
 class PLL_INCLUDE_STACK
 {
@@ -38,3 +40,5 @@ private:
     PLL_INPUT_FILE m_files[MAX_DEPTH];
     char* m_names[MAX_DEPTH];  // owned
 };
+
+}  // namespace pll_internal

@@ -8,6 +8,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+namespace pll_internal {
+
 namespace {
 
 int look_at_file(const char* name)
@@ -123,3 +125,5 @@ char* PLL_INPUT_FILE::take_block(std::size_t* size)
     m_next = m_end;
     return block;
 }
+
+}  // namespace pll_internal

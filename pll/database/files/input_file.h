@@ -5,6 +5,8 @@
 
 #include <cstddef>
 
+namespace pll_internal {
+
 inline constexpr int PLL_LINE_SIZE = 1024;  // characters of a line that are kept, with the NUL
 
 // An open file, read through a buffer of its own. Only regular files can be opened, links followed:
@@ -55,3 +57,5 @@ private:
     std::size_t m_line_length;
     char m_block[BLOCK_SIZE];
 };
+
+}  // namespace pll_internal

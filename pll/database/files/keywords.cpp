@@ -11,6 +11,8 @@
 #include <iterator>
 #include <string_view>
 
+namespace pll_internal {
+
 namespace {
 
 typedef PLL_FAMILY_FILE_READER READER;
@@ -392,3 +394,5 @@ const char* pll_keyword_of(PLL_SELECTION selection)
         [selection](const PLL_KEYWORD& keyword) { return keyword.m_selects == selection; });
     return row == std::end(KEYWORDS) ? "" : row->m_keyword;
 }
+
+}  // namespace pll_internal

@@ -5,6 +5,8 @@
 
 #include <span>
 
+namespace pll_internal {
+
 class PLL_FAMILY_FILE_READER;
 
 // What must have been said before a statement can have an effect; without it the statement is
@@ -53,3 +55,5 @@ const PLL_KEYWORD* find_keyword(const char* name);
 
 // The keyword that selects a family, a PLL type and so on.
 const char* pll_keyword_of(PLL_SELECTION selection);
+
+}  // namespace pll_internal

@@ -5,6 +5,8 @@
 #include <clocale>
 #include <cstring>
 
+namespace pll_internal {
+
 // The name is copied, since setlocale gives a pointer into a text that its next call overwrites.
 PLL_NUMERIC_LOCALE::PLL_NUMERIC_LOCALE() : m_is_set(true), m_saved_name(nullptr)
 {
@@ -26,3 +28,5 @@ PLL_NUMERIC_LOCALE::~PLL_NUMERIC_LOCALE()
         manager_release(m_saved_name);
     }
 }
+
+}  // namespace pll_internal

@@ -1,6 +1,8 @@
 // The numeric locale "C" for as long as an object lives, so that '.' is the decimal point.
 #pragma once
 
+namespace pll_internal {
+
 class PLL_NUMERIC_LOCALE
 {
 public:
@@ -16,3 +18,5 @@ private:
     bool m_is_set;
     char* m_saved_name;  // null: nothing to restore
 };
+
+}  // namespace pll_internal

@@ -10,6 +10,8 @@
 #include <cstring>
 #include <limits>
 
+namespace pll_internal {
+
 namespace {
 
 const int DECIMAL = 10;
@@ -186,3 +188,5 @@ PLL_FINDING pll_read_operands(PLL_OPERAND_KIND kind, PLL_WORDS* words, PLL_OPERA
     }
     return reason;
 }
+
+}  // namespace pll_internal

@@ -5,6 +5,8 @@
 
 #include "database/files/words.h"
 
+namespace pll_internal {
+
 // What follows a keyword. Operands that are missing or malformed are an error, except that names,
 // words and flags may be missing here.
 enum class PLL_OPERAND_KIND
@@ -45,3 +47,5 @@ PLL_FINDING pll_read_operands(PLL_OPERAND_KIND kind, PLL_WORDS* words, PLL_OPERA
 PLL_FINDING pll_read_number(PLL_WORDS* words, int* value);
 PLL_FINDING pll_read_numbers(PLL_WORDS* words, int** array, int* count);
 PLL_FINDING pll_read_counters(PLL_WORDS* words, CDB_PLL_COUNTER_TYPE_ENUM** array, int* count);
+
+}  // namespace pll_internal

@@ -8,6 +8,8 @@
 #include "database/memory.h"
 #include "platform/report_error.h"
 
+namespace pll_internal {
+
 namespace {
 
 const char PATH_FILE_NAME[] = "ddb_pll_path.txt";
@@ -122,3 +124,5 @@ PLL_FINDING read_path_file(PLL_MANAGER* manager, const char* directory, PLL_PATH
     }
     return PLL_FINDING::OUT_OF_MEMORY;
 }
+
+}  // namespace pll_internal

@@ -6,6 +6,8 @@
 class PLL_MANAGER;
 class PLL_FAMILY_INFO;
 
+namespace pll_internal {
+
 class PLL_PATH_LISTENER : public PLL_LINE_LISTENER
 {
 public:
@@ -18,3 +20,5 @@ public:
 // family. `listener` may be null.
 PLL_FINDING read_path_file(PLL_MANAGER* manager, const char* directory,
                            PLL_PATH_LISTENER* listener);
+
+}  // namespace pll_internal

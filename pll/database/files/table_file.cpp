@@ -27,6 +27,8 @@
 #include <limits>
 #include <streambuf>
 
+using namespace pll_internal;
+
 namespace {
 
 const int WORD_SIZE = 1024;  // characters of the format word, with the NUL
@@ -382,6 +384,8 @@ PLL_FINDING create_table(const PLL_BASIC_INFO& info, PLL_TABLE_LISTENER* listene
 
 }  // namespace
 
+namespace pll_internal {
+
 PLL_FINDING read_table_file(PLL_BASIC_INFO* info, const char* file_name,
                             PLL_TABLE_LISTENER* listener)
 {
@@ -400,6 +404,8 @@ PLL_FINDING read_table_file(PLL_BASIC_INFO* info, const char* file_name,
     info->set_bandwidth_settings_table(table.m_size, table.m_groups);
     return reason;
 }
+
+}  // namespace pll_internal
 
 bool pll_read_field(std::istream& stream, int& value)
 {

@@ -6,6 +6,8 @@
 
 #include <cstddef>
 
+namespace pll_internal {
+
 // In the place of a file name: there is no table.
 inline constexpr char UNUSED_TABLE_FILE[] = "unused";
 
@@ -53,3 +55,5 @@ public:
 // it cannot be read, NONE when it can. `listener` may be null.
 PLL_FINDING read_table_file(PLL_BASIC_INFO* info, const char* file_name,
                             PLL_TABLE_LISTENER* listener);
+
+}  // namespace pll_internal

@@ -11,6 +11,8 @@
 #include <algorithm>
 #include <cstdlib>
 
+using namespace pll_internal;
+
 namespace {
 
 bool is_cursor(char** line)

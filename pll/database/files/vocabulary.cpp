@@ -9,6 +9,8 @@
 #include <algorithm>
 #include <iterator>
 
+using namespace pll_internal;
+
 namespace {
 
 const char* const PLL_TYPE_STRINGS[] = {"ENHANCED_PLL", "FAST_PLL", "FAST_PLL_HIGH_SPEED",
@@ -54,6 +56,8 @@ const char* keyword_at(int index)
 
 }  // namespace
 
+namespace pll_internal {
+
 PLL_FLAG pll_find_flag(const char* word)
 {
     const int place = word == nullptr ? NUMBER_OF_FLAGS : find_name(word, FLAG_STRINGS);
@@ -82,6 +86,8 @@ CDB_PLL_COUNTER_TYPE_ENUM pll_find_counter_type(const char* name)
                ? CDB_PLL_COUNTER_TYPE_MAX
                : static_cast<CDB_PLL_COUNTER_TYPE_ENUM>(find_name(name, COUNTER_TYPE_STRINGS));
 }
+
+}  // namespace pll_internal
 
 const char* pll_get_word(PLL_VOCABULARY vocabulary, int index)
 {

@@ -5,6 +5,8 @@
 
 #include <cstddef>
 
+namespace pll_internal {
+
 // What a word counts as.
 enum class PLL_FLAG
 {
@@ -18,3 +20,5 @@ PLL_FLAG pll_find_flag(const char* word);
 PLL_TYPE_ENUM pll_find_type(const char* name);
 PLL_RECONFIG_TYPE_ENUM pll_find_reconfig_type(const char* name);
 CDB_PLL_COUNTER_TYPE_ENUM pll_find_counter_type(const char* name);
+
+}  // namespace pll_internal

@@ -2,6 +2,8 @@
 
 #include <cstring>
 
+namespace pll_internal {
+
 namespace {
 
 const char WHITESPACES[] = " \t\n\r";
@@ -68,3 +70,5 @@ PLL_FINDING PLL_WORDS::tell_fault(PLL_FAULT fault) const
     }
     return fault.m_finding;
 }
+
+}  // namespace pll_internal

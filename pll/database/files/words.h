@@ -6,6 +6,8 @@
 
 #include "database/files/fault.h"
 
+namespace pll_internal {
+
 // Cut the next word at a cursor, which moves behind it; null, with the cursor in front of what is
 // there instead, when the line has no further one. A name may be quoted, a word may not.
 char* pll_cut_word(char** cursor);
@@ -41,3 +43,5 @@ private:
     char* m_cursor;
     PLL_LINE_LISTENER* m_listener;
 };
+
+}  // namespace pll_internal

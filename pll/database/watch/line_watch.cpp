@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <cstring>
 
+namespace pll_internal {
+
 PLL_LINE_WATCH::PLL_LINE_WATCH(PLL_READ_OBSERVER* observer)
     : m_observer(observer), m_line(nullptr), m_kept_length(0), m_full_length(0)
 {
@@ -77,3 +79,5 @@ void PLL_LINE_WATCH::tell_of_file(PLL_FINDING finding, const char* file, int lin
     event.m_system_error = system_error;
     tell(m_observer, event);
 }
+
+}  // namespace pll_internal

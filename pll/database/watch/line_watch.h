@@ -5,6 +5,8 @@
 
 #include <cstddef>
 
+namespace pll_internal {
+
 // Adds to what is wrong with a line where that stands. The watches of readers of lines have one.
 class PLL_LINE_WATCH
 {
@@ -37,3 +39,5 @@ private:
     std::size_t m_full_length;  // in the file
     PLL_SOURCE_PLACE m_place;   // of the line
 };
+
+}  // namespace pll_internal

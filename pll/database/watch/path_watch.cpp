@@ -3,6 +3,8 @@
 #include "database/files/words.h"
 #include "database/watch/tell.h"
 
+namespace pll_internal {
+
 PLL_PATH_WATCH::PLL_PATH_WATCH(PLL_READ_OBSERVER* observer) : m_line(observer)
 {
     m_statement.m_kind = PLL_READ_KIND::PATH_LINE;
@@ -39,3 +41,5 @@ void PLL_PATH_WATCH::hear_of_file(PLL_FINDING finding, const char* file, int lin
 {
     m_line.tell_of_file(finding, file, line, system_error);
 }
+
+}  // namespace pll_internal

@@ -4,6 +4,8 @@
 #include "database/files/path_file.h"
 #include "database/watch/line_watch.h"
 
+namespace pll_internal {
+
 class PLL_PATH_WATCH : public PLL_PATH_LISTENER
 {
 public:
@@ -20,3 +22,5 @@ private:
     PLL_LINE_WATCH m_line;
     PLL_READ_STATEMENT m_statement;  // of the line
 };
+
+}  // namespace pll_internal

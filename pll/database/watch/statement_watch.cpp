@@ -2,6 +2,8 @@
 
 #include "database/watch/tell.h"
 
+namespace pll_internal {
+
 PLL_STATEMENT_WATCH::PLL_STATEMENT_WATCH(const PLL_FAMILY_FILE_READER& reader,
                                          PLL_READ_OBSERVER* observer)
     : m_reader(reader), m_line(observer)
@@ -135,3 +137,5 @@ void PLL_STATEMENT_WATCH::add_records(const PLL_KEYWORD& keyword, PLL_READ_STATE
         break;
     }
 }
+
+}  // namespace pll_internal

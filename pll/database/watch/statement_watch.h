@@ -4,6 +4,8 @@
 #include "database/files/family_file.h"
 #include "database/watch/line_watch.h"
 
+namespace pll_internal {
+
 // The records are as the reader has left them whenever it tells of something; the watch adds where
 // a statement stands and where its value went.
 class PLL_STATEMENT_WATCH : public PLL_LINE_LISTENER
@@ -27,3 +29,5 @@ private:
     const PLL_FAMILY_FILE_READER& m_reader;
     PLL_LINE_WATCH m_line;
 };
+
+}  // namespace pll_internal

@@ -4,6 +4,8 @@
 
 #include <cstring>
 
+namespace pll_internal {
+
 namespace {
 
 const char DIGITS_AND_SIGNS[] = "0123456789+-";
@@ -267,3 +269,5 @@ void PLL_TABLE_WATCH::end_table(PLL_FINDING finding)
         tell(m_observer, finding_at(finding, place, ""));
     }
 }
+
+}  // namespace pll_internal

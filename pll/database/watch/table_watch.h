@@ -3,6 +3,8 @@
 
 #include "database/files/table_file.h"
 
+namespace pll_internal {
+
 // The place in a text, as its characters pass.
 class PLL_TEXT_PLACE
 {
@@ -103,3 +105,5 @@ private:
     int m_last_line;            // of the last column
     bool m_is_lone_return;      // all that the line holds so far
 };
+
+}  // namespace pll_internal

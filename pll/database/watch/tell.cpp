@@ -1,6 +1,10 @@
 #include "database/watch/tell.h"
 
+using namespace pll_internal;
+
 PLL_READ_OBSERVER::~PLL_READ_OBSERVER() = default;
+
+namespace pll_internal {
 
 void tell(PLL_READ_OBSERVER* observer, const PLL_READ_FINDING& finding) noexcept
 {
@@ -19,3 +23,5 @@ void tell(PLL_READ_OBSERVER* observer, const PLL_READ_STATEMENT& statement) noex
         return;
     }
 }
+
+}  // namespace pll_internal

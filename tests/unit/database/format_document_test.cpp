@@ -18,6 +18,8 @@
 #include <string>
 #include <vector>
 
+using namespace pll_internal;
+
 namespace {
 
 const std::string DOCUMENT = read_file(PLL_DOCS_DIR "/database-format.md");

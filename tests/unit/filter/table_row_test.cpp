@@ -13,6 +13,8 @@
 #include <string>
 #include <vector>
 
+using namespace pll_internal;
+
 namespace {
 
 constexpr double MEGAHERTZ = 1e6;

@@ -8,6 +8,8 @@
 #include <numeric>
 #include <vector>
 
+using namespace pll_internal;
+
 namespace {
 
 typedef std::vector<FAREY_FRACTION> FRACTIONS;

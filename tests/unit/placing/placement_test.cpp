@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace pll_internal;
+
 namespace {
 
 constexpr int OUTPUTS = 4;

@@ -13,6 +13,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+using namespace pll_internal;
+
 namespace {
 
 void append_to(const std::string& path)

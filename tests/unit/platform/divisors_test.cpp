@@ -5,6 +5,8 @@
 
 #include <random>
 
+using namespace pll_internal;
+
 namespace {
 
 std::uint32_t plain_divisor_from(std::uint32_t number, std::uint32_t least)

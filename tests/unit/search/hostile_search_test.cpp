@@ -11,6 +11,8 @@
 
 #include <limits>
 
+using namespace pll_internal;
+
 namespace {
 
 constexpr int MILLION = 1000000;

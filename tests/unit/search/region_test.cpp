@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace pll_internal;
+
 namespace {
 
 constexpr int M_MAX = 40;

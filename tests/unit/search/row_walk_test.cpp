@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace pll_internal;
+
 namespace {
 
 // One output at the frequency of the input, of an even count if possible. M 2 is the one setting of

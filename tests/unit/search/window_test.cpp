@@ -5,6 +5,8 @@
 
 #include <vector>
 
+using namespace pll_internal;
+
 namespace {
 
 bool is_legal(const ROW_PERIODS& periods, std::int64_t n)

@@ -8,6 +8,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace pll_internal;
+
 namespace {
 
 constexpr int NO_CUT_OFF = 2;

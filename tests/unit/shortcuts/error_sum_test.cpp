@@ -16,6 +16,8 @@
 #include <cmath>
 #include <vector>
 
+using namespace pll_internal;
+
 namespace {
 
 constexpr int M_MAX = 60;

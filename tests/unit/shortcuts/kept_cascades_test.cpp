@@ -8,6 +8,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace pll_internal;
+
 namespace {
 
 // A PLL whose `outputs` clocks are at 1 / `div` of the input, with halves of `max_count` each.

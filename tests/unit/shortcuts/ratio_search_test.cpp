@@ -21,6 +21,8 @@
 #include <sstream>
 #include <string>
 
+using namespace pll_internal;
+
 namespace {
 
 // Everything that a search leaves, doubles to the last digit.

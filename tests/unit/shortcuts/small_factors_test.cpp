@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace pll_internal;
+
 namespace {
 
 TEST(SmallFactors, AreThoseThatDivide)

@@ -20,6 +20,8 @@
 #include <sstream>
 #include <string>
 
+using namespace pll_internal;
+
 namespace {
 
 const int BITS_OF_A_BYTE = 8;

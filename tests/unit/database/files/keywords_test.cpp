@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+using namespace pll_internal;
+
 namespace {
 
 typedef PLL_BASIC_INFO BASIC;
