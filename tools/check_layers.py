@@ -38,8 +38,8 @@ ORDER = """\
 include/  pll_info.h < pll.h < pll_prop.h, pll_util.h, pll_manager.h < *
 pll/      platform < device < loop < clocks < placing, filter < search < shortcuts, listing < synthesis
 pll/      clocks < database
-advice/   numbers < sheets < request < limits < verdict < answer < why, verify, primitive
-app/      numbers < output, words < devices < request < answer < reports, lint < command < main.cpp
+advice/   numbers < sheets < request < limits < verdict < answer < verify, primitive < why
+app/      numbers < output, words < devices < request < answer < json < reports, lint < command < main.cpp
 """
 
 # Headers with a name like those of C, which are of the system.
