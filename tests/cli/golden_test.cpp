@@ -13,6 +13,7 @@
 namespace {
 
 const std::string PROMPT = "$ pllcalc";
+constexpr std::size_t LEAST_TRANSCRIPTS = 10;
 
 // The transcript with its commands run anew; lines before the first command are kept.
 std::string replay(const std::string& transcript)
@@ -42,6 +43,11 @@ std::vector<std::string> list_transcripts()
     }
     std::sort(names.begin(), names.end());
     return names;
+}
+
+TEST(CliTranscripts, AreAllFound)
+{
+    EXPECT_LE(LEAST_TRANSCRIPTS, list_transcripts().size());
 }
 
 class CLI_TRANSCRIPT : public testing::TestWithParam<std::string>

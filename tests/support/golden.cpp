@@ -9,7 +9,7 @@
 
 std::string golden_path(const std::string& file_name)
 {
-    return std::string(PLL_GOLDEN_DIR) + "/" + file_name;
+    return std::filesystem::path(PLL_GOLDEN_DIR) / file_name;
 }
 
 void expect_golden(const std::string& actual, const std::string& file_name)
@@ -17,6 +17,7 @@ void expect_golden(const std::string& actual, const std::string& file_name)
     const std::string path = golden_path(file_name);
     if (std::getenv("PLL_UPDATE_GOLDEN") != nullptr) {
         write_file(path, actual);
+        ADD_FAILURE() << path << " is written; without PLL_UPDATE_GOLDEN it is compared";
         return;
     }
     ASSERT_TRUE(std::filesystem::exists(path)) << path << " does not exist";
