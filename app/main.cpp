@@ -1,8 +1,10 @@
 // pllcalc: computes the settings of a phase-locked loop from the clocks that are wanted.
 
-#include "app/answer/answer.h"
+#include "advice/why/miss.h"
 #include "app/command/command_line.h"
 #include "app/devices/device.h"
+#include "app/devices/limit_sources.h"
+#include "app/devices/new_device.h"
 #include "app/lint/lint.h"
 #include "app/output/characters.h"
 #include "app/output/input_error.h"
@@ -12,6 +14,7 @@
 #include "app/words/quantity.h"
 #include "app/words/usage_error.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <limits>
 #include <memory>
@@ -52,7 +55,8 @@ EXIT_STATUS list_ratios(const COMMAND_LINE& line, std::string* text)
     }
     int count = 0;
     const std::unique_ptr<DEVICE> device = open_device(line.m_device);
-    *text = report_ratios(read_input("--in", *line.m_request.m_in), device.get(), line.m_list_form,
+    *text = report_ratios(read_input("--in", *line.m_request.m_in),
+                          *make_limits(device.get(), read_limits(line.m_limits)), line.m_list_form,
                           &count);
     if (count == 0) {
         write_error("no VCO ratio can be realised from this input clock");
@@ -74,6 +78,13 @@ EXIT_STATUS show_device(const COMMAND_LINE& line, std::string* text)
     return STATUS_MET;
 }
 
+// A database that is named and not used would go unseen.
+std::string note_unused_database(const DEVICE_WORDS& words)
+{
+    const std::optional<std::string> note = find_unused_database(words);
+    return note ? "\nNOTE: " + make_visible(*note) + "\n" : "";
+}
+
 bool has_request(const REQUEST_WORDS& words)
 {
     return !(words == REQUEST_WORDS());
@@ -93,11 +104,14 @@ std::string join_lines(std::string text)
 EXIT_STATUS choose_row(const COMMAND_LINE& line, std::string* text)
 {
     const std::unique_ptr<DEVICE> device = require_device(line.m_device);
-    const REQUEST request = read_request(line.m_request, device.get());
-    const ANSWER answer(request);
+    const REQUEST request = read_request(line.m_request, line.m_limits, device.get());
+    const ANSWER answer(request, *request.m_limits, advice::EFFORT::THOROUGH);
     *text = report_choices(request, answer, line.m_list_form);
     if (line.m_list_form != LIST_FORM::TABLE) {
-        for (const std::string& reason : explain_miss(request, answer)) {
+        if (!answer.is_met()) {
+            write_error(advice::headline(request, answer.get_verdict()).c_str());
+        }
+        for (const std::string& reason : advice::explain_miss(request, *request.m_limits, answer)) {
             write_error(join_lines(reason).c_str());
         }
     }
@@ -128,16 +142,39 @@ EXIT_STATUS show_table(const COMMAND_LINE& line, std::string* text)
 EXIT_STATUS answer_request(const COMMAND_LINE& line, std::string* text)
 {
     const std::unique_ptr<DEVICE> device = open_device(line.m_device);
-    const REQUEST request = read_request(line.m_request, device.get());
-    const ANSWER answer(request);
+    const REQUEST request = read_request(line.m_request, line.m_limits, device.get());
+    const ANSWER answer(request, *request.m_limits, advice::EFFORT::THOROUGH);
+    const std::vector<advice::JUDGED_LIMIT>& judged = answer.get_verdict().m_limits;
+    const bool is_broken =
+        std::any_of(judged.begin(), judged.end(),
+                    [](const advice::JUDGED_LIMIT& limit) { return !limit.m_kept; });
+    if (is_broken && device != nullptr) {
+        name_sources(*device, request.m_limits.get());
+    }
     if (line.m_command == COMMAND::STEPS) {
         *text = report_steps(request, answer);
     } else if (line.m_command == COMMAND::DUMP) {
         *text = report_dump(request, answer, line.m_dump_form);
+    } else if (line.m_is_summary) {
+        *text = report_summary(request, answer);
     } else {
-        *text = report_synthesis(request, answer);
+        *text = report_synthesis(request, answer) + note_unused_database(line.m_device);
     }
     return answer.is_met() ? STATUS_MET : STATUS_NOT_MET;
+}
+
+EXIT_STATUS list_limits(const COMMAND_LINE& line, std::string* text)
+{
+    const std::unique_ptr<DEVICE> device = open_device(line.m_device);
+    const auto limits = make_limits(device.get(), read_limits(line.m_limits));
+    if (device != nullptr) {
+        name_sources(*device, limits.get());
+    }
+    *text = report_limits(*limits, line.m_list_form);
+    if (line.m_list_form == LIST_FORM::TABLE) {
+        *text += note_unused_database(line.m_device);
+    }
+    return STATUS_MET;
 }
 
 EXIT_STATUS lint_database(const LINT_REQUEST& request, std::string* text)
@@ -175,6 +212,11 @@ EXIT_STATUS run_command(int count, const char* const* words, std::string* text)
         return show_device(*line, text);
     case COMMAND::TABLE:
         return show_table(*line, text);
+    case COMMAND::LIMITS:
+        return list_limits(*line, text);
+    case COMMAND::NEW_DEVICE:
+        *text = write_new_device(line->m_new_device);
+        return STATUS_MET;
     case COMMAND::LINT:
         return lint_database(line->m_lint, text);
     case COMMAND::SYNTH:

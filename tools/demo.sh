@@ -28,10 +28,10 @@ show 0 "A video clock pair from a 27 MHz oscillator, the second in quadrature, a
 show 0 "An audio clock from the video crystal: not exact, but within 50 ppm" \
     synth --in 27MHz --out 24.576MHz --tolerance 50ppm
 
-show 0 "A low-bandwidth clock whose spectrum is spread by half a percent" \
-    synth --in 100MHz --out 50MHz --spread 0.5% --spread-rate 30kHz --bandwidth low
+show 0 "A clock whose spectrum is spread by half a percent" \
+    synth --in 100MHz --out 50MHz --spread 0.5% --spread-rate 30kHz
 
-show 1 "Video and audio clocks from one PLL: impossible, with what comes closest" \
+show 1 "Video and audio clocks from one PLL: impossible, with what is missed" \
     synth --in 27MHz --out 148.5MHz --out 24.576MHz
 
 database=(--database data/sample)

@@ -35,7 +35,7 @@ enum class LIMIT_KIND
     K_INITIAL_MAX,
     M_TAP_MAX,  // phase taps of the VCO
     K_TAP_MAX,
-    K_TAP_RESOLUTION,  // phase taps are multiples of it
+    K_TAP_RESOLUTION,  // VCO degrees that phase taps are multiples of
     M_TAP_RESOLUTION,
     VCO_TAPS,          // the legal ones, of M and outputs
     OUTPUTS_MAX,       // output counters, cascades counted

@@ -140,10 +140,10 @@ void LIMITS::remove(LIMIT_KIND kind, int post_scale)
     });
 }
 
-void LIMITS::set_source(LIMIT_KIND kind, int post_scale, const std::string& source)
+void LIMITS::set_source(const std::string& keyword, const std::string& source)
 {
     for (LIMIT& limit : m_list) {
-        if (limit.m_kind == kind && limit.m_post_scale == post_scale) {
+        if (limit.m_keyword == keyword) {
             limit.m_source = source;
         }
     }

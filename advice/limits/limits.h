@@ -69,8 +69,8 @@ public:
     // Takes a limit away.
     void remove(LIMIT_KIND kind, int post_scale = 0);
 
-    // Says where a limit comes from: "devices/chervil.txt:12".
-    void set_source(LIMIT_KIND kind, int post_scale, const std::string& source);
+    // Says where the limits of a keyword come from: "devices/chervil.txt:12".
+    void set_source(const std::string& keyword, const std::string& source);
 
     // Rules beside the list; not owned, null for none.
     void set_rules(const EXTRA_RULES* rules) { m_rules = rules; }

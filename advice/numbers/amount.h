@@ -18,6 +18,13 @@ struct AMOUNT
     double m_value = 0.0;  // not a number: there is none
 };
 
+// a x b: exact where that fits, else a double.
+inline AMOUNT product(const RATIONAL& a, const RATIONAL& b)
+{
+    const RATIONAL exact = a * b;
+    return exact.is_valid() ? AMOUNT(exact) : AMOUNT(a.to_double() * b.to_double());
+}
+
 // Exact where both sides are, else in doubles.
 inline bool is_less(const AMOUNT& a, const AMOUNT& b)
 {

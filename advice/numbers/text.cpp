@@ -15,6 +15,7 @@ constexpr double PPM = 1e-6;
 constexpr double PERCENT = 1e-2;
 constexpr double SMALLEST_IN_PERCENT = 1e-3;
 constexpr int PERCENT_DECIMALS = 3;
+constexpr int PART_DECIMALS = 3;
 
 struct UNIT
 {
@@ -52,13 +53,16 @@ const char* name_of(FREQUENCY_UNIT unit)
     return facts_of(unit).m_name;
 }
 
-std::string write_frequency_number(const RATIONAL& hertz, FREQUENCY_UNIT unit)
+std::string write_frequency_number(const AMOUNT& hertz, FREQUENCY_UNIT unit)
 {
     const UNIT& facts = facts_of(unit);
     const RATIONAL scale(power_of_ten(facts.m_exponent));
-    const RATIONAL value = facts.m_is_period ? scale / hertz : hertz / scale;
+    const RATIONAL value = facts.m_is_period ? scale / hertz.m_exact : hertz.m_exact / scale;
     if (!value.is_valid()) {
-        return "-";
+        const double rounded = facts.m_is_period ? scale.to_double() / hertz.m_value
+                                                 : hertz.m_value / scale.to_double();
+        const std::string text = write_number(rounded, FREQUENCY_DECIMALS);
+        return text == "-" ? text : "~" + text;
     }
     const RATIONAL smallest(1, power_of_ten(FREQUENCY_DECIMALS));
     const bool is_exact = (value / smallest).is_integer();
@@ -67,7 +71,7 @@ std::string write_frequency_number(const RATIONAL& hertz, FREQUENCY_UNIT unit)
     return (is_exact ? "" : "~") + text;
 }
 
-std::string write_frequency(const RATIONAL& hertz, FREQUENCY_UNIT unit)
+std::string write_frequency(const AMOUNT& hertz, FREQUENCY_UNIT unit)
 {
     return write_frequency_number(hertz, unit) + " " + name_of(unit);
 }
@@ -100,9 +104,9 @@ std::string write_tolerance(double part)
         return write_number(size / PERCENT, PERCENT_DECIMALS) + " %";
     }
     if (size >= PPM || size == 0.0) {
-        return write_number(size / PPM, 1) + " ppm";
+        return write_number(size / PPM, PART_DECIMALS) + " ppm";
     }
-    return write_number(size / PPB, 1) + " ppb";
+    return write_number(size / PPB, PART_DECIMALS) + " ppb";
 }
 
 std::string write_part(double part)

@@ -1,7 +1,7 @@
 // Numbers as texts, the same everywhere and in every locale.
 #pragma once
 
-#include "advice/numbers/rational.h"
+#include "advice/numbers/amount.h"
 
 #include <string>
 
@@ -23,11 +23,11 @@ enum class FREQUENCY_UNIT
 const char* name_of(FREQUENCY_UNIT unit);
 
 // Hertz in a unit, without it: at most six decimals, trailing zeros cut, "~" in front when that is
-// rounded; "-" for what is no frequency.
-std::string write_frequency_number(const RATIONAL& hertz, FREQUENCY_UNIT unit);
+// rounded, as it is for what is no fraction; "-" for what is no frequency.
+std::string write_frequency_number(const AMOUNT& hertz, FREQUENCY_UNIT unit);
 
 // Likewise with the unit: "148.5 MHz".
-std::string write_frequency(const RATIONAL& hertz, FREQUENCY_UNIT unit);
+std::string write_frequency(const AMOUNT& hertz, FREQUENCY_UNIT unit);
 
 // At most `decimals` decimals, trailing zeros cut; "-" for what is not a number or infinite.
 std::string write_number(double value, int decimals);

@@ -11,6 +11,7 @@ namespace advice {
 namespace {
 
 constexpr double PERCENT = 100.0;
+constexpr int TAP_DEGREES = 45;
 constexpr int PS_PER_SECOND_EXPONENT = 12;
 
 RATIONAL period_of(const RATIONAL& frequency)
@@ -18,11 +19,13 @@ RATIONAL period_of(const RATIONAL& frequency)
     return RATIONAL(power_of_ten(PS_PER_SECOND_EXPONENT)) / frequency;
 }
 
-// Whether a frequency's period lies within the 1 ps that the library takes for legal.
-bool is_within_slack(const RATIONAL& value, const RATIONAL& limit)
+// Whether a frequency's period lies within the 1 ps that the library takes for legal; that of an
+// input only by being rounded to whole ps.
+bool is_within_slack(const LIMIT& limit, const RATIONAL& value)
 {
-    const RATIONAL beyond = (period_of(value) - period_of(limit)).magnitude();
-    return beyond <= RATIONAL(1);
+    const bool is_input = limit.m_kind == LIMIT_KIND::INPUT_MAX;
+    const RATIONAL beyond = (period_of(value) - period_of(limit.m_value.m_exact)).magnitude();
+    return beyond <= (is_input ? RATIONAL(1, 2) : RATIONAL(1));
 }
 
 bool is_legal_value(const LIMIT& limit, const RATIONAL& value)
@@ -89,7 +92,7 @@ private:
         judged.m_margin_percent = margin_of(limit, value.m_value);
         judged.m_kept = is_kept(limit, value);
         if (!judged.m_kept && limit.m_has_slack && value.is_exact()) {
-            judged.m_slack_used = is_within_slack(value.m_exact, limit.m_value.m_exact);
+            judged.m_slack_used = is_within_slack(limit, value.m_exact);
             judged.m_kept = judged.m_slack_used;
         }
         m_judged->push_back(judged);
@@ -99,9 +102,9 @@ private:
     // Of a frequency that is `ratio` of the inputs'.
     void judge_inputs(const LIMIT& limit, const RATIONAL& ratio)
     {
-        add(limit, m_input.m_request.m_input.m_frequency * ratio);
+        add(limit, product(m_input.m_request.m_input.m_frequency, ratio));
         if (m_input.m_request.m_input2) {
-            add(limit, m_input.m_request.m_input2->m_frequency * ratio).m_input = 2;
+            add(limit, product(m_input.m_request.m_input2->m_frequency, ratio)).m_input = 2;
         }
     }
 
@@ -135,7 +138,9 @@ private:
                 continue;
             }
             const auto index = static_cast<std::size_t>(i);
-            JUDGED_LIMIT& judged = add(limit, m_input.m_achieved.m_output[index].m_frequency, i);
+            const AMOUNT frequency = product(m_input.m_request.m_input.m_frequency,
+                                             m_input.m_achieved.m_output[index].m_ratio);
+            JUDGED_LIMIT& judged = add(limit, frequency, i);
             judged.m_is_note = is_of_pins && !m_input.m_request.m_outputs[index].m_pin;
         }
     }
@@ -267,11 +272,16 @@ void JUDGEMENTS::judge_setting(const LIMIT& limit)
         judge_counters(limit, [](const PLL_OUTPUT_TAP& tap) { return tap.m_initial; });
         break;
     case LIMIT_KIND::M_TAP_MAX:
-    case LIMIT_KIND::M_TAP_RESOLUTION:
         add(limit, RATIONAL(pll.m_m.m_vco_tap));
         break;
-    case LIMIT_KIND::K_TAP_MAX:
+    case LIMIT_KIND::M_TAP_RESOLUTION:
+        add(limit, RATIONAL(pll.m_m.m_vco_tap * TAP_DEGREES));
+        break;
     case LIMIT_KIND::K_TAP_RESOLUTION:
+        judge_counters(limit,
+                       [](const PLL_OUTPUT_TAP& tap) { return tap.m_vco_tap * TAP_DEGREES; });
+        break;
+    case LIMIT_KIND::K_TAP_MAX:
         judge_counters(limit, [](const PLL_OUTPUT_TAP& tap) { return tap.m_vco_tap; });
         break;
     case LIMIT_KIND::VCO_TAPS:

@@ -95,8 +95,10 @@ private:
         const TOLERANCES tolerances = tolerances_of(m_input.m_request, index);
         const int output = static_cast<int>(index);
         // The miss of the ratio is that of the frequency, and fits where frequencies do not.
-        add(WISH_KIND::FREQUENCY, output, wish.m_frequency, achieved.m_frequency,
-            relative_miss(wish.m_ratio, achieved.m_ratio), tolerances.m_frequency);
+        const RATIONAL& input = m_input.m_request.m_input.m_frequency;
+        add(WISH_KIND::FREQUENCY, output, product(input, wish.m_ratio),
+            product(input, achieved.m_ratio), relative_miss(wish.m_ratio, achieved.m_ratio),
+            tolerances.m_frequency);
         add_phase(index, tolerances.m_phase);
         add(WISH_KIND::DUTY, output, wish.m_duty, achieved.m_duty, achieved.m_duty - wish.m_duty,
             tolerances.m_duty)

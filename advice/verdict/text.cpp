@@ -36,7 +36,7 @@ std::string write_value(const REQUEST& request, const JUDGED_WISH& wish, const A
     };
     switch (wish.m_kind) {
     case WISH_KIND::FREQUENCY:
-        return write_frequency(value.m_exact, unit_of(request, wish.m_output));
+        return write_frequency(value, unit_of(request, wish.m_output));
     case WISH_KIND::PHASE:
         return number(1.0, DEGREE_DECIMALS, " deg");
     case WISH_KIND::DUTY:
@@ -93,7 +93,7 @@ std::string write_limit_value(const REQUEST& request, const LIMIT& limit, int ou
     switch (facts_of(limit.m_kind).m_unit) {
     case LIMIT_UNIT::HZ: {
         const FREQUENCY_UNIT unit = unit_of(request, output);
-        return write_frequency(value.m_exact, unit);
+        return write_frequency(value, unit);
     }
     case LIMIT_UNIT::PS:
         return write_number(value.m_value, 0) + " ps";
@@ -211,6 +211,9 @@ std::string describe_frequencies(const VERDICT& verdict)
     }
     if (inexact == 0) {
         return outputs == 1 ? "the output is exact" : "every output is exact";
+    }
+    if (outputs == 1) {
+        return "the output is off by " + write_part(worst);
     }
     return std::to_string(inexact) + " of " + std::to_string(outputs) +
            " outputs not exact, at most " + write_part(worst);

@@ -13,38 +13,52 @@ namespace {
 
 const char* const PROGRAM_EXAMPLES =
     "Examples:\n"
-    "  pllcalc synth --in 27MHz --out 148.5MHz --out 74.25MHz,phase=90,duty=40\n"
+    "  pllcalc -i 27MHz -o 148.5MHz -o 74.25MHz,phase=90,duty=40\n"
+    "  pllcalc -i 27 -o pix=148.5 -o serial=742.5@90\n"
     "  pllcalc synth --in 100MHz --out ratio=11/2 --spread 0.5% --spread-rate 30kHz\n"
     "  pllcalc ratios --in 100MHz --format csv\n"
-    "  pllcalc synth --help\n"
+    "  pllcalc help synth\n"
     "\n"
     "pllcalc computes the settings of a phase-locked loop from the clocks that are wanted.\n"
     "\n"
-    "Usage: pllcalc COMMAND [OPTIONS]\n"
+    "Usage: pllcalc [COMMAND] [OPTIONS]     (without a command: synth)\n"
     "\n"
     "Commands:\n";
 
 const char* const PROGRAM_OPTIONS =
     "\n"
     "Options:\n"
-    "  -h,--help   this text, or that of a command\n"
-    "  --version   the version\n"
+    "  -h,--help      this text, or that of a command\n"
+    "  -V,--version   the version\n"
     "\n"
     "Exit status: 0 met, 1 not met, 2 bad usage, 4 input or output failed, 5 internal error;\n"
     "of lint: 0 clean, 1 warnings with -Werror, 3 errors, 4 unreadable.\n";
 
 const char* const REQUEST_HELP =
-    "\nEach --out is one output, numbered from 1: a frequency or ratio=A/B to the input, then any "
-    "of\n"
-    "  phase=90         degrees of the output (-360 to 360: a period), or a time such as 1.5ns\n"
-    "  duty=40          percent, whole, 1 to 99\n"
+    "\nEach --out is one output, numbered from 1: a frequency or ratio=A/B to the input, with a\n"
+    "name in front if wanted (pix=148.5MHz), then any of\n"
+    "  phase=90         degrees of the output (-360 to 360: a period), or a time such as 1.5ns;\n"
+    "                   200MHz@90 is short for 200MHz,phase=90\n"
+    "  to=1             the phase counts from output 1, or from one of that name\n"
+    "  duty=33.3        percent, above 0 and below 100\n"
     "  delay=-250       ps, whole, -3000 to 3000\n"
     "  even             a counter without the half period\n"
     "  even-count       even high and low counts\n"
-    "Frequencies are numbers with Hz, kHz, MHz or GHz, or a period with ps, ns or us. Numbers are\n"
-    "decimals or fractions: 148.5MHz, 1001/37MHz, 148.5/1.001MHz. The ratio to the input is "
-    "formed\n"
-    "exactly; the library takes an output within a thousandth for met, see --tolerance.\n";
+    "  pin              it leaves the device, so its limits of external outputs hold\n"
+    "  tolerance=1%     how far its frequency may be off, up to 10%; likewise\n"
+    "                   phase-tolerance=, duty-tolerance=, delay-tolerance=\n"
+    "Frequencies are numbers with Hz, kHz, MHz (or nothing) or GHz, or a period with ps, ns or "
+    "us.\n"
+    "Numbers are decimals or fractions: 148.5MHz, 1001/37MHz, 148.5/1.001MHz.\n"
+    "\n"
+    "MET says that every wish and every limit is kept, compared as exact fractions. Tolerances, "
+    "if\n"
+    "none is given: frequency 100 ppm, phase 1 degree of the output, duty cycle 1 point of "
+    "percent,\n"
+    "bandwidth, spread and its rate 10 %, delay and all else exact.\n";
+
+const char* const LIMITS_HELP =
+    "\nA range by hand replaces the limit in force, wider too: 600-1200MHz, 600MHz- or -1200MHz.\n";
 
 // How much of a device database a command asks for.
 enum class DEVICE_OPTIONS
@@ -107,6 +121,17 @@ const COMMAND_ENTRY COMMANDS[] = {
      "fault);\n"
      "with a request, the rows that it may take, what each costs, and which is taken.",
      true, DEVICE_OPTIONS::DEVICE, true},
+    {"limits", COMMAND::LIMITS, "the limits in force, and where each comes from",
+     "  pllcalc limits\n"
+     "  pllcalc limits --vco 600-1200MHz --m 1-128\n"
+     "  pllcalc limits --database data/sample --family Chervil --part CH30-6 --format csv\n",
+     "Lists the limits in force: built in, of a device with file and line, or by hand.", false,
+     DEVICE_OPTIONS::DEVICE, true},
+    {"new-device", COMMAND::NEW_DEVICE, "a device family to start from, as files with comments",
+     "  pllcalc new-device Mallow --directory mallow\n",
+     "Writes a family file with a comment for each value, and the path file of a database beside "
+     "it.",
+     false, DEVICE_OPTIONS::NONE, false},
     {"errors", COMMAND::ERRORS, "the error values and their texts", "  pllcalc errors\n",
      "Lists the error values and their texts.", false, DEVICE_OPTIONS::NONE, false},
     {"lint", COMMAND::LINT, "what is wrong with the files of a device database", LINT_EXAMPLES,
@@ -138,13 +163,9 @@ const COMMAND_ENTRY& find_command(std::string_view name)
             return entry;
         }
     }
-    const bool is_option = name.substr(0, 1) == "-";
-    throw USAGE_ERROR(
-        name.empty() ? "''" : std::string(name),
-        std::string(is_option ? "unknown option" : "unknown command") + "; legal are " +
-            (is_option ? "--help, --version, or a command first: " : "") + join_commands() +
-            suggest(name, is_option ? std::vector<std::string_view>{"--help", "--version"}
-                                    : list_commands()));
+    throw USAGE_ERROR(name.empty() ? "''" : std::string(name), "unknown command; legal are " +
+                                                                   join_commands() +
+                                                                   suggest(name, list_commands()));
 }
 
 void add_text(CLI::App* app, const char* name, const char* unit, const char* description,
@@ -155,11 +176,31 @@ void add_text(CLI::App* app, const char* name, const char* unit, const char* des
         ->option_text(unit);
 }
 
+void add_tolerance_options(CLI::App* app, REQUEST_WORDS* words)
+{
+    add_text(app, "--tolerance", "PART", "of frequencies, such as 50ppm or 1% (default 100ppm)",
+             &words->m_tolerance);
+    add_text(app, "--phase-tolerance", "DEG", "in degrees of the output (default 1)",
+             &words->m_phase_tolerance);
+    add_text(app, "--duty-tolerance", "POINTS", "in points of percent (default 1)",
+             &words->m_duty_tolerance);
+    add_text(app, "--delay-tolerance", "PS", "of delays (default 0)", &words->m_delay_tolerance);
+    add_text(app, "--bandwidth-tolerance", "PART", "of the bandwidth (default 10%)",
+             &words->m_bandwidth_tolerance);
+    add_text(app, "--spread-tolerance", "PART", "of the spread and of its rate (default 10%)",
+             &words->m_spread_tolerance);
+    app->add_flag("--exact", words->m_exact, "no tolerance for any wish")->disable_flag_override();
+    add_text(app, "--margin", "PERCENT", "warn of a limit that is nearer (default 5)",
+             &words->m_margin);
+    add_text(app, "--phase-margin", "DEG", "warn of a loop with less (default 45)",
+             &words->m_phase_margin);
+}
+
 void add_request_options(CLI::App* app, REQUEST_WORDS* words)
 {
-    add_text(app, "--in", "FREQ", "input clock", &words->m_in);
+    add_text(app, "-i,--in", "FREQ", "input clock", &words->m_in);
     add_text(app, "--in2", "FREQ", "second input clock", &words->m_in2);
-    app->add_option("--out", words->m_outs, "an output; once for each")
+    app->add_option("-o,--out", words->m_outs, "an output; once for each")
         ->option_text("FREQ|ratio=A/B,...")
         ->allow_extra_args(false);
     add_text(app, "--bandwidth", "WHICH", "high, medium, low, auto, or a frequency",
@@ -174,10 +215,24 @@ void add_request_options(CLI::App* app, REQUEST_WORDS* words)
         ->disable_flag_override();
     add_text(app, "--max-outputs", "COUNT", "outputs of the device (default: its own, built in 10)",
              &words->m_max_outputs);
-    add_text(app, "--tolerance", "PART", "largest error of an output, such as 50ppm, for 'met'",
-             &words->m_tolerance);
-    app->add_flag("--exact", words->m_exact, "only exact outputs count as met")
-        ->disable_flag_override();
+    add_tolerance_options(app, words);
+}
+
+void add_limit_options(CLI::App* app, LIMIT_WORDS* words, bool has_m)
+{
+    add_text(app, "--vco", "RANGE", "legal VCO, before its post-scale, such as 600-1200MHz",
+             &words->m_vco);
+    add_text(app, "--pfd", "RANGE", "legal PFD", &words->m_pfd);
+    add_text(app, "--input-range", "RANGE", "legal inputs", &words->m_input_range);
+    add_text(app, "--output-range", "RANGE", "legal outputs", &words->m_output_range);
+    if (has_m) {
+        add_text(app, "--m", "RANGE", "legal counts of M, such as 1-128", &words->m_m);
+    }
+    add_text(app, "--n", "RANGE", "legal counts of N", &words->m_n);
+    add_text(app, "--k", "RANGE", "legal counts of the outputs", &words->m_k);
+    add_text(app, "--post-scales", "LIST", "legal VCO post-scales, such as 1,2",
+             &words->m_post_scales);
+    add_text(app, "--taps", "LIST", "legal VCO phase taps, such as 0-7", &words->m_taps);
 }
 
 void add_device_options(DEVICE_OPTIONS options, CLI::App* app, DEVICE_WORDS* words)
@@ -217,11 +272,29 @@ void add_format_option(CLI::App* app, LIST_FORM* form)
         ->option_text("FORM");
 }
 
+bool takes_limits(const COMMAND_ENTRY& entry)
+{
+    return entry.m_takes_request || entry.m_command == COMMAND::LIMITS ||
+           entry.m_command == COMMAND::RATIOS;
+}
+
 void add_options(const COMMAND_ENTRY& entry, CLI::App* app, COMMAND_LINE* line)
 {
     app->set_help_flag("-h,--help", "this text");
     if (entry.m_takes_request) {
         add_request_options(app, &line->m_request);
+    }
+    if (takes_limits(entry)) {
+        add_limit_options(app, &line->m_limits, entry.m_command != COMMAND::TABLE);
+    }
+    if (entry.m_command == COMMAND::SYNTH) {
+        app->add_flag("--summary", line->m_is_summary, "one line for scripts")
+            ->disable_flag_override();
+    }
+    if (entry.m_command == COMMAND::NEW_DEVICE) {
+        app->add_option("NAME", line->m_new_device.m_name, "of the family");
+        add_text(app, "--directory", "DIR", "where to write it (default: the name, in lower case)",
+                 &line->m_new_device.m_directory);
     }
     if (entry.m_command == COMMAND::DUMP) {
         app->add_flag_callback(
@@ -233,7 +306,7 @@ void add_options(const COMMAND_ENTRY& entry, CLI::App* app, COMMAND_LINE* line)
         add_lint_options(app, &line->m_lint);
     }
     if (entry.m_command == COMMAND::RATIOS) {
-        add_text(app, "--in", "FREQ", "input clock", &line->m_request.m_in);
+        add_text(app, "-i,--in", "FREQ", "input clock", &line->m_request.m_in);
     }
     add_device_options(entry.m_device_options, app, &line->m_device);
     if (entry.m_command == COMMAND::TABLE) {
@@ -243,6 +316,25 @@ void add_options(const COMMAND_ENTRY& entry, CLI::App* app, COMMAND_LINE* line)
         add_format_option(app, &line->m_list_form);
     }
 }
+
+// What is typed as an option and stands elsewhere.
+struct MISPLACED
+{
+    const char* m_option;
+    const char* m_place;
+};
+
+const MISPLACED MISPLACED_OPTIONS[] = {
+    {"--phase", "a phase stands with its output: --out 100MHz,phase=90"},
+    {"--duty", "a duty cycle stands with its output: --out 100MHz,duty=40"},
+    {"--delay", "a delay stands with its output: --out 100MHz,delay=250"},
+    {"--pin", "'pin' stands with its output: --out 100MHz,pin"},
+    {"--even", "'even' stands with its output: --out 100MHz,even"},
+    {"--ratio", "a ratio stands in the place of a frequency: --out ratio=11/2"},
+    {"--format", "of lists: ratios, devices, device, table, limits; for one line see --summary"},
+    {"--json", "lists have --format json"},
+    {"--device", "a device is named by --database, --family and --part"},
+};
 
 // The first word that no option took.
 [[noreturn]] void refuse_extra(CLI::App* app)
@@ -259,6 +351,11 @@ void add_options(const COMMAND_ENTRY& entry, CLI::App* app, COMMAND_LINE* line)
         }
     }
     const std::string name = word.substr(0, word.find('='));
+    for (const MISPLACED& misplaced : MISPLACED_OPTIONS) {
+        if (name == misplaced.m_option) {
+            throw USAGE_ERROR(name, std::string("unknown option; ") + misplaced.m_place);
+        }
+    }
     const std::string nearest = suggest(name, {names.begin(), names.end()});
     const std::string help = "; see " + app->get_name() + " --help";
     throw USAGE_ERROR(name, "unknown option" + (nearest.empty() ? help : nearest));
@@ -294,7 +391,7 @@ void refuse_empty_values(CLI::App* app, int count, const char* const* words)
 
 std::string write_program_help()
 {
-    constexpr std::size_t NAME_WIDTH = 9;
+    constexpr std::size_t NAME_WIDTH = 12;
     std::string text = PROGRAM_EXAMPLES;
     for (const COMMAND_ENTRY& entry : COMMANDS) {
         std::string name = entry.m_name;
@@ -309,7 +406,7 @@ std::string write_help(const COMMAND_ENTRY& entry, CLI::App* app)
     constexpr std::size_t NAME_WIDTH = 34;
     app->get_formatter()->column_width(NAME_WIDTH);
     return "Examples:\n" + std::string(entry.m_examples) + "\n" + app->help() +
-           (entry.m_takes_request ? REQUEST_HELP : "");
+           (entry.m_takes_request ? REQUEST_HELP : "") + (takes_limits(entry) ? LIMITS_HELP : "");
 }
 
 bool parse(const COMMAND_ENTRY& entry, int count, const char* const* words, COMMAND_LINE* line,
@@ -351,18 +448,28 @@ std::optional<COMMAND_LINE> read_command_line(int count, const char* const* word
                           "missing; legal are " + join_commands() + " (see pllcalc --help)");
     }
     const std::string_view name = words[1];
-    if (name == "--help" || name == "-h" || name == "help") {
+    const bool asks_for_help = name == "--help" || name == "-h" || name == "help";
+    if (asks_for_help && count == 2) {
         *help = write_program_help();
         return std::nullopt;
     }
-    if (name == "--version") {
+    if (name == "--version" || name == "-V") {
         *help = "pllcalc " PLLCALC_VERSION "\n";
         return std::nullopt;
     }
-    const COMMAND_ENTRY& entry = find_command(name);
     COMMAND_LINE line;
+    if (asks_for_help) {
+        const COMMAND_ENTRY& entry = find_command(words[2]);
+        const char* const option[] = {words[2], "--help"};
+        parse(entry, static_cast<int>(std::size(option)), option, &line, help);
+        return std::nullopt;
+    }
+    // Without a command, options are those of synth.
+    const bool is_option = name.substr(0, 1) == "-";
+    const COMMAND_ENTRY& entry = find_command(is_option ? "synth" : name);
     line.m_command = entry.m_command;
-    if (!parse(entry, count - 1, words + 1, &line, help)) {
+    const int skipped = is_option ? 0 : 1;
+    if (!parse(entry, count - skipped, words + skipped, &line, help)) {
         return std::nullopt;
     }
     return line;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "app/devices/device.h"
+#include "app/devices/new_device.h"
 #include "app/lint/lint.h"
 #include "app/reports/reports.h"
 #include "app/request/request.h"
@@ -18,6 +19,8 @@ enum class COMMAND
     DEVICES,
     DEVICE,
     TABLE,
+    LIMITS,
+    NEW_DEVICE,
     ERRORS,
     LINT
 };
@@ -26,7 +29,10 @@ struct COMMAND_LINE
 {
     COMMAND m_command;
     REQUEST_WORDS m_request;  // of ratios, the input alone
+    LIMIT_WORDS m_limits;
     DEVICE_WORDS m_device;
+    NEW_DEVICE_WORDS m_new_device;
+    bool m_is_summary = false;
     std::optional<std::string> m_effective_m;  // of table, the M whose rows are wanted
     DUMP_FORM m_dump_form = DUMP_FORM::FULL;
     LIST_FORM m_list_form = LIST_FORM::TABLE;

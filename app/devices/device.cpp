@@ -9,6 +9,7 @@
 #include "pll_observer.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <new>
 
 namespace {
@@ -295,10 +296,10 @@ int DEVICE::get_max_outputs() const
     return std::min(count, PLL_MAX_TAPS);
 }
 
-void DEVICE::init(PLL* pll) const
+void DEVICE::give_to(advice::LIMITS* limits) const
 {
     require_limits(m_info, get_basic_family(), name_of_type(m_type));
-    if (!m_database.get_manager()->init_pll(pll, query())) {
+    if (!limits->take_device(m_database.get_manager(), query())) {
         throw std::bad_alloc();
     }
 }
@@ -309,6 +310,18 @@ std::unique_ptr<DEVICE> open_device(const DEVICE_WORDS& words)
         return nullptr;
     }
     return require_device(words);
+}
+
+std::optional<std::string> find_unused_database(const DEVICE_WORDS& words)
+{
+    const std::optional<std::string> directory = find_database(std::nullopt);
+    if (!directory || names_device(words)) {
+        return std::nullopt;
+    }
+    std::error_code error;
+    const bool is_there = std::filesystem::is_directory(*directory, error);
+    return std::string(DATABASE_VARIABLE) + " is set to " + *directory +
+           (is_there ? ", which is not used: no option names a device" : ", which does not exist");
 }
 
 std::string require_database(const DEVICE_WORDS& words)

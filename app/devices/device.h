@@ -2,6 +2,7 @@
 // that the design must fit too.
 #pragma once
 
+#include "advice/limits/limits.h"
 #include "app/devices/database.h"
 
 #include "pll_info.h"
@@ -11,8 +12,6 @@
 #include <optional>
 #include <string>
 #include <vector>
-
-class PLL;
 
 // What the command line holds, unread.
 struct DEVICE_WORDS
@@ -49,12 +48,13 @@ public:
     // library takes them from.
     const PLL_INFO& get_info() const { return m_info; }
     const PLL_BASIC_INFO& get_basic_info() const { return *m_info.m_basic_info; }
+    const std::string& get_directory() const { return m_database.get_directory(); }
     const char* get_basic_family() const;
     int get_max_outputs() const;
 
-    // Gives the limits and components to a PLL. Throws an INPUT_ERROR when the database leaves out
-    // what no PLL can be set without.
-    void init(PLL* pll) const;
+    // Makes the limits and components those in force. Throws an INPUT_ERROR when the database
+    // leaves out what no PLL can be set without.
+    void give_to(advice::LIMITS* limits) const;
 
 private:
     void add_entry(const PLL_FAMILY_INFO& family, const std::optional<std::string>& part,
@@ -74,6 +74,9 @@ private:
 // another word names a device, so that it does not change requests that name none. Throws as DEVICE
 // does.
 std::unique_ptr<DEVICE> open_device(const DEVICE_WORDS& words);
+
+// What to say of a database in the environment that no word makes use of, or that is not there.
+std::optional<std::string> find_unused_database(const DEVICE_WORDS& words);
 
 // The directory of the database; a USAGE_ERROR when neither the words nor the environment name one.
 std::string require_database(const DEVICE_WORDS& words);

@@ -30,13 +30,11 @@ std::string report_dump(const REQUEST& request, const ANSWER& answer, DUMP_FORM 
     return stream.str();
 }
 
-std::string report_ratios(const INPUT_CLOCK& input, const DEVICE* device, LIST_FORM form,
+std::string report_ratios(const INPUT_CLOCK& input, const advice::LIMITS& limits, LIST_FORM form,
                           int* count)
 {
     PLL pll(1, PLL_MAX_TAPS);
-    if (device != nullptr) {
-        device->init(&pll);
-    }
+    limits.give_to(&pll, advice::REQUEST());
     int* mults = nullptr;
     int* divs = nullptr;
     *count = pll.find_vco_mult_div_values(&mults, &divs, input.m_library_period);

@@ -1,6 +1,7 @@
 #include "app/reports/loop_filter.h"
 
-#include "app/answer/table_choice.h"
+#include "advice/verdict/achieved.h"
+#include "advice/why/table_choice.h"
 #include "app/output/format.h"
 #include "app/output/text_table.h"
 
@@ -10,12 +11,12 @@ constexpr int KHZ_DECIMALS = 3;
 constexpr int RESULT_DECIMALS = 2;
 constexpr int COMPONENT_DECIMALS = 1;
 
-std::string name_of_bandwidth(const PLL_PROP& asked)
+std::string name_of_bandwidth(const REQUEST& request)
 {
-    if (asked.m_bandwidth_type == BANDWIDTH_CUSTOM) {
-        return format_fixed(asked.m_bandwidth / HZ_PER_KHZ, KHZ_DECIMALS);
+    if (request.m_bandwidth_kind == advice::BANDWIDTH_KIND::CUSTOM) {
+        return format_fixed(request.m_bandwidth.to_double() / HZ_PER_KHZ, KHZ_DECIMALS);
     }
-    return BANDWIDTH_WORDS[asked.m_bandwidth_type];
+    return BANDWIDTH_WORDS[static_cast<std::size_t>(request.m_bandwidth_kind)];
 }
 
 void append_computed(const REQUEST& request, const ANSWER& answer, std::string* text)
@@ -27,16 +28,17 @@ void append_computed(const REQUEST& request, const ANSWER& answer, std::string* 
                       {"bandwidth", "asked kHz", ALIGN::RIGHT},
                       {"achieved", "kHz", ALIGN::RIGHT},
                       {"zero", "kHz", ALIGN::RIGHT},
-                      {"pole", "kHz", ALIGN::RIGHT}});
+                      {"pole", "kHz", ALIGN::RIGHT},
+                      {"margin", "deg", ALIGN::RIGHT}});
     const PLL& pll = answer.get_pll();
     const PLL_PROP& achieved = answer.get_achieved();
-    table.add_row({format_fixed(pll.m_r, COMPONENT_DECIMALS),
-                   format_fixed(pll.m_c_fixed, COMPONENT_DECIMALS),
-                   format_fixed(pll.m_c_high, COMPONENT_DECIMALS),
-                   format_fixed(pll.m_i, COMPONENT_DECIMALS), name_of_bandwidth(request.m_prop),
-                   format_fixed(achieved.m_bandwidth / HZ_PER_KHZ, KHZ_DECIMALS),
-                   format_fixed(achieved.m_f_zero / HZ_PER_KHZ, KHZ_DECIMALS),
-                   format_fixed(achieved.m_f_pole / HZ_PER_KHZ, KHZ_DECIMALS)});
+    table.add_row(
+        {format_fixed(pll.m_r, COMPONENT_DECIMALS), format_fixed(pll.m_c_fixed, COMPONENT_DECIMALS),
+         format_fixed(pll.m_c_high, COMPONENT_DECIMALS), format_fixed(pll.m_i, COMPONENT_DECIMALS),
+         name_of_bandwidth(request), format_fixed(achieved.m_bandwidth / HZ_PER_KHZ, KHZ_DECIMALS),
+         format_fixed(achieved.m_f_zero / HZ_PER_KHZ, KHZ_DECIMALS),
+         format_fixed(achieved.m_f_pole / HZ_PER_KHZ, KHZ_DECIMALS),
+         format_fixed(advice::find_phase_margin(achieved), RESULT_DECIMALS)});
     table.append_to(text);
 }
 
@@ -56,7 +58,7 @@ void append_components(const REQUEST& request, const ANSWER& answer, std::string
     table.add_row({format_fixed(pll.m_r, COMPONENT_DECIMALS),
                    format_fixed(pll.m_c_fixed, COMPONENT_DECIMALS),
                    format_fixed(pll.m_c_high, COMPONENT_DECIMALS),
-                   format_fixed(pll.m_i, COMPONENT_DECIMALS), name_of_bandwidth(request.m_prop)});
+                   format_fixed(pll.m_i, COMPONENT_DECIMALS), name_of_bandwidth(request)});
     table.append_to(text);
 }
 
@@ -64,8 +66,8 @@ void append_row(const REQUEST& request, const ANSWER& answer, std::string* text)
 {
     const PLL& pll = answer.get_pll();
     const PLL_PROP& achieved = answer.get_achieved();
-    const std::string m = "effective M " + std::to_string(effective_m(pll));
-    if (!pll.m_bandwidth_legal_for_mult_div) {
+    const std::string m = "effective M " + std::to_string(advice::effective_m(pll));
+    if (!pll.m_bandwidth_legal_for_mult_div || advice::find_row(pll) == nullptr) {
         *text += "The table has no row for " + m + "; these components give " +
                  format_bandwidth(achieved.m_bandwidth) + " kHz.\n";
         return;
@@ -79,19 +81,20 @@ void append_row(const REQUEST& request, const ANSWER& answer, std::string* text)
                       {"bandwidth", "kHz", ALIGN::RIGHT},
                       {"phase margin", "deg", ALIGN::RIGHT},
                       {"jitter peaking", "dB", ALIGN::RIGHT}});
-    table.add_row({"typical", format_bandwidth(achieved.m_bandwidth),
-                   format_given(achieved.m_phase_margin, RESULT_DECIMALS),
-                   format_given(achieved.m_jitter_peak, RESULT_DECIMALS)});
-    table.add_row({"lowest corner", format_bandwidth(achieved.m_bandwidth_min),
-                   format_given(achieved.m_phase_margin_min, RESULT_DECIMALS),
-                   format_given(achieved.m_jitter_peak_min, RESULT_DECIMALS)});
-    table.add_row({"highest corner", format_bandwidth(achieved.m_bandwidth_max),
-                   format_given(achieved.m_phase_margin_max, RESULT_DECIMALS),
-                   format_given(achieved.m_jitter_peak_max, RESULT_DECIMALS)});
+    const PLL_BANDWIDTH_SETTING& row = *advice::find_row(pll);
+    table.add_row({"typical", format_bandwidth(row.m_typical_bandwidth),
+                   format_given(row.m_typical_phase_margin, RESULT_DECIMALS),
+                   format_given(row.m_typical_jitter_peaking, RESULT_DECIMALS)});
+    table.add_row({"fast", format_bandwidth(row.m_fast_bandwidth),
+                   format_given(row.m_fast_phase_margin, RESULT_DECIMALS),
+                   format_given(row.m_fast_jitter_peaking, RESULT_DECIMALS)});
+    table.add_row({"slow", format_bandwidth(row.m_slow_bandwidth),
+                   format_given(row.m_slow_phase_margin, RESULT_DECIMALS),
+                   format_given(row.m_slow_jitter_peaking, RESULT_DECIMALS)});
     table.append_to(text);
     if (pll.m_info.m_basic_info->m_bandwidth_pfd_min_frequency_multiplier > 0) {
         *text += std::string(pll.m_bandwidth_legal_for_fin ? "Within" : "BEYOND") + " the " +
-                 format_bandwidth(largest_bandwidth(request, pll)) +
+                 format_bandwidth(advice::largest_bandwidth(request, pll)) +
                  " kHz that the PFD allows at the fast corner.\n";
     }
 }
@@ -100,7 +103,8 @@ void append_row(const REQUEST& request, const ANSWER& answer, std::string* text)
 
 void append_loop_filter(const REQUEST& request, const ANSWER& answer, std::string* text)
 {
-    if (!uses_table(answer.get_pll())) {
+    *text += "Loop filter\n";
+    if (!advice::uses_table(answer.get_pll())) {
         append_computed(request, answer, text);
         return;
     }

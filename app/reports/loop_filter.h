@@ -1,7 +1,7 @@
 // The loop filter of an answer.
 #pragma once
 
-#include "app/answer/answer.h"
+#include "app/request/request.h"
 
 #include <string>
 

@@ -1,3 +1,4 @@
+#include "advice/why/miss.h"
 #include "app/devices/origin.h"
 #include "app/output/format.h"
 #include "app/output/text_table.h"
@@ -28,10 +29,10 @@ std::vector<MET_LIMIT> list_met_limits(const REQUEST& request, const ANSWER& ans
 {
     const PLL& pll = answer.get_pll();
     const INPUT_CLOCK* const input = &request.m_input;
-    const int post_scale = settled_post_scale(request, answer);
+    const int post_scale = advice::settled_post_scale(request, answer);
     const std::string suffix = "_post_scale " + std::to_string(post_scale);
     const bool is_spread =
-        vco_max_period(request, pll, post_scale) != pll.get_vco_max_period(post_scale);
+        advice::vco_max_period(request, pll, post_scale) != pll.get_vco_max_period(post_scale);
     const double pfd_period = double(request.m_prop.m_fin_period) * pll.get_n();
     std::vector<MET_LIMIT> limits = {
         {"VCO highest", "vco_min" + suffix, input, pll.get_vco_period()},

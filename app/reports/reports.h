@@ -1,7 +1,6 @@
 // What the commands print, as texts of at most 100 columns.
 #pragma once
 
-#include "app/answer/answer.h"
 #include "app/devices/device.h"
 #include "app/output/record_list.h"
 #include "app/request/request.h"
@@ -21,15 +20,23 @@ std::string report_synthesis(const REQUEST& request, const ANSWER& answer);
 // "MET" or "NOT MET" with the reasons.
 std::string report_verdict(const REQUEST& request, const ANSWER& answer);
 
+// One line for scripts: "MET n=1 m=22 post_scale=1 vco=594MHz pix=148.5MHz,exact".
+std::string report_summary(const REQUEST& request, const ANSWER& answer);
+
+// How near an answer runs to each limit.
+void append_margins(const REQUEST& request, const ANSWER& answer, std::string* text);
+
+// The limits in force, with where each comes from.
+std::string report_limits(const advice::LIMITS& limits, LIST_FORM form);
+
 // The legal phase steps and duty cycles around the answer, for each output.
 std::string report_steps(const REQUEST& request, const ANSWER& answer);
 
 // The library's own reports of request, settings and achieved properties.
 std::string report_dump(const REQUEST& request, const ANSWER& answer, DUMP_FORM form);
 
-// All VCO ratios that a device, or none: the built-in limits, can realise from an input clock;
-// `count` receives how many.
-std::string report_ratios(const INPUT_CLOCK& input, const DEVICE* device, LIST_FORM form,
+// All VCO ratios that the limits allow from an input clock; `count` receives how many.
+std::string report_ratios(const INPUT_CLOCK& input, const advice::LIMITS& limits, LIST_FORM form,
                           int* count);
 
 // The parts of a database, or of one family of it, with their ranges. Families that cannot be read

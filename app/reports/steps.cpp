@@ -25,12 +25,14 @@ std::string neighbour(double value, double step, int steps, double lowest, doubl
 void append_output(const REQUEST& request, const ANSWER& answer, int output, std::string* text)
 {
     const PLL& pll = answer.get_pll();
-    const PLL_USER_TAP& asked = request.m_prop.m_taps[output];
+    const OUTPUT_WISH& wish = request.m_outputs[static_cast<std::size_t>(output)];
+    const double duty = pll.find_duty_cycle(output);
     const OUTPUT_PHASE& phase = answer.get_outputs()[static_cast<std::size_t>(output)].m_phase;
     const double duty_step = pll.get_duty_cycle_resolution(output);
-    const std::string frequency =
-        format_mhz_short(request.m_input.m_frequency,
-                         answer.get_outputs()[static_cast<std::size_t>(output)].m_ratio);
+    const std::string frequency = advice::write_frequency(
+        advice::product(request.m_input.m_frequency,
+                        answer.get_outputs()[static_cast<std::size_t>(output)].m_ratio),
+        wish.m_unit);
 
     TEXT_TABLE bounds({{"", "", ALIGN::LEFT},
                        {"asked", "", ALIGN::RIGHT},
@@ -43,10 +45,12 @@ void append_output(const REQUEST& request, const ANSWER& answer, int output, std
     bounds.add_row({"phase deg", format_phase(phase.m_asked), format_phase(phase.m_achieved),
                     format_phase(phase.m_previous), format_phase(phase.m_next),
                     format_phase(phase.m_step), format_phase(-MAX_PHASE), format_phase(MAX_PHASE)});
-    bounds.add_row({"duty %", std::to_string(asked.m_duty),
-                    format_fixed(pll.find_duty_cycle(output), DUTY_DECIMALS),
-                    std::to_string(pll.get_prev_duty_cycle(output)),
-                    std::to_string(pll.get_next_duty_cycle(output)),
+    bounds.add_row({"duty %", format_short(wish.m_duty.to_double(), DUTY_DECIMALS),
+                    format_fixed(duty, DUTY_DECIMALS),
+                    neighbour(duty, duty_step, -1, pll.get_duty_cycle_min(output),
+                              pll.get_duty_cycle_max(output), DUTY_DECIMALS),
+                    neighbour(duty, duty_step, 1, pll.get_duty_cycle_min(output),
+                              pll.get_duty_cycle_max(output), DUTY_DECIMALS),
                     format_fixed(duty_step, DUTY_DECIMALS),
                     format_fixed(pll.get_duty_cycle_min(output), DUTY_DECIMALS),
                     format_fixed(pll.get_duty_cycle_max(output), DUTY_DECIMALS)});
@@ -63,7 +67,8 @@ void append_output(const REQUEST& request, const ANSWER& answer, int output, std
                        pll.get_duty_cycle_max(output), DUTY_DECIMALS),
              i == 0 ? "<- the answer" : ""});
     }
-    *text += "\noutput " + std::to_string(output + 1) + ": " + frequency + " MHz\n\n";
+    *text += "\n" + advice::name_of_output(request, static_cast<std::size_t>(output)) + ": " +
+             frequency + "\n\n";
     bounds.append_to(text);
     *text += "\n";
     steps.append_to(text);
@@ -77,7 +82,7 @@ std::string report_steps(const REQUEST& request, const ANSWER& answer)
     if (request.m_device != nullptr) {
         text += "\n" + report_origins(request, answer);
     }
-    for (int i = 0; answer.has_outputs() && i < request.m_prop.m_taps_count; ++i) {
+    for (int i = 0; answer.has_setting() && i < request.m_prop.m_taps_count; ++i) {
         append_output(request, answer, i, &text);
     }
     return text;

@@ -1,4 +1,4 @@
-#include "app/answer/table_choice.h"
+#include "advice/why/table_choice.h"
 #include "app/devices/origin.h"
 #include "app/output/format.h"
 #include "app/output/record_list.h"
@@ -9,6 +9,13 @@
 #include <cmath>
 #include <iostream>
 #include <sstream>
+
+using advice::effective_m;
+using advice::find_taken;
+using advice::largest_bandwidth;
+using advice::list_choices;
+using advice::ROW_CHOICE;
+using advice::uses_table;
 
 namespace {
 
@@ -259,7 +266,7 @@ std::string report_choices(const REQUEST& request, const ANSWER& answer, LIST_FO
 {
     const PLL& pll = answer.get_pll();
     std::vector<ROW_CHOICE> choices;
-    if (uses_table(pll) && answer.has_outputs()) {
+    if (uses_table(pll) && answer.has_setting()) {
         choices = list_choices(request, answer);
     }
     if (form != LIST_FORM::TABLE) {
@@ -269,7 +276,7 @@ std::string report_choices(const REQUEST& request, const ANSWER& answer, LIST_FO
     if (!uses_table(pll)) {
         return text + "no table: the loop filter is computed\n";
     }
-    if (!answer.has_outputs()) {
+    if (!answer.has_setting()) {
         return text + "no setting, so no row\n";
     }
     text += describe_search(request, pll) + "\n";

@@ -7,18 +7,35 @@
 #include "pll_info.h"
 
 #include <algorithm>
-#include <limits>
 #include <optional>
 #include <string_view>
 #include <vector>
 
 namespace {
 
-constexpr int MIN_DUTY = 1;
-constexpr int MAX_DUTY = 99;
+const std::vector<std::string_view> KEYS = {
+    "ratio",          "phase", "to",   "duty",      "delay",           "even",
+    "even-count",     "pin",   "name", "tolerance", "phase-tolerance", "duty-tolerance",
+    "delay-tolerance"};
 
-const std::vector<std::string_view> KEYS = {"ratio", "phase", "duty",
-                                            "delay", "even",  "even-count"};
+bool is_letter(char c)
+{
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+}
+
+bool is_digit(char c)
+{
+    return c >= '0' && c <= '9';
+}
+
+// A letter, then letters, digits, '_', '-' and '.'.
+bool is_name(std::string_view text)
+{
+    return !text.empty() && is_letter(text.front()) &&
+           std::all_of(text.begin(), text.end(), [](char c) {
+               return is_letter(c) || is_digit(c) || c == '_' || c == '-' || c == '.';
+           });
+}
 
 struct WORD
 {
@@ -42,6 +59,7 @@ public:
     }
 
     const std::optional<std::string>& get_frequency() const { return m_frequency; }
+    const std::string& get_name() const { return m_name; }
 
     std::optional<std::string> find_value(const char* key) const
     {
@@ -71,26 +89,63 @@ private:
         const std::size_t equals = text.find('=');
         const std::string key = text.substr(0, equals);
         const bool has_value = equals != std::string::npos;
+        const std::string value = has_value ? text.substr(equals + 1) : "";
         const bool is_key = std::find(KEYS.begin(), KEYS.end(), key) != KEYS.end();
         if (is_key) {
-            if (find(key) != nullptr) {
-                throw USAGE_ERROR(m_argument, "'" + key + "' is given twice");
-            }
-            m_words.push_back({key, has_value ? text.substr(equals + 1) : "", has_value});
+            add_word(key, value, has_value);
+        } else if (has_value && is_named_clock(key, value)) {
+            m_name = key;
+            add_frequency(value);
         } else if (has_value || text.empty() || is_letter(text.front())) {
-            throw USAGE_ERROR(m_argument, "unknown word '" + text +
-                                              "'; legal are a frequency, ratio=, phase=, duty=, "
-                                              "delay=, even, even-count" +
-                                              suggest(key, KEYS));
-        } else if (m_frequency) {
-            throw USAGE_ERROR(m_argument, "two frequencies, '" + *m_frequency + "' and '" + text +
-                                              "'; legal is one for each --out");
+            throw USAGE_ERROR(m_argument,
+                              "unknown word '" + text +
+                                  "'; legal are a frequency, NAME=frequency, ratio=, phase=, to=, "
+                                  "duty=, delay=, even, even-count, pin, name=, tolerance=, "
+                                  "phase-tolerance=, duty-tolerance=, delay-tolerance=" +
+                                  suggest(key, KEYS));
         } else {
-            m_frequency = text;
+            add_frequency(text);
         }
     }
 
-    static bool is_letter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
+    // "pix=148.5MHz" as the first word. A name that is nearly a key is taken for a slip.
+    bool is_named_clock(const std::string& key, const std::string& value) const
+    {
+        const bool is_first = m_words.empty() && !m_frequency;
+        const bool is_number = !value.empty() && (is_digit(value.front()) || value.front() == '.');
+        return is_first && is_number && is_name(key) && !is_slip(key);
+    }
+
+    // Of the words with values; "pix" is not "pin".
+    static bool is_slip(const std::string& key)
+    {
+        static constexpr std::string_view VALUED[] = {"ratio", "phase", "duty", "delay",
+                                                      "tolerance"};
+        return std::any_of(std::begin(VALUED), std::end(VALUED),
+                           [&](std::string_view candidate) { return is_nearly(key, candidate); });
+    }
+
+    void add_word(const std::string& key, const std::string& value, bool has_value)
+    {
+        if (find(key) != nullptr) {
+            throw USAGE_ERROR(m_argument, "'" + key + "' is given twice");
+        }
+        m_words.push_back({key, value, has_value});
+    }
+
+    // A phase may follow: "200MHz@90".
+    void add_frequency(const std::string& text)
+    {
+        if (m_frequency) {
+            throw USAGE_ERROR(m_argument, "two frequencies, '" + *m_frequency + "' and '" + text +
+                                              "'; legal is one for each --out");
+        }
+        const std::size_t at = text.find('@');
+        m_frequency = text.substr(0, at);
+        if (at != std::string::npos) {
+            add_word("phase", text.substr(at + 1), true);
+        }
+    }
 
     const WORD* find(const std::string& key) const
     {
@@ -103,13 +158,13 @@ private:
     }
 
     const std::string& m_argument;
+    std::string m_name;
     std::optional<std::string> m_frequency;
     std::vector<WORD> m_words;
 };
 
-// The ratio to the input that is asked for.
-RATIONAL read_clock(const std::string& argument, const OUTPUT_WORDS& words,
-                    const RATIONAL& input_frequency)
+void read_frequency_or_ratio(const std::string& argument, const OUTPUT_WORDS& words,
+                             const INPUT_CLOCK& input, OUTPUT_WISH* wish)
 {
     const std::optional<std::string> ratio = words.find_value("ratio");
     const std::optional<std::string>& frequency = words.get_frequency();
@@ -117,65 +172,129 @@ RATIONAL read_clock(const std::string& argument, const OUTPUT_WORDS& words,
         throw USAGE_ERROR(argument, "needs one of a frequency and ratio=, such as 74.25MHz or "
                                     "ratio=11/4");
     }
-    const RATIONAL asked = ratio ? read_ratio(argument + " ratio", *ratio)
-                                 : read_frequency(argument, *frequency) / input_frequency;
-    constexpr std::int64_t LARGEST = std::numeric_limits<int>::max();
-    const bool fits =
-        asked.is_valid() && asked.numerator() <= LARGEST && asked.denominator() <= LARGEST;
-    if (!fits) {
-        std::string problem = "its ratio to the input does not fit; ";
-        if (asked.is_valid()) {
-            problem = "its ratio to the input, " + asked.to_fraction() + ", does not fit; ";
-        }
-        throw USAGE_ERROR(argument, problem + "factor and divisor may be 1 to " +
-                                        std::to_string(LARGEST) + " each");
+    if (ratio) {
+        wish->m_ratio = read_ratio(argument + " ratio", *ratio);
+        wish->m_frequency = input.m_frequency * wish->m_ratio;
+        const bool is_period = input.m_unit >= advice::FREQUENCY_UNIT::PS;
+        wish->m_unit = is_period ? advice::FREQUENCY_UNIT::MHZ : input.m_unit;
+        return;
     }
-    return asked;
+    const CLOCK clock = read_clock(argument, *frequency);
+    wish->m_frequency = clock.m_frequency;
+    wish->m_unit = clock.m_unit;
+    wish->m_ratio = clock.m_frequency / input.m_frequency;
 }
 
-// The phase of an output in degrees of the input clock, which is how the library counts: 360 are
-// one period of the input.
-double phase_of_input(const OUTPUT_WISH& wish)
+std::string read_name(const std::string& argument, const OUTPUT_WORDS& words)
 {
-    const RATIONAL degrees = wish.m_phase / wish.m_ratio;
-    return degrees.is_valid() ? degrees.to_double()
-                              : wish.m_phase.to_double() / wish.m_ratio.to_double();
+    const std::optional<std::string> name = words.find_value("name");
+    if (!name) {
+        return words.get_name();
+    }
+    if (!words.get_name().empty() || !is_name(*name)) {
+        throw USAGE_ERROR(argument + " name", "'" + *name +
+                                                  "' is not legal; expected one name of letters, "
+                                                  "digits, '_', '-' and '.', a letter first");
+    }
+    return *name;
 }
 
-int read_duty(const std::string& argument, const std::string& text)
+RATIONAL read_duty(const std::string& argument, const std::string& text)
 {
+    constexpr int WHOLE = 100;
     const RATIONAL percent = read_percentage(argument, text);
-    if (!percent.is_integer() || percent < RATIONAL(MIN_DUTY, 1) ||
-        RATIONAL(MAX_DUTY, 1) < percent) {
-        throw USAGE_ERROR(argument, "'" + text + "' is not legal; expected a whole percentage " +
-                                        "from " + std::to_string(MIN_DUTY) + " to " +
-                                        std::to_string(MAX_DUTY));
+    if (!percent.is_positive() || !(percent < RATIONAL(WHOLE))) {
+        throw USAGE_ERROR(argument, "'" + text +
+                                        "' is not legal; expected a percentage above 0 and below "
+                                        "100");
     }
-    return static_cast<int>(percent.numerator());
+    return percent;
+}
+
+void read_own_tolerances(const std::string& argument, const OUTPUT_WORDS& words,
+                         advice::OUTPUT_TOLERANCES* tolerances)
+{
+    if (const auto text = words.find_value("tolerance")) {
+        tolerances->m_frequency =
+            read_tolerance(argument + " tolerance", *text, advice::max_frequency_tolerance());
+    }
+    if (const auto text = words.find_value("phase-tolerance")) {
+        tolerances->m_phase = read_amount(argument + " phase-tolerance", *text, "deg");
+    }
+    if (const auto text = words.find_value("duty-tolerance")) {
+        tolerances->m_duty = read_amount(argument + " duty-tolerance", *text, "%");
+    }
+    if (const auto text = words.find_value("delay-tolerance")) {
+        tolerances->m_delay = read_amount(argument + " delay-tolerance", *text, "ps");
+    }
+}
+
+OUTPUT_WISH read_output(const std::string& argument, const OUTPUT_WORDS& words,
+                        const INPUT_CLOCK& input)
+{
+    OUTPUT_WISH wish;
+    wish.m_name = read_name(argument, words);
+    read_frequency_or_ratio(argument, words, input, &wish);
+    if (const auto phase = words.find_value("phase")) {
+        wish.m_phase = read_phase(argument + " phase", *phase, input.m_frequency * wish.m_ratio,
+                                  -MAX_PHASE, MAX_PHASE);
+    }
+    if (const auto duty = words.find_value("duty")) {
+        wish.m_duty = read_duty(argument + " duty", *duty);
+    }
+    if (const auto delay = words.find_value("delay")) {
+        wish.m_delay = read_delay(argument + " delay", *delay, MAX_DELAY_CHAIN_VALUE);
+    }
+    wish.m_even = words.find_flag("even");
+    wish.m_even_count = words.find_flag("even-count");
+    wish.m_pin = words.find_flag("pin");
+    read_own_tolerances(argument, words, &wish.m_tolerances);
+    return wish;
+}
+
+void require_different_names(const std::vector<OUTPUT_WISH>& outputs)
+{
+    for (std::size_t i = 0; i < outputs.size(); ++i) {
+        for (std::size_t j = 0; j < i; ++j) {
+            if (!outputs[i].m_name.empty() && outputs[i].m_name == outputs[j].m_name) {
+                throw USAGE_ERROR("--out " + std::to_string(i + 1),
+                                  "the name '" + outputs[i].m_name + "' is that of output " +
+                                      std::to_string(j + 1));
+            }
+        }
+    }
 }
 
 }  // namespace
 
-OUTPUT_WISH read_output(const std::string& argument, const std::string& text,
-                        const RATIONAL& input_frequency, PLL_USER_TAP* tap)
+std::vector<OUTPUT_WISH> read_outputs(const std::vector<std::string>& texts,
+                                      const INPUT_CLOCK& input)
 {
-    const OUTPUT_WORDS words(argument, text);
-    OUTPUT_WISH wish;
-    wish.m_ratio = read_clock(argument, words, input_frequency);
-    tap->m_mult = static_cast<int>(wish.m_ratio.numerator());
-    tap->m_div = static_cast<int>(wish.m_ratio.denominator());
-    if (const auto phase = words.find_value("phase")) {
-        wish.m_phase = read_phase(argument + " phase", *phase, input_frequency * wish.m_ratio,
-                                  -MAX_PHASE, MAX_PHASE);
-        tap->m_phase = phase_of_input(wish);
+    std::vector<OUTPUT_WISH> outputs;
+    std::vector<std::optional<std::string>> others;
+    for (const std::string& text : texts) {
+        const std::string argument = "--out " + std::to_string(outputs.size() + 1);
+        const OUTPUT_WORDS words(argument, text);
+        outputs.push_back(read_output(argument, words, input));
+        others.push_back(words.find_value("to"));
     }
-    if (const auto duty = words.find_value("duty")) {
-        tap->m_duty = read_duty(argument + " duty", *duty);
+    require_different_names(outputs);
+    for (std::size_t i = 0; i < outputs.size(); ++i) {
+        if (others[i]) {
+            const std::string argument = "--out " + std::to_string(i + 1) + " to";
+            outputs[i].m_phase_to = find_output(argument, *others[i], outputs);
+        }
     }
-    if (const auto delay = words.find_value("delay")) {
-        tap->m_delay = read_delay(argument + " delay", *delay, MAX_DELAY_CHAIN_VALUE);
+    return outputs;
+}
+
+int find_output(const std::string& argument, const std::string& word,
+                const std::vector<OUTPUT_WISH>& outputs)
+{
+    for (std::size_t i = 0; i < outputs.size(); ++i) {
+        if (word == outputs[i].m_name && !word.empty()) {
+            return static_cast<int>(i);
+        }
     }
-    tap->m_use_even_counter_mode = words.find_flag("even");
-    tap->m_use_even_counter_value = words.find_flag("even-count");
-    return wish;
+    return read_integer(argument, word, 1, static_cast<int>(outputs.size())) - 1;
 }

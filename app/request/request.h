@@ -1,10 +1,12 @@
-// The words of a request, and the request that they make.
+// The words of a request, and what they ask for.
 #pragma once
 
+#include "advice/answer/answer.h"
 #include "app/numbers/rational.h"
 
 #include "pll_prop.h"
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -12,17 +14,13 @@
 class DEVICE;
 class PLL;
 
-// The values of PLL_PROP::m_bandwidth_type.
-enum BANDWIDTH_TYPE
-{
-    BANDWIDTH_HIGH,
-    BANDWIDTH_MEDIUM,
-    BANDWIDTH_LOW,
-    BANDWIDTH_AUTO,
-    BANDWIDTH_CUSTOM
-};
+using advice::ANSWER;
+using advice::INPUT_CLOCK;
+using advice::OUTPUT_PHASE;
+using advice::OUTPUT_RESULT;
+using advice::OUTPUT_WISH;
 
-// The words for those but the custom one, which is a frequency.
+// The words for the bandwidths but the custom one, which is a frequency.
 inline constexpr const char* BANDWIDTH_WORDS[] = {"high", "medium", "low", "auto"};
 
 // What the command line holds, unread.
@@ -38,44 +36,54 @@ struct REQUEST_WORDS
     std::optional<std::string> m_vco_ratio;
     std::optional<std::string> m_max_outputs;
     std::optional<std::string> m_tolerance;
+    std::optional<std::string> m_phase_tolerance;
+    std::optional<std::string> m_duty_tolerance;
+    std::optional<std::string> m_delay_tolerance;
+    std::optional<std::string> m_bandwidth_tolerance;
+    std::optional<std::string> m_spread_tolerance;
+    std::optional<std::string> m_margin;
+    std::optional<std::string> m_phase_margin;
     bool m_reconfig = false;
     bool m_exact = false;
 
     bool operator==(const REQUEST_WORDS& other) const = default;
 };
 
-// An input clock. The library knows it by its period in whole ps, which need not be exact.
-struct INPUT_CLOCK
+// Limits by hand, unread.
+struct LIMIT_WORDS
 {
-    RATIONAL m_frequency;  // Hz
-    RATIONAL m_period;     // ps
-    int m_library_period;  // ps, nearest to the period
+    std::optional<std::string> m_vco;
+    std::optional<std::string> m_pfd;
+    std::optional<std::string> m_input_range;
+    std::optional<std::string> m_output_range;
+    std::optional<std::string> m_m;
+    std::optional<std::string> m_n;
+    std::optional<std::string> m_k;
+    std::optional<std::string> m_post_scales;
+    std::optional<std::string> m_taps;
+
+    bool operator==(const LIMIT_WORDS& other) const = default;
 };
 
 // How far a phase may be asked for, either way, in degrees of the output.
 constexpr int MAX_PHASE = 360;
 
-// What an output was asked for, exactly.
-struct OUTPUT_WISH
+// A request of the command line: what is asked, of which device, within which limits.
+struct REQUEST : advice::REQUEST
 {
-    RATIONAL m_ratio;  // to the input
-    RATIONAL m_phase;  // degrees, 360 to a period of the output
+    explicit REQUEST(advice::REQUEST request);
+
+    int m_device_outputs = 0;          // that may be used
+    PLL_PROP m_prop;                   // what the library is asked for first
+    const DEVICE* m_device = nullptr;  // not owned; null: the built-in limits
+    std::unique_ptr<advice::LIMITS> m_limits;
 };
 
-struct REQUEST
-{
-    INPUT_CLOCK m_input;
-    std::optional<INPUT_CLOCK> m_input2;
-    std::vector<OUTPUT_WISH> m_outputs;
-    int m_max_outputs;                    // of the device
-    std::optional<RATIONAL> m_tolerance;  // largest error of an output, a part of one
-    PLL_PROP m_prop;                      // what the library is asked for
-    const DEVICE* m_device;               // not owned; null: the built-in limits
-};
-
-// Both throw a USAGE_ERROR, or an INPUT_ERROR for a device of which the database says too little.
+// All throw a USAGE_ERROR, or an INPUT_ERROR for a device of which the database says too little.
 INPUT_CLOCK read_input(const std::string& argument, const std::string& text);
-REQUEST read_request(const REQUEST_WORDS& words, const DEVICE* device);
+advice::LIMITS_BY_HAND read_limits(const LIMIT_WORDS& words);
+REQUEST read_request(const REQUEST_WORDS& words, const LIMIT_WORDS& limits, const DEVICE* device);
 
-// Gives the limits of the request's device to a PLL. Throws an INPUT_ERROR likewise.
-void set_limits(const REQUEST& request, PLL* pll);
+// The limits of a device, or the built-in ones, and above them those by hand.
+std::unique_ptr<advice::LIMITS> make_limits(const DEVICE* device,
+                                            const advice::LIMITS_BY_HAND& by_hand);

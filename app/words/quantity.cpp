@@ -3,6 +3,7 @@
 #include "app/words/letter_case.h"
 #include "app/words/usage_error.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <optional>
 
@@ -14,7 +15,6 @@ constexpr int PPM_EXPONENT = 6;
 constexpr int PPB_EXPONENT = 9;
 constexpr int PS_EXPONENT = 12;
 constexpr int FULL_TURN = 360;  // degrees
-constexpr int MAX_TOLERANCE_PPM = 1000;
 
 const char* const NUMBER_EXPECTED = "a number such as 27, 148.5 or 1001/37";
 
@@ -29,13 +29,17 @@ struct UNIT
     std::string_view m_name;
     UNIT_KIND m_kind;
     int m_exponent;  // the unit is 10 to this power of Hz, or of 1 ps
+    advice::FREQUENCY_UNIT m_unit;
 };
 
 constexpr UNIT UNITS[] = {
-    {"Hz", UNIT_KIND::FREQUENCY, 0},  {"kHz", UNIT_KIND::FREQUENCY, 3},
-    {"MHz", UNIT_KIND::FREQUENCY, 6}, {"GHz", UNIT_KIND::FREQUENCY, 9},
-    {"ps", UNIT_KIND::TIME, 0},       {"ns", UNIT_KIND::TIME, 3},
-    {"us", UNIT_KIND::TIME, 6},
+    {"Hz", UNIT_KIND::FREQUENCY, 0, advice::FREQUENCY_UNIT::HZ},
+    {"kHz", UNIT_KIND::FREQUENCY, 3, advice::FREQUENCY_UNIT::KHZ},
+    {"MHz", UNIT_KIND::FREQUENCY, 6, advice::FREQUENCY_UNIT::MHZ},
+    {"GHz", UNIT_KIND::FREQUENCY, 9, advice::FREQUENCY_UNIT::GHZ},
+    {"ps", UNIT_KIND::TIME, 0, advice::FREQUENCY_UNIT::PS},
+    {"ns", UNIT_KIND::TIME, 3, advice::FREQUENCY_UNIT::NS},
+    {"us", UNIT_KIND::TIME, 6, advice::FREQUENCY_UNIT::US},
 };
 
 struct MEASURE
@@ -125,6 +129,8 @@ MEASURE read_measure(const std::string& argument, std::string_view text)
     if (negative) {
         value = RATIONAL() - *value;
     }
+    while (take_character(&rest, ' ')) {
+    }
     return {*value, rest};
 }
 
@@ -137,18 +143,40 @@ RATIONAL convert_frequency(const UNIT& unit, const RATIONAL& value)
     return RATIONAL(power_of_ten(PS_EXPONENT), 1) / (value * scale);
 }
 
-RATIONAL read_frequency_of(const std::string& argument, std::string_view text,
-                           const std::string& legal_units, bool period_is_legal)
+// Which units a frequency may have.
+struct FREQUENCY_RULE
+{
+    const char* m_legal_units;
+    bool m_period_is_legal;
+    bool m_unit_is_needed;
+};
+
+constexpr FREQUENCY_RULE ANY_UNIT = {"Hz, kHz, MHz, GHz, or a period in ps, ns, us", true, true};
+constexpr FREQUENCY_RULE NO_PERIOD = {"Hz, kHz, MHz, GHz", false, true};
+constexpr FREQUENCY_RULE MEGAHERTZ = {"Hz, kHz, MHz, GHz, or a period in ps, ns, us", true, false};
+
+const UNIT* find_frequency_unit(const std::string& argument, std::string_view text,
+                                std::string_view name, const FREQUENCY_RULE& rule)
+{
+    if (name == "mHz") {
+        throw USAGE_ERROR(argument, "'" + std::string(text) +
+                                        "' is in millihertz; did you mean MHz, with a capital M?");
+    }
+    const UNIT* const unit = find_unit(name.empty() && !rule.m_unit_is_needed ? "MHz" : name);
+    if (unit == nullptr || (unit->m_kind == UNIT_KIND::TIME && !rule.m_period_is_legal)) {
+        const std::string unknown =
+            name.empty() ? "has no unit" : "has the unknown unit '" + std::string(name) + "'";
+        throw USAGE_ERROR(argument, "'" + std::string(text) + "' " + unknown + "; legal are " +
+                                        rule.m_legal_units);
+    }
+    return unit;
+}
+
+CLOCK read_frequency_of(const std::string& argument, std::string_view text,
+                        const FREQUENCY_RULE& rule)
 {
     const MEASURE measure = read_measure(argument, text);
-    const UNIT* unit = find_unit(measure.m_unit);
-    if (unit == nullptr || (unit->m_kind == UNIT_KIND::TIME && !period_is_legal)) {
-        const std::string unknown =
-            measure.m_unit.empty() ? "has no unit"
-                                   : "has the unknown unit '" + std::string(measure.m_unit) + "'";
-        throw USAGE_ERROR(argument,
-                          "'" + std::string(text) + "' " + unknown + "; legal are " + legal_units);
-    }
+    const UNIT* const unit = find_frequency_unit(argument, text, measure.m_unit, rule);
     if (!measure.m_value.is_positive()) {
         refuse(argument, text, "a frequency above 0");
     }
@@ -156,19 +184,125 @@ RATIONAL read_frequency_of(const std::string& argument, std::string_view text,
     if (!hertz.is_valid()) {
         refuse(argument, text, "a frequency that fits 64 bits");
     }
-    return hertz;
+    return {hertz, unit->m_unit};
+}
+
+// The two ends of "A-B", "A..B", "A-", "-B" or "A", as texts; an end that is left out is empty.
+struct ENDS
+{
+    std::string_view m_least;
+    std::string_view m_most;
+};
+
+ENDS split_range(std::string_view text)
+{
+    const std::string_view dots = "..";
+    std::size_t length = dots.size();
+    std::size_t at = text.find(dots);
+    if (at == std::string_view::npos) {
+        at = text.find('-');
+        length = 1;
+    }
+    if (at == std::string_view::npos) {
+        return {text, text};
+    }
+    return {text.substr(0, at), text.substr(at + length)};
+}
+
+bool has_unit(std::string_view text)
+{
+    return text.find_first_of("Hhs") != std::string_view::npos;
 }
 
 }  // namespace
 
+CLOCK read_clock(const std::string& argument, std::string_view text)
+{
+    return read_frequency_of(argument, text, MEGAHERTZ);
+}
+
 RATIONAL read_frequency(const std::string& argument, std::string_view text)
 {
-    return read_frequency_of(argument, text, "Hz, kHz, MHz, GHz, or a period in ps, ns, us", true);
+    return read_frequency_of(argument, text, ANY_UNIT).m_frequency;
 }
 
 RATIONAL read_frequency_in_hertz(const std::string& argument, std::string_view text)
 {
-    return read_frequency_of(argument, text, "Hz, kHz, MHz, GHz", false);
+    return read_frequency_of(argument, text, NO_PERIOD).m_frequency;
+}
+
+advice::RANGE read_frequency_range(const std::string& argument, std::string_view text)
+{
+    const ENDS ends = split_range(text);
+    advice::RANGE range;
+    if (!ends.m_most.empty()) {
+        range.m_most = read_frequency_of(argument, ends.m_most, MEGAHERTZ).m_frequency;
+    }
+    if (!ends.m_least.empty()) {
+        // In "600-1200MHz" the unit is that of both.
+        std::string least(ends.m_least);
+        if (!has_unit(least)) {
+            const std::size_t unit = ends.m_most.find_first_not_of("0123456789./ ");
+            least += unit == std::string_view::npos ? "" : ends.m_most.substr(unit);
+        }
+        range.m_least = read_frequency_of(argument, least, MEGAHERTZ).m_frequency;
+    }
+    const bool is_turned = range.m_least && range.m_most && *range.m_most < *range.m_least;
+    if (!range.is_set() || is_turned) {
+        refuse(argument, text, "a range such as 600-1200MHz, the lower end first");
+    }
+    return range;
+}
+
+advice::RANGE read_count_range(const std::string& argument, std::string_view text)
+{
+    constexpr int LARGEST = 1000000;
+    const ENDS ends = split_range(text);
+    advice::RANGE range;
+    if (!ends.m_least.empty()) {
+        range.m_least = RATIONAL(read_integer(argument, ends.m_least, 1, LARGEST));
+    }
+    if (!ends.m_most.empty()) {
+        range.m_most = RATIONAL(read_integer(argument, ends.m_most, 1, LARGEST));
+    }
+    const bool is_turned = range.m_least && range.m_most && *range.m_most < *range.m_least;
+    if (!range.is_set() || is_turned) {
+        refuse(argument, text, "a range such as 1-128, the lower end first");
+    }
+    return range;
+}
+
+std::vector<int> read_integers(const std::string& argument, std::string_view text, int lowest,
+                               int highest)
+{
+    std::vector<int> values;
+    std::size_t start = 0;
+    while (start <= text.size()) {
+        const std::size_t end = std::min(text.find(',', start), text.size());
+        const ENDS ends = split_range(text.substr(start, end - start));
+        const int first = read_integer(argument, ends.m_least, lowest, highest);
+        const int last = read_integer(argument, ends.m_most, lowest, highest);
+        for (int value = first; value <= last; ++value) {
+            values.push_back(value);
+        }
+        start = end + 1;
+    }
+    std::sort(values.begin(), values.end());
+    values.erase(std::unique(values.begin(), values.end()), values.end());
+    if (values.empty()) {
+        refuse(argument, text, "whole numbers such as 1,2 or 0-3, the lower end first");
+    }
+    return values;
+}
+
+RATIONAL read_amount(const std::string& argument, std::string_view text, std::string_view unit)
+{
+    const MEASURE measure = read_measure(argument, text);
+    const bool is_unit = measure.m_unit.empty() || equal_but_for_case(measure.m_unit, unit);
+    if (!is_unit || measure.m_value < RATIONAL()) {
+        refuse(argument, text, "a number from 0 on, with " + std::string(unit) + " or no unit");
+    }
+    return measure.m_value;
 }
 
 RATIONAL read_ratio(const std::string& argument, std::string_view text)
@@ -212,10 +346,11 @@ RATIONAL read_percentage(const std::string& argument, std::string_view text)
     return measure.m_value;
 }
 
-RATIONAL read_tolerance(const std::string& argument, std::string_view text)
+RATIONAL read_tolerance(const std::string& argument, std::string_view text, const RATIONAL& most)
 {
-    const std::string legal =
-        "0 to " + std::to_string(MAX_TOLERANCE_PPM) + " ppm, as a number with ppm, ppb or %";
+    const std::string legal = "0 to " +
+                              (most * RATIONAL(power_of_ten(PERCENT_EXPONENT))).to_fraction() +
+                              " %, as a number with ppm, ppb or %";
     const MEASURE measure = read_measure(argument, text);
     int exponent = 0;
     if (equal_but_for_case(measure.m_unit, "ppm")) {
@@ -228,8 +363,7 @@ RATIONAL read_tolerance(const std::string& argument, std::string_view text)
         refuse(argument, text, legal);
     }
     const RATIONAL part = measure.m_value / RATIONAL(power_of_ten(exponent), 1);
-    if (!part.is_valid() || part.numerator() < 0 ||
-        RATIONAL(MAX_TOLERANCE_PPM, power_of_ten(PPM_EXPONENT)) < part) {
+    if (!(part >= RATIONAL()) || most < part) {
         refuse(argument, text, legal);
     }
     return part;

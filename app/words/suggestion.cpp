@@ -40,3 +40,8 @@ std::string suggest(std::string_view word, const std::vector<std::string_view>& 
     }
     return best.empty() ? std::string() : "; did you mean " + std::string(best) + "?";
 }
+
+bool is_nearly(std::string_view word, std::string_view other)
+{
+    return edit_distance(lower_case(word), lower_case(other)) <= 1;
+}

@@ -8,3 +8,6 @@
 // "; did you mean --out?" for the word of `words` nearest to `word` in any case, the first of
 // equals; empty when all are too far away.
 std::string suggest(std::string_view word, const std::vector<std::string_view>& words);
+
+// Whether a word differs from another by one letter more, less or replaced.
+bool is_nearly(std::string_view word, std::string_view other);

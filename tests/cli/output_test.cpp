@@ -168,22 +168,22 @@ TEST(CliInternalErrors, ArePrintedWithTheirFourItemsAndWinOverMetAndNotMet)
         "pllcalc: internal error: first condition (component PLL, source pll, line 11)\n"
         "pllcalc: internal error: second condition (component PLL, source pll_util, line 22)\n";
     const RUN met =
-        run_program(PLLCALC_ON_BROKEN_LIBRARY, {"synth", "--in", "100MHz", "--out", "100MHz"});
+        run_program(PLLCALC_ON_BROKEN_LIBRARY, {"synth", "--in", "500MHz", "--out", "500MHz"});
     EXPECT_EQ(5, met.m_status);
     EXPECT_EQ(reports, met.m_errors);
     EXPECT_EQ(0U, met.m_output.find("MET: "));
     const RUN not_met = run_program(PLLCALC_ON_BROKEN_LIBRARY, {"synth", "--in", "100MHz", "--out",
                                                                 "100MHz", "--out", "50MHz"});
     EXPECT_EQ(5, not_met.m_status);
-    EXPECT_EQ(reports, not_met.m_errors);
-    EXPECT_EQ(0U, not_met.m_output.find("NOT MET\n"));
+    EXPECT_EQ(0U, not_met.m_errors.find(reports));
+    EXPECT_EQ(0U, not_met.m_output.find("NOT MET: "));
 }
 
 TEST(CliInternalErrors, YieldToUsageAndOutputFailures)
 {
     EXPECT_EQ(2, run_program(PLLCALC_ON_BROKEN_LIBRARY, {"synth", "--in", "100MHz"}).m_status);
     EXPECT_EQ(4, run_program(PLLCALC_ON_BROKEN_LIBRARY,
-                             {"synth", "--in", "100MHz", "--out", "100MHz"}, OUTPUT_TO::FULL_DEVICE)
+                             {"synth", "--in", "500MHz", "--out", "500MHz"}, OUTPUT_TO::FULL_DEVICE)
                      .m_status);
 }
 

@@ -1,18 +1,34 @@
-#include "app/answer/answer.h"
-#include "app/answer/table_choice.h"
-#include "app/output/format.h"
+#include "advice/why/miss.h"
 
+#include "advice/numbers/text.h"
+#include "advice/why/table_choice.h"
 #include <algorithm>
 #include <cmath>
+
+namespace advice {
 
 namespace {
 
 constexpr int MHZ_DECIMALS = 3;
+constexpr double PERCENT = 100.0;
+constexpr double HZ_PER_KHZ = 1e3;
+constexpr double PS_MHZ = 1e6;  // MHz = PS_MHZ / ps
 constexpr int KHZ_DECIMALS = 3;
 constexpr int PERCENT_DECIMALS = 3;
 constexpr double MAX_DOWN_SPREAD = 0.006;  // of the library
+constexpr int BANDWIDTH_AUTO = static_cast<int>(BANDWIDTH_KIND::AUTO);
 
 typedef std::vector<std::string> LINES;
+
+std::string format_period_as_mhz(double period)
+{
+    return period > 0.0 ? write_number(PS_MHZ / period, MHZ_DECIMALS) : "-";
+}
+
+bool is_at_largest_count(const PLL_OUTPUT_TAP& tap)
+{
+    return tap.m_high >= tap.m_max_count || tap.m_low >= tap.m_max_count;
+}
 
 // How far a period lies outside the VCO range of a post-scale; 0 inside.
 double vco_distance(const REQUEST& request, const PLL& pll, int post_scale)
@@ -46,37 +62,38 @@ const OBSTACLE OBSTACLES[] = {
     {"the second input", [](PLL_PROP* prop) { prop->m_fin2_period = 0; }},
 };
 
-bool can_try(const REQUEST& request, const PLL_PROP& prop)
+bool can_try(const REQUEST& request, const LIMITS& limits, const PLL_PROP& prop)
 {
-    PLL pll(prop.m_taps_count, request.m_max_outputs);
-    set_limits(request, &pll);
+    PLL pll(prop.m_taps_count, PLL_MAX_TAPS);
+    limits.give_to(&pll, request);
     return pll.synthesize(prop) || has_candidate(pll);
 }
 
 // Asks the library again without each of the wishes that can rule M and N out, then without any.
 // False when that finds no M and N either.
-bool explain_obstacles(const REQUEST& request, const PLL& pll, LINES* lines)
+bool explain_obstacles(const REQUEST& request, const LIMITS& limits, const PLL& pll, LINES* lines)
 {
-    const double spread = request.m_prop.m_down_spread;
+    const PLL_PROP prop = to_prop(request);
+    const double spread = prop.m_down_spread;
     if (spread > 0.0 && spread * pll.m_m.m_max_count < 1.0) {
         lines->push_back("missed: the spread; M is at most " + std::to_string(pll.m_m.m_max_count) +
                          " and M x spread at least 1, so it is " +
-                         format_short(PERCENT / pll.m_m.m_max_count, PERCENT_DECIMALS) +
+                         write_number(PERCENT / pll.m_m.m_max_count, PERCENT_DECIMALS) +
                          " % or more");
         return true;
     }
-    PLL_PROP without_any = request.m_prop;
+    PLL_PROP without_any = prop;
     for (const OBSTACLE& obstacle : OBSTACLES) {
-        PLL_PROP without = request.m_prop;
+        PLL_PROP without = prop;
         obstacle.m_remove(&without);
         obstacle.m_remove(&without_any);
-        if (can_try(request, without)) {
+        if (can_try(request, limits, without)) {
             lines->push_back("missed: " + std::string(obstacle.m_name) +
                              "; without it there are M and N for the VCO and PFD ranges");
             return true;
         }
     }
-    if (can_try(request, without_any)) {
+    if (can_try(request, limits, without_any)) {
         lines->push_back("missed: bandwidth, spread and second input taken together; without them "
                          "there are M and N");
         return true;
@@ -89,21 +106,22 @@ std::string miss_of_period(double period, int min_period, int max_period)
 {
     const bool is_low = period > max_period;
     const double miss = std::abs(PS_MHZ / period - PS_MHZ / (is_low ? max_period : min_period));
-    return format_period_as_mhz(period) + " MHz, " + format_short(miss, MHZ_DECIMALS) + " MHz " +
+    return format_period_as_mhz(period) + " MHz, " + write_number(miss, MHZ_DECIMALS) + " MHz " +
            (is_low ? "below" : "above") + " its range " + format_period_as_mhz(max_period) +
            " to " + format_period_as_mhz(min_period) + " MHz";
 }
 
-void explain_no_candidate(const REQUEST& request, const PLL& pll, LINES* lines)
+void explain_no_candidate(const REQUEST& request, const LIMITS& limits, const PLL& pll,
+                          LINES* lines)
 {
-    if (explain_obstacles(request, pll, lines)) {
+    if (explain_obstacles(request, limits, pll, lines)) {
         return;
     }
     const int post_scale = nearest_post_scale(request, pll);
     const int min_period = pll.get_vco_min_period(post_scale);
     const int max_period = vco_max_period(request, pll, post_scale);
     const double vco_period = pll.get_vco_period();
-    const double pfd_period = double(request.m_prop.m_fin_period) * pll.get_n();
+    const double pfd_period = double(request.m_input.m_library_period) * pll.get_n();
     const bool vco_misses = vco_period > max_period || vco_period < min_period;
     lines->push_back(
         "closest: M " + std::to_string(pll.get_m()) + ", N " + std::to_string(pll.get_n()) +
@@ -115,50 +133,50 @@ void explain_no_candidate(const REQUEST& request, const PLL& pll, LINES* lines)
 
 void explain_missed_outputs(const REQUEST& request, const ANSWER& answer, LINES* lines)
 {
+    const RATIONAL a_thousandth(1, 1000);
     for (std::size_t i = 0; i < answer.get_outputs().size(); ++i) {
         const OUTPUT_RESULT& output = answer.get_outputs()[i];
-        if (!output.m_missed) {
+        const PLL_OUTPUT_TAP& tap = answer.get_pll().m_taps[i];
+        const OUTPUT_WISH& wish = request.m_outputs[i];
+        const bool is_fed_back = static_cast<int>(i) == request.m_feedback;
+        const bool is_far = !(output.m_error.magnitude() < a_thousandth);
+        if (!is_far && (tap.m_score ||
+                        (output.m_error.is_zero() && !is_fed_back && !is_at_largest_count(tap)))) {
             continue;
         }
-        const PLL_OUTPUT_TAP& tap = answer.get_pll().m_taps[i];
-        const RATIONAL input = request.m_input.m_frequency;
-        const std::string asked = format_mhz_short(input, request.m_outputs[i].m_ratio) + " MHz";
-        std::string line = "missed: output " + std::to_string(i + 1);
-        if (output.m_error == RATIONAL()) {
-            line += ", whose counter does not fit the division that gives " + asked;
+        const std::string asked =
+            write_frequency(product(request.m_input.m_frequency, wish.m_ratio), wish.m_unit);
+        std::string line = name_of_output(request, i);
+        if (output.m_error.is_zero()) {
+            line += ": its counter does not fit the division that gives " + asked;
         } else {
-            line += ", closest " + format_mhz_short(input, output.m_ratio) + " MHz instead of " +
-                    asked + ", " + format_error(output.m_error);
+            line +=
+                ": " +
+                write_frequency(product(request.m_input.m_frequency, output.m_ratio), wish.m_unit) +
+                " instead of " + asked;
         }
         if (is_at_largest_count(tap)) {
             line += "\n  its counter is at its largest count";
         }
-        if (static_cast<int>(i) == request.m_prop.m_feedback_tap) {
+        if (is_fed_back) {
             line += "\n  it is the feedback";
         }
         lines->push_back(line);
-    }
-    const PLL_PROP& asked = request.m_prop;
-    const PLL_PROP& achieved = answer.get_achieved();
-    const RATIONAL vco(achieved.m_vco_mult, achieved.m_vco_div);
-    if (asked.m_vco_mult >= 1 && !(vco == RATIONAL(asked.m_vco_mult, asked.m_vco_div))) {
-        lines->push_back("missed: the VCO ratio " +
-                         RATIONAL(asked.m_vco_mult, asked.m_vco_div).to_fraction() + ", closest " +
-                         vco.to_fraction());
     }
 }
 
 void explain_delays(const REQUEST& request, LINES* lines)
 {
-    int first = 0;
-    int last = 0;
-    for (int i = 1; i < request.m_prop.m_taps_count; ++i) {
-        first = request.m_prop.m_taps[i].m_delay < request.m_prop.m_taps[first].m_delay ? i : first;
-        last = request.m_prop.m_taps[i].m_delay > request.m_prop.m_taps[last].m_delay ? i : last;
+    std::size_t first = 0;
+    std::size_t last = 0;
+    for (std::size_t i = 1; i < request.m_outputs.size(); ++i) {
+        const int delay = request.m_outputs[i].m_delay;
+        first = delay < request.m_outputs[first].m_delay ? i : first;
+        last = delay > request.m_outputs[last].m_delay ? i : last;
     }
-    const int span = request.m_prop.m_taps[last].m_delay - request.m_prop.m_taps[first].m_delay;
-    lines->push_back("missed: output " + std::to_string(last + 1) + " is delayed by " +
-                     std::to_string(span) + " ps more than output " + std::to_string(first + 1) +
+    const int span = request.m_outputs[last].m_delay - request.m_outputs[first].m_delay;
+    lines->push_back("missed: " + name_of_output(request, last) + " is delayed by " +
+                     std::to_string(span) + " ps more than " + name_of_output(request, first) +
                      ", " + std::to_string(span - MAX_DELAY_CHAIN_VALUE) + " ps beyond the " +
                      std::to_string(MAX_DELAY_CHAIN_VALUE) + " ps of a chain");
 }
@@ -167,12 +185,12 @@ void explain_input(const char* name, const INPUT_CLOCK& input, const PLL& pll, L
 {
     if (input.m_library_period < pll.m_fin_min_period) {
         lines->push_back("missed: " + std::string(name) + " runs at " +
-                         format_mhz_short(input.m_frequency) + " MHz, legal are at most " +
+                         write_frequency(input.m_frequency, input.m_unit) + ", legal are at most " +
                          format_period_as_mhz(pll.m_fin_min_period) + " MHz");
     }
 }
 
-void explain_error(const REQUEST& request, const ANSWER& answer, LINES* lines)
+void explain_error(const REQUEST& request, const LIMITS& limits, const ANSWER& answer, LINES* lines)
 {
     const PLL& pll = answer.get_pll();
     switch (pll.m_error) {
@@ -181,9 +199,9 @@ void explain_error(const REQUEST& request, const ANSWER& answer, LINES* lines)
         break;
     case PLL::PLL_SS_TOO_HIGH:
         lines->push_back("missed: a spread of " +
-                         format_short(request.m_prop.m_down_spread * PERCENT, PERCENT_DECIMALS) +
+                         write_number(request.m_spread.to_double() * PERCENT, PERCENT_DECIMALS) +
                          " % is asked for, legal are at most " +
-                         format_short(MAX_DOWN_SPREAD * PERCENT, PERCENT_DECIMALS) + " %");
+                         write_number(MAX_DOWN_SPREAD * PERCENT, PERCENT_DECIMALS) + " %");
         break;
     case PLL::PLL_FIN_OUT_OF_RANGE:
         explain_input("the input", request.m_input, pll, lines);
@@ -198,9 +216,9 @@ void explain_error(const REQUEST& request, const ANSWER& answer, LINES* lines)
     case PLL::PLL_NO_BANDWIDTH_FOR_FIN_MULT_DIV:
         lines->push_back(
             "missed: the loop filter; the best row has a bandwidth of up to " +
-            format_short(answer.get_achieved().m_bandwidth_max / HZ_PER_KHZ, KHZ_DECIMALS) +
+            write_number(answer.get_achieved().m_bandwidth_max / HZ_PER_KHZ, KHZ_DECIMALS) +
             " kHz, the PFD allows " +
-            format_short(largest_bandwidth(request, pll) / HZ_PER_KHZ, KHZ_DECIMALS) + " kHz");
+            write_number(largest_bandwidth(request, pll) / HZ_PER_KHZ, KHZ_DECIMALS) + " kHz");
         break;
     case PLL::PLL_NO_ERROR:
     case PLL::PLL_M_N_NOT_FOUND:
@@ -212,22 +230,11 @@ void explain_error(const REQUEST& request, const ANSWER& answer, LINES* lines)
         break;
     }
     // Behind its own reason: an error of a late check hides those of the search.
-    if (answer.has_outputs()) {
+    if (answer.has_setting()) {
         explain_missed_outputs(request, answer, lines);
     } else {
-        explain_no_candidate(request, pll, lines);
+        explain_no_candidate(request, limits, pll, lines);
     }
-}
-
-void explain_tolerance(const REQUEST& request, const ANSWER& answer, LINES* lines)
-{
-    const RATIONAL tolerance = *request.m_tolerance;
-    lines->push_back(tolerance == RATIONAL()
-                         ? "The library takes every output for met; exact ones were asked for."
-                         : "The library takes every output for met; the tolerance asked for is " +
-                               format_part(tolerance) + ".");
-    explain_missed_outputs(request, answer, lines);
-    lines->push_back("This answer misses it, which does not say that no other setting meets it.");
 }
 
 }  // namespace
@@ -236,26 +243,27 @@ int vco_max_period(const REQUEST& request, const PLL& pll, int post_scale)
 {
     const int spread_max = pll.get_ss_vco_max_period(post_scale);
     const bool limited =
-        request.m_prop.m_down_spread > 0.0 && pll.m_ss_supported && spread_max != PLL_UNSET_MINIMUM;
+        request.m_spread.is_positive() && pll.m_ss_supported && spread_max != PLL_UNSET_MINIMUM;
     return limited ? spread_max : pll.get_vco_max_period(post_scale);
 }
 
 int settled_post_scale(const REQUEST& request, const ANSWER& answer)
 {
-    return answer.has_outputs() ? answer.get_pll().m_vco_post_scale
+    return answer.has_setting() ? answer.get_pll().m_vco_post_scale
                                 : nearest_post_scale(request, answer.get_pll());
 }
 
-std::vector<std::string> explain_miss(const REQUEST& request, const ANSWER& answer)
+std::vector<std::string> explain_miss(const REQUEST& request, const LIMITS& limits,
+                                      const ANSWER& answer)
 {
     LINES lines;
     if (!answer.is_met_by_library()) {
         const PLL::PLL_ERROR_TYPE error = answer.get_pll().m_error;
         lines.push_back("error " + std::to_string(static_cast<int>(error)) + ": " +
                         PLL::get_error_string(error));
-        explain_error(request, answer, &lines);
-    } else if (!answer.is_met()) {
-        explain_tolerance(request, answer, &lines);
+        explain_error(request, limits, answer, &lines);
     }
     return lines;
 }
+
+}  // namespace advice

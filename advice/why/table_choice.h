@@ -1,13 +1,13 @@
 // How the library chooses a row of the bandwidth settings table.
 #pragma once
 
-#include "app/answer/answer.h"
+#include "advice/answer/answer.h"
 
 #include "pll_info.h"
 
 #include <vector>
 
-class PLL;
+namespace advice {
 
 // Whether a PLL takes its loop filter from a table.
 bool uses_table(const PLL& pll);
@@ -18,6 +18,9 @@ int effective_m(const PLL& pll);
 
 // The largest loop bandwidth that the table's rows may have at their fast corner, Hz.
 double largest_bandwidth(const REQUEST& request, const PLL& pll);
+
+// The row that a PLL has its loop filter from; null when there is none. Owned by the device.
+const PLL_BANDWIDTH_SETTING* find_row(const PLL& pll);
 
 // One row that the library could take.
 struct ROW_CHOICE
@@ -36,3 +39,5 @@ std::vector<ROW_CHOICE> list_choices(const REQUEST& request, const ANSWER& answe
 // The index of the row that is taken: the first of the cheapest. The number of choices when none
 // is.
 std::size_t find_taken(const std::vector<ROW_CHOICE>& choices);
+
+}  // namespace advice

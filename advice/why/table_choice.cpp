@@ -1,4 +1,4 @@
-#include "app/answer/table_choice.h"
+#include "advice/why/table_choice.h"
 
 #include "pll.h"
 #include "pll_util.h"
@@ -9,6 +9,8 @@
 #include <cstdint>
 #include <limits>
 #include <new>
+
+namespace advice {
 
 namespace {
 
@@ -61,8 +63,28 @@ int effective_m(const PLL& pll)
 double largest_bandwidth(const REQUEST& request, const PLL& pll)
 {
     const double pfd_period =
-        double(std::max(request.m_prop.m_fin_period, request.m_prop.m_fin2_period)) * pll.get_n();
+        double(std::max(request.m_input.m_library_period,
+                        request.m_input2 ? request.m_input2->m_library_period : 0)) *
+        pll.get_n();
     return HZ_PS / pfd_period / pll.m_info.m_basic_info->m_bandwidth_pfd_min_frequency_multiplier;
+}
+
+const PLL_BANDWIDTH_SETTING* find_row(const PLL& pll)
+{
+    const int m = effective_m(pll);
+    const PLL_BASIC_INFO* const info = uses_table(pll) ? pll.m_info.m_basic_info : nullptr;
+    if (info == nullptr || m < 0 || m >= info->m_bandwidth_settings_table_size) {
+        return nullptr;
+    }
+    for (const PLL_BANDWIDTH_SETTING* row : info->m_bandwidth_settings_table[m].m_settings) {
+        const bool is_capacitor_any = row != nullptr && row->m_loop_filter_capacitor < 0;
+        if (row != nullptr && row->m_charge_pump_current == pll.m_i &&
+            row->m_loop_filter_resistor == pll.m_r &&
+            (is_capacitor_any || row->m_loop_filter_capacitor == pll.m_c_high)) {
+            return row;
+        }
+    }
+    return nullptr;
 }
 
 std::vector<ROW_CHOICE> list_choices(const REQUEST& request, const ANSWER& answer)
@@ -74,11 +96,12 @@ std::vector<ROW_CHOICE> list_choices(const REQUEST& request, const ANSWER& answe
     if (m < 0 || m >= info.m_bandwidth_settings_table_size) {
         return choices;
     }
-    PLL_PROP without_wish = request.m_prop;
-    without_wish.m_bandwidth_type = BANDWIDTH_AUTO;
+    const PLL_PROP prop = to_prop(request);
+    PLL_PROP without_wish = prop;
+    without_wish.m_bandwidth_type = static_cast<int>(BANDWIDTH_KIND::AUTO);
     bool is_open = true;
     for (const PLL_BANDWIDTH_SETTING* row : info.m_bandwidth_settings_table[m].m_settings) {
-        const double cost = cost_alone(pll, request.m_prop, *row);
+        const double cost = cost_alone(pll, prop, *row);
         const double pfd_cost = cost_alone(pll, without_wish, *row);
         choices.push_back({row, pfd_cost, cost - pfd_cost, cost, is_open});
         is_open = is_open && cost > DBL_EPSILON;
@@ -94,3 +117,5 @@ std::size_t find_taken(const std::vector<ROW_CHOICE>& choices)
     const bool is_taken = cheapest != choices.end() && std::isfinite(cheapest->m_cost);
     return is_taken ? static_cast<std::size_t>(cheapest - choices.begin()) : choices.size();
 }
+
+}  // namespace advice
