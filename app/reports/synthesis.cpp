@@ -171,8 +171,11 @@ void append_other_settings(const REQUEST& request, const ANSWER& answer, std::st
         const OUTPUT_PHASE& phase = answer.get_outputs()[i].m_phase;
         const std::string previous = format_phase(phase.m_any_previous);
         const std::string next = format_phase(phase.m_any_next);
-        const bool is_closer = phase.m_any_previous > phase.m_previous + SAME ||
-                               phase.m_any_next < phase.m_next - SAME;
+        const bool is_closer_before = phase.m_any_previous > phase.m_previous + SAME &&
+                                      phase.m_any_previous < phase.m_achieved - SAME;
+        const bool is_closer_behind =
+            phase.m_any_next < phase.m_next - SAME && phase.m_any_next > phase.m_achieved + SAME;
+        const bool is_closer = is_closer_before || is_closer_behind;
         if (is_closer && previous != "-" && next != "-") {
             *text += "With another VCO, " + advice::name_of_output(request, i) +
                      " could have its phase at " + previous + " or " + next + " deg.\n";
