@@ -144,20 +144,20 @@ bool search_nearest(const REGIONS& regions, EVALUATION* evaluation, KEPT_CASCADE
 
 }  // namespace
 
-bool search_by_ratio(EVALUATION* evaluation)
+RATIO_SEARCH search_by_ratio(EVALUATION* evaluation)
 {
     const PLL& pll = evaluation->pll();
     const PLL_PROP& request = evaluation->request();
     const SEARCH_LIMITS& limits = evaluation->limits();
     if (!has_ordinary_limits(pll, request, limits)) {
-        return false;
+        return RATIO_SEARCH::ODD_REQUEST;
     }
     REGIONS regions;
     for (int post_scale = 1; post_scale <= limits.m_max_post_scale; ++post_scale) {
         regions[post_scale].emplace(pll, limits, post_scale);
     }
     if (!has_ordinary_wishes(pll, request, limits.m_taps_count, largest_ratio(regions))) {
-        return false;
+        return RATIO_SEARCH::ODD_REQUEST;
     }
     KEPT_CASCADES cascades(pll, limits);
     MET_SEARCH met(evaluation, &cascades);
@@ -171,7 +171,7 @@ bool search_by_ratio(EVALUATION* evaluation)
     if (found && limits.m_may_cascade) {
         leftovers.restore(&evaluation->result());
     }
-    return found;
+    return found ? RATIO_SEARCH::DONE : RATIO_SEARCH::NOTHING_LEGAL;
 }
 
 }  // namespace pll_internal

@@ -5,8 +5,14 @@
 
 namespace pll_internal {
 
-// Searches the legal settings by their VCO ratio. Returns false, with nothing done, when only the
-// walk can tell: nothing is legal, or the request is an odd one.
-bool search_by_ratio(EVALUATION* evaluation);
+enum class RATIO_SEARCH
+{
+    DONE,
+    NOTHING_LEGAL,
+    ODD_REQUEST  // only the walk can tell
+};
+
+// Searches the legal settings by their VCO ratio. Does nothing unless it is done.
+RATIO_SEARCH search_by_ratio(EVALUATION* evaluation);
 
 }  // namespace pll_internal

@@ -2,6 +2,7 @@
 
 #include "search/evaluation.h"
 #include "search/row_walk.h"
+#include "shortcuts/closest_miss.h"
 #include "shortcuts/ratio_search.h"
 
 namespace pll_internal {
@@ -11,9 +12,13 @@ void search(const PLL& pll, const PLL_PROP& request, const SEARCH_LIMITS& limits
 {
     EVALUATION evaluation(pll, request, limits, trace, result);
     // A trace shows the walk itself, candidate by candidate.
-    if (trace != nullptr || !search_by_ratio(&evaluation)) {
-        walk_rows(&evaluation);
+    const RATIO_SEARCH by_ratio =
+        trace != nullptr ? RATIO_SEARCH::ODD_REQUEST : search_by_ratio(&evaluation);
+    if (by_ratio == RATIO_SEARCH::DONE ||
+        (by_ratio == RATIO_SEARCH::NOTHING_LEGAL && find_closest_miss(&evaluation))) {
+        return;
     }
+    walk_rows(&evaluation);
 }
 
 }  // namespace pll_internal

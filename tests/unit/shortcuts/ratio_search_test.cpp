@@ -60,7 +60,7 @@ std::string search_by(WAY way, const PLL& pll, const PLL_PROP& request)
     EVALUATION evaluation(pll, request, limits, nullptr, &result);
     if (way == WAY::WALK) {
         walk_rows(&evaluation);
-    } else if (!search_by_ratio(&evaluation)) {
+    } else if (search_by_ratio(&evaluation) != RATIO_SEARCH::DONE) {
         return "";
     }
     return text_of(result);
