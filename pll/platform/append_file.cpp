@@ -68,8 +68,16 @@ TRACE_BUFFER::int_type TRACE_BUFFER::overflow(int_type character)
 
 int TRACE_BUFFER::sync()
 {
-    write_out();
+    if (!m_is_in_record) {
+        write_out();
+    }
     return 0;
+}
+
+void TRACE_BUFFER::end_record()
+{
+    m_is_in_record = false;
+    write_out();
 }
 
 void TRACE_BUFFER::write_out()

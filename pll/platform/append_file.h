@@ -8,12 +8,12 @@
 
 namespace pll_internal {
 
-// Collects text and appends it to a file whenever the stream is flushed. What cannot be written is
-// lost in silence.
+// Collects text and appends it to a file whenever the stream is flushed, or at the end of a record.
+// What cannot be written is lost in silence.
 class TRACE_BUFFER : public std::streambuf
 {
 public:
-    TRACE_BUFFER() : m_file(-1) { reset(); }
+    TRACE_BUFFER() : m_file(-1), m_is_in_record(false) { reset(); }
     ~TRACE_BUFFER() override { close(); }
     TRACE_BUFFER(const TRACE_BUFFER&) = delete;
     TRACE_BUFFER& operator=(const TRACE_BUFFER&) = delete;
@@ -23,17 +23,22 @@ public:
     void open(const char* path);
     void close();
 
+    // Between the two, flushes wait for the end.
+    void begin_record() { m_is_in_record = true; }
+    void end_record();
+
 protected:
     int_type overflow(int_type character) override;
     int sync() override;
 
 private:
-    static constexpr std::size_t SIZE = 1024;
+    static constexpr std::size_t SIZE = 4096;
 
     void write_out();
     void reset() { setp(m_text, m_text + SIZE); }
 
     int m_file;
+    bool m_is_in_record;
     char m_text[SIZE];
 };
 
@@ -45,10 +50,28 @@ public:
 
     void open(const char* path) { m_buffer.open(path); }
     std::ostream& get() { return m_stream; }
+    TRACE_BUFFER& buffer() { return m_buffer; }
 
 private:
     TRACE_BUFFER m_buffer;
     std::ostream m_stream;
+};
+
+// The lines of one record, written together when the object goes: one system call instead of one a
+// line, which would take most of the time of a trace.
+class TRACE_RECORD
+{
+public:
+    explicit TRACE_RECORD(TRACE_STREAM* trace) : m_buffer(trace->buffer())
+    {
+        m_buffer.begin_record();
+    }
+    ~TRACE_RECORD() { m_buffer.end_record(); }
+    TRACE_RECORD(const TRACE_RECORD&) = delete;
+    TRACE_RECORD& operator=(const TRACE_RECORD&) = delete;
+
+private:
+    TRACE_BUFFER& m_buffer;
 };
 
 }  // namespace pll_internal

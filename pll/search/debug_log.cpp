@@ -5,6 +5,7 @@ namespace pll_internal {
 
 void SYNTHESIS_TRACE::request(const SEARCH_LIMITS& limits, const PLL_PROP& request)
 {
+    const TRACE_RECORD record(&m_file);
     m_file.get() << "Need to synthesize PLL with the following properties:" << std::endl;
     m_file.get() << "M limit " << limits.m_m_max << " N limit " << limits.m_n_max << std::endl;
     request.dump(m_file.get(), true, false);
@@ -12,6 +13,7 @@ void SYNTHESIS_TRACE::request(const SEARCH_LIMITS& limits, const PLL_PROP& reque
 
 void SYNTHESIS_TRACE::candidate(const PLL& candidate)
 {
+    const TRACE_RECORD record(&m_file);
     candidate.dump(m_file.get(), true, false);
 }
 
@@ -22,6 +24,7 @@ void SYNTHESIS_TRACE::new_best()
 
 void SYNTHESIS_TRACE::user_view(const PLL& candidate, const PLL_PROP& request)
 {
+    const TRACE_RECORD record(&m_file);
     m_file.get() << "Best Candidate - user view:" << std::endl;
     PLL_PROP view(candidate.m_user_taps_count);
     view.set_properties_from_internals(candidate);
@@ -31,6 +34,7 @@ void SYNTHESIS_TRACE::user_view(const PLL& candidate, const PLL_PROP& request)
 
 void SYNTHESIS_TRACE::best(const PLL& pll)
 {
+    const TRACE_RECORD record(&m_file);
     m_file.get() << "----------Best Candidate --------------------\n";
     pll.dump(m_file.get(), true, false);
 }

@@ -65,6 +65,22 @@ TEST(Trace, AppendsToWhatIsThere)
     EXPECT_EQ("before\nM 12\nno line end", read_file(path));
 }
 
+TEST(Trace, WritesTheLinesOfARecordAtItsEnd)
+{
+    const TEMP_DIR dir;
+    const std::string path = dir.file("trace.log");
+    TRACE_STREAM trace;
+    trace.open(path.c_str());
+    {
+        const TRACE_RECORD record(&trace);
+        trace.get() << "M " << 12 << std::endl << "N " << 7 << std::endl;
+        EXPECT_EQ("", read_file(path));
+    }
+    EXPECT_EQ("M 12\nN 7\n", read_file(path));
+    trace.get() << "a line" << std::endl;
+    EXPECT_EQ("M 12\nN 7\na line\n", read_file(path));
+}
+
 TEST(Trace, MakesAFileForAll)
 {
     const TEMP_DIR dir;

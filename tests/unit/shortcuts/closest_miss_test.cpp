@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace pll_internal;
+
 namespace {
 
 struct MISSES
