@@ -108,17 +108,23 @@ void NEAREST_SEARCH::search(int post_scale, const REGION& region)
         return;
     }
     m_sum.expect_ratios_up_to(ratios.m_high);
+    search_ratios(region, ratios);
+}
+
+void NEAREST_SEARCH::search_ratios(const REGION& region, RATIO_RANGE ratios)
+{
     const GRID grid = make_grid(region, ratios);
-    m_bound.bound_cells(grid.m_low, grid.m_width, grid.m_cells, m_bounds);
-    const float lowest = lowest_of(m_bounds, grid.m_cells);
+    float bounds[MAX_CELLS];
+    m_bound.bound_cells(grid.m_low, grid.m_width, grid.m_cells, bounds);
+    const float lowest = lowest_of(bounds, grid.m_cells);
     if (lowest > m_best.m_error) {
         return;
     }
-    const int first = find_low(m_bounds, 0, grid.m_cells, lowest);
+    const int first = find_low(bounds, 0, grid.m_cells, lowest);
     search_cells(region, grid, {first, first});
     finish_waiting(region);
-    m_bounds[first] = std::numeric_limits<float>::infinity();
-    search_low_cells(region, grid);
+    bounds[first] = std::numeric_limits<float>::infinity();
+    search_low_cells(region, grid, bounds);
     finish_waiting(region);
 }
 
@@ -142,26 +148,39 @@ RATIO_RANGE NEAREST_SEARCH::new_ratios_of(const REGION& region) const
 
 // Neighbours are searched together, which spares looks at columns; the more cells have been
 // searched, the fewer will be found not to be worth it on the way.
-void NEAREST_SEARCH::search_low_cells(const REGION& region, const GRID& grid)
+void NEAREST_SEARCH::search_low_cells(const REGION& region, const GRID& grid, const float* bounds)
 {
     int searched = 1;
     float limit = round_up(m_best.m_error);
-    for (int first = find_low(m_bounds, 0, grid.m_cells, limit); first < grid.m_cells;) {
+    for (int first = find_low(bounds, 0, grid.m_cells, limit); first < grid.m_cells;) {
         int last = first;
         const int end = std::min(first + searched, grid.m_cells);
-        while (last + 1 < end && m_bounds[last + 1] <= limit) {
+        while (last + 1 < end && bounds[last + 1] <= limit) {
             ++last;
         }
         search_cells(region, grid, {first, last});
         searched += last - first + 1;
         limit = round_up(m_best.m_error);
-        first = find_low(m_bounds, last + 1, grid.m_cells, limit);
+        first = find_low(bounds, last + 1, grid.m_cells, limit);
     }
+}
+
+// Whether the bounds of smaller cells would tell more, and spare a look at many settings.
+bool NEAREST_SEARCH::is_crowded(const REGION& region, RATIO_RANGE ratios)
+{
+    constexpr double MANY_SETTINGS = 20000.0;
+    constexpr double LEAST_WIDTH = 1e-4;  // of the ratio; bounds are off by a tenth of it
+    return region.count_about(ratios) > MANY_SETTINGS &&
+           ratios.m_high - ratios.m_low > LEAST_WIDTH * ratios.m_high;
 }
 
 void NEAREST_SEARCH::search_cells(const REGION& region, const GRID& grid, CELL_RANGE cells)
 {
     const RATIO_RANGE ratios{grid.edge(cells.m_first), grid.edge(cells.m_last + 1)};
+    if (cells.m_first == cells.m_last && is_crowded(region, ratios)) {
+        search_ratios(region, ratios);
+        return;
+    }
     const N_RANGE columns = region.n_range();
     for (std::int64_t n = columns.m_first; n <= columns.m_last; ++n) {
         search_column(region, region.m_between(ratios, n), n);

@@ -55,7 +55,9 @@ private:
 
     static GRID make_grid(const REGION& region, RATIO_RANGE ratios);
     RATIO_RANGE new_ratios_of(const REGION& region) const;
-    void search_low_cells(const REGION& region, const GRID& grid);
+    void search_ratios(const REGION& region, RATIO_RANGE ratios);
+    void search_low_cells(const REGION& region, const GRID& grid, const float* bounds);
+    static bool is_crowded(const REGION& region, RATIO_RANGE ratios);
     void search_cells(const REGION& region, const GRID& grid, CELL_RANGE cells);
     void search_column(const REGION& region, M_RANGE column, std::int64_t n);
     bool repeats_legal(const REGION& region, std::int64_t m, std::int64_t n, int factor) const;
@@ -84,7 +86,6 @@ private:
     ERROR_SUM::SETTINGS m_entered;  // to be bounded together
     double m_rests[LANES];          // of those, counted a little too small
     ERROR_SUM::SETTINGS m_waiting;  // to be summed together
-    float m_bounds[MAX_CELLS];
 };
 
 }  // namespace pll_internal

@@ -558,6 +558,32 @@ TEST(NearestSearch, LooksAtTheSecondPostScaleForAnMThatTheFirstHasNot)
     EXPECT_GT(second, 30);
 }
 
+// A wide range of ratios, of which only the lowest miss by little: cells that hold many settings are
+// cut into smaller ones.
+TEST(NearestSearch, LeavesWhatTheWalkLeavesInCrowdedCells)
+{
+    RANDOM_RATIOS random(37);
+    TALLY tally;
+    for (int i = 0; i < 12; ++i) {
+        PLL_PROP request(1 + random.number(4));
+        request.m_fin_period = 1000 * random.number(10);
+        for (int tap = 0; tap < request.m_taps_count; ++tap) {
+            request.m_taps[tap].m_mult = random.number(3);
+            request.m_taps[tap].m_div = 60001 + random.number(20000);
+        }
+        PLL pll(request.m_taps_count, PLL_MAX_TAPS);
+        pll.m_m.m_max_count = 900;
+        pll.m_n.m_max_count = 700;
+        pll.m_vco_min_period[1] = random.number(50);
+        pll.m_vco_max_period[1] = 20000 * random.number(10);
+        pll.m_pfd_max_period = 2000000000;
+        pll.m_output_counter_cascade = random.chance(30);
+        SCOPED_TRACE(i);
+        expect_the_walk(pll, request, &tally);
+    }
+    EXPECT_GT(tally.m_missed, 6);
+}
+
 TEST(NearestSearch, FindsNothingWhereNothingIsLegal)
 {
     PLL_PROP request(1);
