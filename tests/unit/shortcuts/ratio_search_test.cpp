@@ -558,8 +558,8 @@ TEST(NearestSearch, LooksAtTheSecondPostScaleForAnMThatTheFirstHasNot)
     EXPECT_GT(second, 30);
 }
 
-// A wide range of ratios, of which only the lowest miss by little: cells that hold many settings are
-// cut into smaller ones.
+// A wide range of ratios, of which only the lowest miss by little: cells that hold many settings
+// are cut into smaller ones.
 TEST(NearestSearch, LeavesWhatTheWalkLeavesInCrowdedCells)
 {
     RANDOM_RATIOS random(37);
