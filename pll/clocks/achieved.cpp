@@ -9,6 +9,7 @@
 #include "pll_prop.h"
 #include "pll_util.h"
 
+#include "loop/loop_model.h"
 #include "platform/append_file.h"
 #include "platform/arith.h"
 #include "platform/report_error.h"
@@ -30,7 +31,6 @@ constexpr double PERCENT = 100.0;
 constexpr double HALF = 0.5;
 constexpr double MHZ_PS = 1e6;  // frequency in MHz x period in ps
 constexpr double HZ_PS = 1e12;  // frequency in Hz x period in ps
-constexpr double PI = 3.14;
 constexpr double FARAD_PER_PF = 1e-12;
 
 // The counts that the achieved ratios are made of, and the phase that they are measured from.
@@ -108,22 +108,12 @@ void compute_feedback(const PLL_PROP& prop, const PLL& p, FEEDBACK* feedback)
         of_m, PLL_UTIL::phase_from_vco_tap_and_counter_start(tap.m_vco_tap, tap.m_initial));
 }
 
-int vco_max_period(const PLL& p)
-{
-    if (p.m_ss_cycles >= 1 && p.m_ss_supported) {
-        const int period = p.get_ss_vco_max_period(-1);
-        if (period != PLL_UNSET_MINIMUM) {
-            return period;
-        }
-    }
-    return p.get_vco_max_period(-1);
-}
-
 void compute_lock_range(PLL_PROP* prop, const PLL& p, const FEEDBACK& feedback)
 {
     const int low = safe_div(wrap_mul(p.get_vco_min_period(-1), feedback.m_mult), feedback.m_div);
     prop->m_lock_min_period = std::max(low, safe_div(p.m_pfd_min_period, feedback.m_div));
-    const int high = safe_div(wrap_mul(vco_max_period(p), feedback.m_mult), feedback.m_div);
+    const int longest = longest_vco_period(p, p.m_ss_cycles >= 1 ? SPREAD::DOWN : SPREAD::OFF, -1);
+    const int high = safe_div(wrap_mul(longest, feedback.m_mult), feedback.m_div);
     prop->m_lock_max_period = std::min(high, safe_div(p.m_pfd_max_period, feedback.m_div));
 }
 
@@ -182,16 +172,6 @@ void compute_clock(PLL_USER_TAP* clock, const PLL& p, int i, const FEEDBACK& fee
 
 // ---- Loop filter
 
-// The multiplication that the loop sees: M, the post-scale and the output in the feedback.
-int effective_m(const PLL_PROP& prop, const PLL& p)
-{
-    int m = wrap_mul(p.get_m(), p.m_vco_post_scale);
-    if (prop.m_feedback_tap >= 0) {
-        m = wrap_mul(m, PLL_UTIL::get_tap_count(&p, prop.m_feedback_tap));
-    }
-    return m;
-}
-
 bool uses_table(const PLL& p)
 {
     return p.m_info.has_info() && p.m_info.m_basic_info->m_use_bandwidth_settings_table;
@@ -222,14 +202,14 @@ const PLL_BANDWIDTH_SETTING* find_row(const PLL& p, int m)
 // Charge-pump current times resistor times VCO gain, over M and 2 pi.
 double modelled_bandwidth(const PLL& p, int m)
 {
-    return p.m_i * p.m_r * p.get_kvco(-1) / m * HALF / PI;
+    return p.m_i * p.m_r * p.get_kvco(-1) / m * HALF / FILTER_PI;
 }
 
 void compute_zero_and_pole(PLL_PROP* prop, const PLL& p)
 {
     const double both = p.m_c_fixed * p.m_c_high / (p.m_c_fixed + p.m_c_high);  // in series
-    prop->m_f_zero = 1 / (2 * PI * p.m_r * p.m_c_fixed * FARAD_PER_PF);
-    prop->m_f_pole = 1 / (2 * PI * p.m_r * both * FARAD_PER_PF);
+    prop->m_f_zero = 1 / (2 * FILTER_PI * p.m_r * p.m_c_fixed * FARAD_PER_PF);
+    prop->m_f_pole = 1 / (2 * FILTER_PI * p.m_r * both * FARAD_PER_PF);
 }
 
 void take_row(PLL_PROP* prop, const PLL_BANDWIDTH_SETTING& row)
@@ -287,7 +267,7 @@ void PLL_PROP::set_properties_from_internals(const PLL& p)
 
 void PLL_PROP::compute_bandwidth(const PLL& p)
 {
-    const int m = effective_m(*this, p);
+    const int m = effective_feedback_division(p, m_feedback_tap);
     const PLL_BANDWIDTH_SETTING* row = nullptr;
     if (uses_table(p)) {
         row = find_row(p, m);

@@ -5,10 +5,10 @@
 // 1980). The loop bandwidth is close to
 //     bw = I x R x Kvco / (2 pi F)         F: what the feedback divides by
 // and the phase margin is largest when bw is the geometric mean of zero and pole, which gives R
-// first and then I. 2 pi is taken as 6.28 throughout.
+// first and then I. Pi is FILTER_PI throughout.
 #include "filter/loop_filter.h"
 
-#include "loop/taps.h"
+#include "loop/loop_model.h"
 #include "platform/arith.h"
 
 #include <algorithm>
@@ -19,9 +19,9 @@ namespace pll_internal {
 
 namespace {
 
-constexpr double TWO_PI = 6.28;
+constexpr double TWO_PI = 2.0 * FILTER_PI;
 constexpr double PICO = 1e12;
-constexpr double RESISTOR_SCALE = 159235668789.8089;  // PICO / TWO_PI
+constexpr double RESISTOR_SCALE = PICO / TWO_PI;
 constexpr double NOT_CLOSE = 999999999.0;
 
 // The value closest to `target` among those that `is_legal` takes; the first of equals, and
@@ -97,7 +97,7 @@ double resistor_for_current(const PLL& pll, const LOOP& loop, double current,
 
 int current_resistor_product(int m, double bandwidth, double vco_gain)
 {
-    return truncate_to_int(2.0 * m * bandwidth * 3.14 / vco_gain);
+    return truncate_to_int(2.0 * m * bandwidth * FILTER_PI / vco_gain);
 }
 
 void synthesize_loop_filter(PLL* pll, int fin_period, double bandwidth, bool spread)

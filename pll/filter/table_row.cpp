@@ -8,7 +8,7 @@
 #include "pll_util.h"
 
 #include "clocks/bandwidth_type.h"
-#include "loop/taps.h"
+#include "loop/loop_model.h"
 #include "platform/arith.h"
 #include "platform/report_error.h"
 

@@ -5,9 +5,6 @@
 
 namespace pll_internal {
 
-// M times post-scale times the count of the feedback output: what the loop divides by.
-int effective_feedback_division(const PLL& pll);
-
 // Clocks to walk over: never more than a record holds, never less than none.
 inline int clamp_taps(int count)
 {

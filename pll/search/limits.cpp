@@ -2,6 +2,7 @@
 #include "search/limits.h"
 
 #include "clocks/bandwidth_type.h"
+#include "loop/loop_model.h"
 #include "loop/taps.h"
 #include "platform/arith.h"
 #include "platform/report_error.h"
@@ -49,10 +50,8 @@ int last_or_zero(const MEM_VECTOR<int>& values)
 
 VCO_LIMITS SEARCH_LIMITS::get_vco(const PLL& pll, int post_scale) const
 {
-    const int ss_max = pll.get_ss_vco_max_period(post_scale);
-    const bool use_ss_max = m_spread && ss_max != PLL_UNSET_MINIMUM && pll.m_ss_supported;
     return {double(pll.get_vco_min_period(post_scale)),
-            double(use_ss_max ? ss_max : pll.get_vco_max_period(post_scale)),
+            double(longest_vco_period(pll, m_spread ? SPREAD::DOWN : SPREAD::OFF, post_scale)),
             pll.get_vco_center_period(post_scale)};
 }
 

@@ -9,6 +9,7 @@
 
 #include "pll_util.h"
 
+#include "loop/loop_model.h"
 #include "loop/taps.h"
 #include "platform/arith.h"
 #include "search/candidate.h"

@@ -4,6 +4,7 @@
 #include "pll.h"
 
 #include "filter/loop_filter.h"
+#include "loop/loop_model.h"
 #include "platform/arith.h"
 #include "search/limits.h"
 
@@ -102,7 +103,7 @@ void REGION::narrow_m_to_bandwidth(const SEARCH_LIMITS& limits, double vco_gain)
     const auto product = [&](std::int64_t m) {
         return current_resistor_product(int(m), bandwidth, vco_gain);
     };
-    const double products_per_m = 2.0 * bandwidth * 3.14 / vco_gain;
+    const double products_per_m = 2.0 * bandwidth * FILTER_PI / vco_gain;
     m_m.m_first =
         first_that_holds(m_m.m_first, m_m.m_last, limits.m_product_min / products_per_m,
                          [&](std::int64_t m) { return product(m) >= limits.m_product_min; });
