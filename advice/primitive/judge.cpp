@@ -108,6 +108,12 @@ LEGALITY legality_of(const std::vector<JUDGED_FIGURE>& figures)
 
 }  // namespace
 
+std::vector<JUDGED_FIGURE> judge_for(const PRIMITIVE_SETTING& setting,
+                                     const CANDIDATE_DEVICE& device)
+{
+    return JUDGE(setting, device).run();
+}
+
 const char* name_of(LEGALITY legality)
 {
     switch (legality) {
@@ -138,7 +144,7 @@ void judge(JUDGED_INSTANCE* instance)
 {
     bool is_first = true;
     for (const CANDIDATE_DEVICE& device : instance->m_devices) {
-        std::vector<JUDGED_FIGURE> figures = JUDGE(instance->m_setting, device).run();
+        std::vector<JUDGED_FIGURE> figures = judge_for(instance->m_setting, device);
         const LEGALITY legality = legality_of(figures);
         if (is_first) {
             instance->m_legality = legality;

@@ -50,6 +50,10 @@ struct JUDGED_INSTANCE
     std::vector<JUDGED_FIGURE> m_figures;  // of the first device that decides
 };
 
+// All figures of one device against a setting.
+std::vector<JUDGED_FIGURE> judge_for(const PRIMITIVE_SETTING& setting,
+                                     const CANDIDATE_DEVICE& device);
+
 // Judges a setting for every device that it may stand in.
 void judge(JUDGED_INSTANCE* instance);
 

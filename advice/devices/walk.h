@@ -1,0 +1,29 @@
+// The walk over all settings of a plan.
+#pragma once
+
+#include "advice/devices/device_answer.h"
+#include "advice/devices/plan.h"
+
+#include <cmath>
+
+namespace advice {
+
+// What settings are compared by; the first that differs decides, the smaller is better.
+struct RANK
+{
+    bool m_is_missed = true;  // some wish
+    bool m_is_detour = true;
+    double m_error = HUGE_VAL;  // of the objective
+    double m_cost = HUGE_VAL;   // frequencies nearly met, phases and duty cycles
+    int m_order = 0;
+    double m_n = 0.0;
+    bool m_has_large_m = false;
+    double m_vco_period = 0.0;
+
+    bool operator<(const RANK& other) const;
+};
+
+// Replaces the best answer and its rank by those of a setting of the plan that ranks before it.
+void walk_plan(const DEVICE_REQUEST& request, const PLAN& plan, DEVICE_ANSWER* best, RANK* rank);
+
+}  // namespace advice
