@@ -10,6 +10,7 @@
 #include "app/output/input_error.h"
 #include "app/output/internal_errors.h"
 #include "app/output/output.h"
+#include "app/primitive/commands.h"
 #include "app/reports/reports.h"
 #include "app/words/quantity.h"
 #include "app/words/usage_error.h"
@@ -66,6 +67,9 @@ EXIT_STATUS list_ratios(const COMMAND_LINE& line, std::string* text)
 
 EXIT_STATUS list_devices(const COMMAND_LINE& line, std::string* text)
 {
+    if (!line.m_device.m_family && !find_database(line.m_device.m_database)) {
+        return static_cast<EXIT_STATUS>(list_real_devices(line.m_list_form, text));
+    }
     std::vector<std::string> failures;
     *text = report_devices(line.m_device, line.m_list_form, &failures);
     write_errors(failures);
@@ -139,8 +143,28 @@ EXIT_STATUS show_table(const COMMAND_LINE& line, std::string* text)
     return findings.empty() ? STATUS_MET : STATUS_NOT_MET;
 }
 
+EXIT_STATUS answer_on_real_device(const COMMAND_LINE& line, std::string* text)
+{
+    if (!(line.m_limits == LIMIT_WORDS())) {
+        throw USAGE_ERROR("--device", "not together with limits by hand");
+    }
+    const ANSWER_FORM form = line.m_list_form == LIST_FORM::JSON ? ANSWER_FORM::JSON
+                             : line.m_is_summary                 ? ANSWER_FORM::SUMMARY
+                                                                 : ANSWER_FORM::TEXT;
+    return static_cast<EXIT_STATUS>(
+        answer_for_real_device(line.m_primitive, line.m_request, form, text));
+}
+
 EXIT_STATUS answer_request(const COMMAND_LINE& line, std::string* text)
 {
+    if (line.m_primitive.m_device) {
+        return answer_on_real_device(line, text);
+    }
+    if (line.m_list_form != LIST_FORM::TABLE) {
+        throw USAGE_ERROR("--format", "unknown option; of lists: ratios, devices, device, table, "
+                                      "limits, and of answers with --device; for one line see "
+                                      "--summary");
+    }
     const std::unique_ptr<DEVICE> device = open_device(line.m_device);
     const REQUEST request = read_request(line.m_request, line.m_limits, device.get());
     const ANSWER answer(request, *request.m_limits, advice::EFFORT::THOROUGH);
@@ -219,6 +243,8 @@ EXIT_STATUS run_command(int count, const char* const* words, std::string* text)
         return STATUS_MET;
     case COMMAND::LINT:
         return lint_database(line->m_lint, text);
+    case COMMAND::VERIFY:
+        return static_cast<EXIT_STATUS>(verify_file(line->m_primitive, line->m_list_form, text));
     case COMMAND::SYNTH:
     case COMMAND::STEPS:
     case COMMAND::DUMP:

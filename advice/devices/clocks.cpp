@@ -79,7 +79,7 @@ RATIONAL phase_distance(const RATIONAL& a, const RATIONAL& b)
 }
 
 void place_clock(const OUTPUT_WISH& wish, const SHEET& sheet, const PLAN_CLOCK& plan,
-                 const std::string& primitive, DEVICE_CLOCK* clock)
+                 const std::string& primitive, bool is_fed_back, DEVICE_CLOCK* clock)
 {
     const auto has = [&](PARAMETER_ROLE role) {
         return sheet.find_parameter(role, plan.m_output, primitive) != nullptr;
@@ -90,9 +90,11 @@ void place_clock(const OUTPUT_WISH& wish, const SHEET& sheet, const PLAN_CLOCK& 
     clock->m_duty = HALF;
     if (has(PARAMETER_ROLE::SIXTEENTHS_PHASE)) {
         place_in_table(wish.m_phase, clock);
-    } else if (clock->m_count.is_integer() && has(PARAMETER_ROLE::COARSE_PHASE)) {
+    } else if (is_fed_back || !clock->m_count.is_integer()) {
+        // Nothing that could move it.
+    } else if (has(PARAMETER_ROLE::COARSE_PHASE)) {
         place_delay(wish.m_phase, LARGEST_COARSE, clock);
-    } else if (clock->m_count.is_integer() && has(PARAMETER_ROLE::DEGREES)) {
+    } else if (has(PARAMETER_ROLE::DEGREES)) {
         place_delay(wish.m_phase, LARGEST_DELAY, clock);
     }
     if (has(PARAMETER_ROLE::DUTY_SHARE)) {

@@ -6,9 +6,10 @@
 
 namespace advice {
 
-// Fills phase, step, delay and duty cycle of a clock whose counts are known.
+// Fills phase, step, delay and duty cycle of a clock whose counts are known. The one that is fed
+// back stays in phase with the input, wherever its counter starts.
 void place_clock(const OUTPUT_WISH& wish, const SHEET& sheet, const PLAN_CLOCK& plan,
-                 const std::string& primitive, DEVICE_CLOCK* clock);
+                 const std::string& primitive, bool is_fed_back, DEVICE_CLOCK* clock);
 
 // The distance between two phases in degrees, at most half a turn.
 RATIONAL phase_distance(const RATIONAL& a, const RATIONAL& b);

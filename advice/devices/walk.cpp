@@ -292,7 +292,8 @@ private:
             clock.m_division = m_divisions[i];
             clock.m_frequency = m_vco / clock.m_division;
             clock.m_error = clock.m_frequency * MEGA / wish.m_frequency - RATIONAL(1);
-            place_clock(wish, m_sheet, plan, m_sheet.m_primitives.front(), &clock);
+            place_clock(wish, m_sheet, plan, m_sheet.m_primitives.front(),
+                        plan.m_counter == m_plan.m_fed_back, &clock);
             const TOLERANCES& tolerances = m_tolerances[i];
             clock.m_frequency_missed = !(clock.m_error.magnitude() <= tolerances.m_frequency);
             clock.m_phase_missed =

@@ -22,7 +22,8 @@ public:
     {
         compare(FIGURE_KIND::N, "", m_setting.m_n);
         compare(FIGURE_KIND::M, "", m_setting.m_m);
-        if (m_setting.m_input) {
+        const bool is_computed = m_setting.m_input && m_setting.m_problem.empty();
+        if (is_computed) {
             compare(FIGURE_KIND::INPUT, "", *m_setting.m_input);
             compare(FIGURE_KIND::PFD, "", m_setting.m_pfd);
             compare(FIGURE_KIND::VCO, "", m_setting.m_vco);
@@ -34,7 +35,7 @@ public:
             if (output.m_has_counter) {
                 compare(FIGURE_KIND::COUNT, output.m_sheet_name, output.m_count);
             }
-            if (m_setting.m_input) {
+            if (is_computed) {
                 compare_frequency(output);
             }
         }
@@ -143,9 +144,13 @@ bool JUDGED_FIGURE::depends() const
 void judge(JUDGED_INSTANCE* instance)
 {
     bool is_first = true;
+    const bool is_complete = instance->m_setting.m_input && instance->m_setting.m_problem.empty();
     for (const CANDIDATE_DEVICE& device : instance->m_devices) {
         std::vector<JUDGED_FIGURE> figures = judge_for(instance->m_setting, device);
-        const LEGALITY legality = legality_of(figures);
+        LEGALITY legality = legality_of(figures);
+        if (legality == LEGALITY::LEGAL && !is_complete) {
+            legality = LEGALITY::DEPENDS;
+        }
         if (is_first) {
             instance->m_legality = legality;
             instance->m_figures = std::move(figures);

@@ -136,6 +136,13 @@ const COMMAND_ENTRY COMMANDS[] = {
      "Lists the error values and their texts.", false, DEVICE_OPTIONS::NONE, false},
     {"lint", COMMAND::LINT, "what is wrong with the files of a device database", LINT_EXAMPLES,
      "Looks for mistakes in the files of a device database.", false, DEVICE_OPTIONS::NONE, false},
+    {"verify", COMMAND::VERIFY,
+     "what the PLL primitives of a Verilog file do, and whether they may",
+     "  pllcalc verify top.v\n"
+     "  pllcalc verify --input 25MHz --device ecp5 pll.v --format json\n",
+     "Recomputes the PLL primitives of a Verilog file and holds them against the limits of their\n"
+     "devices (exit status 1 when one is illegal, 2 when there is none).",
+     false, DEVICE_OPTIONS::NONE, true},
 };
 
 std::vector<std::string_view> list_commands()
@@ -235,6 +242,25 @@ void add_limit_options(CLI::App* app, LIMIT_WORDS* words, bool has_m)
     add_text(app, "--taps", "LIST", "legal VCO phase taps, such as 0-7", &words->m_taps);
 }
 
+void add_primitive_options(const COMMAND_ENTRY& entry, CLI::App* app, PRIMITIVE_WORDS* words)
+{
+    if (entry.m_command != COMMAND::SYNTH && entry.m_command != COMMAND::VERIFY) {
+        return;
+    }
+    add_text(app, "--device", "NAME[:GRADE]", "a real device, see 'pllcalc devices'",
+             &words->m_device);
+    if (entry.m_command == COMMAND::VERIFY) {
+        add_text(app, "FILE", "FILE|-", "Verilog, - for the standard input", &words->m_file);
+        add_text(app, "--input", "FREQ", "the input clock, where the file gives none",
+                 &words->m_input);
+        return;
+    }
+    add_text(app, "--objective", "WHICH", "with --device: sum (default) or worst error to be least",
+             &words->m_objective);
+    app->add_flag("--no-fraction", words->m_no_fraction, "with --device: no counts in eighths")
+        ->disable_flag_override();
+}
+
 void add_device_options(DEVICE_OPTIONS options, CLI::App* app, DEVICE_WORDS* words)
 {
     if (options == DEVICE_OPTIONS::NONE) {
@@ -309,10 +335,11 @@ void add_options(const COMMAND_ENTRY& entry, CLI::App* app, COMMAND_LINE* line)
         add_text(app, "-i,--in", "FREQ", "input clock", &line->m_request.m_in);
     }
     add_device_options(entry.m_device_options, app, &line->m_device);
+    add_primitive_options(entry, app, &line->m_primitive);
     if (entry.m_command == COMMAND::TABLE) {
         add_text(app, "--m", "M", "only the rows of this effective M", &line->m_effective_m);
     }
-    if (entry.m_takes_format) {
+    if (entry.m_takes_format || entry.m_command == COMMAND::SYNTH) {
         add_format_option(app, &line->m_list_form);
     }
 }
@@ -333,7 +360,8 @@ const MISPLACED MISPLACED_OPTIONS[] = {
     {"--ratio", "a ratio stands in the place of a frequency: --out ratio=11/2"},
     {"--format", "of lists: ratios, devices, device, table, limits; for one line see --summary"},
     {"--json", "lists have --format json"},
-    {"--device", "a device is named by --database, --family and --part"},
+    {"--device", "real devices are for synth and verify; others are named by --database, --family "
+                 "and --part"},
 };
 
 // The first word that no option took.
@@ -434,6 +462,9 @@ bool parse(const COMMAND_ENTRY& entry, int count, const char* const* words, COMM
     }
     if (entry.m_command == COMMAND::LINT) {
         require_lint_path(line->m_lint);
+    }
+    if (entry.m_command == COMMAND::VERIFY && !line->m_primitive.m_file) {
+        throw USAGE_ERROR("FILE", "missing; a Verilog file, or - for the standard input");
     }
     return true;
 }

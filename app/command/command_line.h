@@ -4,6 +4,7 @@
 #include "app/devices/device.h"
 #include "app/devices/new_device.h"
 #include "app/lint/lint.h"
+#include "app/primitive/words.h"
 #include "app/reports/reports.h"
 #include "app/request/request.h"
 
@@ -22,7 +23,8 @@ enum class COMMAND
     LIMITS,
     NEW_DEVICE,
     ERRORS,
-    LINT
+    LINT,
+    VERIFY
 };
 
 struct COMMAND_LINE
@@ -31,6 +33,7 @@ struct COMMAND_LINE
     REQUEST_WORDS m_request;  // of ratios, the input alone
     LIMIT_WORDS m_limits;
     DEVICE_WORDS m_device;
+    PRIMITIVE_WORDS m_primitive;
     NEW_DEVICE_WORDS m_new_device;
     bool m_is_summary = false;
     std::optional<std::string> m_effective_m;  // of table, the M whose rows are wanted

@@ -4,6 +4,7 @@
 #include "app/lint/devices.h"
 #include "app/lint/observer.h"
 #include "app/lint/print.h"
+#include "app/lint/sheets.h"
 #include "app/output/input_file.h"
 #include "app/output/internal_errors.h"
 
@@ -144,7 +145,8 @@ struct TARGET
     {
         DIRECTORY,
         FAMILY_FILE,
-        TABLE_FILE
+        TABLE_FILE,
+        SHEET
     } m_kind;
 };
 
@@ -157,6 +159,9 @@ TARGET find_target(const LINT_REQUEST& request)
     }
     if (path.filename() == PATH_FILE) {
         return {path.has_parent_path() ? path.parent_path().string() : ".", TARGET::DIRECTORY};
+    }
+    if (request.m_target == LINT_TARGET::BY_CONTENT && is_sheet(request.m_path)) {
+        return {request.m_path, TARGET::SHEET};
     }
     const bool is_table =
         request.m_target == LINT_TARGET::TABLE_FILE ||
@@ -171,6 +176,10 @@ void look_at(const TARGET& target, LINT_MESSAGES* messages)
     switch (target.m_kind) {
     case TARGET::DIRECTORY:
         lint_directory(target.m_path, &observer, messages);
+        lint_sheets(target.m_path, messages);
+        break;
+    case TARGET::SHEET:
+        lint_sheet(target.m_path, messages);
         break;
     case TARGET::FAMILY_FILE:
         lint_family_file(target.m_path, &observer, messages);

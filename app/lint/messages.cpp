@@ -14,6 +14,12 @@ void LINT_MESSAGES::add(std::size_t rule, const LINT_PLACE& place, std::string t
     m_messages.push_back({rule, place, std::move(text)});
 }
 
+void LINT_MESSAGES::remove_if(const std::function<bool(const LINT_MESSAGE&)>& is_unwanted)
+{
+    m_messages.erase(std::remove_if(m_messages.begin(), m_messages.end(), is_unwanted),
+                     m_messages.end());
+}
+
 void LINT_MESSAGES::sort()
 {
     const auto key = [this](const LINT_MESSAGE& message) {

@@ -4,6 +4,7 @@
 #include "pll_observer.h"
 
 #include <cstddef>
+#include <functional>
 #include <map>
 #include <string>
 #include <string_view>
@@ -20,7 +21,8 @@ enum class DEVICE_FINDING
     TABLE_SIZE,
     PRESET_OUTSIDE_TABLE,
     ROW_OUTSIDE_LISTS,
-    INIT_FAILS
+    INIT_FAILS,
+    DEVICE_SHEET
 };
 
 // A kind of message. Rules are known by their index: first those of the library's findings, then
@@ -64,6 +66,8 @@ public:
     void meet(const std::string& file);
 
     void add(std::size_t rule, const LINT_PLACE& place, std::string text);
+
+    void remove_if(const std::function<bool(const LINT_MESSAGE&)>& is_unwanted);
 
     // Puts them in order; call it before they are read.
     void sort();

@@ -145,6 +145,7 @@ const DEVICE_RULE DEVICE_RULES[] = {
     {DEVICE_FINDING::ROW_OUTSIDE_LISTS, "row-outside-lists",
      "A row of a bandwidth table has a component that the PLL type does not list."},
     {DEVICE_FINDING::INIT_FAILS, "init-fails", "A PLL cannot be initialised."},
+    {DEVICE_FINDING::DEVICE_SHEET, "device-sheet", "A device sheet cannot be used."},
 };
 // clang-format on
 
@@ -210,7 +211,8 @@ const std::vector<LINT_RULE>& lint_rules()
                              pll_is_read_error(rule.m_finding), rule.m_description});
         }
         for (const DEVICE_RULE& rule : DEVICE_RULES) {
-            rules.push_back({rule.m_name, false, rule.m_description});
+            rules.push_back(
+                {rule.m_name, rule.m_finding == DEVICE_FINDING::DEVICE_SHEET, rule.m_description});
         }
         return rules;
     }();

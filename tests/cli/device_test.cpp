@@ -83,7 +83,7 @@ TEST(CliDevice, EnvironmentNamesTheDatabaseAndTheCommandLineWins)
 TEST(CliDevice, EmptyEnvironmentNamesNoDatabase)
 {
     const DATABASE_VARIABLE variable("");
-    EXPECT_EQ(2, run_pllcalc("devices").m_status);
+    EXPECT_EQ(2, run_pllcalc("devices --family Sorrel").m_status);
 }
 
 TEST(CliDevice, EnvironmentAloneLeavesRequestsOnTheBuiltInLimits)

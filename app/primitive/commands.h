@@ -1,0 +1,28 @@
+// The commands that know real devices.
+#pragma once
+
+#include "app/output/record_list.h"
+#include "app/primitive/words.h"
+#include "app/request/request.h"
+
+#include <string>
+
+// All receive their text in `text` and return the exit status. They throw a USAGE_ERROR for words
+// that they do not understand, an INPUT_ERROR for files that cannot be read.
+
+// verify FILE|-: the primitives of a hardware description.
+int verify_file(const PRIMITIVE_WORDS& words, LIST_FORM form, std::string* text);
+
+enum class ANSWER_FORM
+{
+    TEXT,
+    SUMMARY,
+    JSON
+};
+
+// synth --device.
+int answer_for_real_device(const PRIMITIVE_WORDS& words, const REQUEST_WORDS& request,
+                           ANSWER_FORM form, std::string* text);
+
+// devices without a database: those that have sheets.
+int list_real_devices(LIST_FORM form, std::string* text);
