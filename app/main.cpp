@@ -148,11 +148,21 @@ EXIT_STATUS answer_on_real_device(const COMMAND_LINE& line, std::string* text)
     if (!(line.m_limits == LIMIT_WORDS())) {
         throw USAGE_ERROR("--device", "not together with limits by hand");
     }
-    const ANSWER_FORM form = line.m_list_form == LIST_FORM::JSON ? ANSWER_FORM::JSON
-                             : line.m_is_summary                 ? ANSWER_FORM::SUMMARY
-                                                                 : ANSWER_FORM::TEXT;
+    const ANSWER_FORM form = line.m_command == COMMAND::EXPORT     ? ANSWER_FORM::EXPORT
+                             : line.m_list_form == LIST_FORM::JSON ? ANSWER_FORM::JSON
+                             : line.m_is_summary                   ? ANSWER_FORM::SUMMARY
+                                                                   : ANSWER_FORM::TEXT;
     return static_cast<EXIT_STATUS>(
         answer_for_real_device(line.m_primitive, line.m_request, form, text));
+}
+
+EXIT_STATUS export_instance(const COMMAND_LINE& line, std::string* text)
+{
+    if (line.m_primitive.m_device) {
+        return answer_on_real_device(line, text);
+    }
+    return static_cast<EXIT_STATUS>(
+        export_generic(line.m_primitive, line.m_request, line.m_limits, text));
 }
 
 EXIT_STATUS answer_request(const COMMAND_LINE& line, std::string* text)
@@ -245,6 +255,8 @@ EXIT_STATUS run_command(int count, const char* const* words, std::string* text)
         return lint_database(line->m_lint, text);
     case COMMAND::VERIFY:
         return static_cast<EXIT_STATUS>(verify_file(line->m_primitive, line->m_list_form, text));
+    case COMMAND::EXPORT:
+        return export_instance(*line, text);
     case COMMAND::SYNTH:
     case COMMAND::STEPS:
     case COMMAND::DUMP:

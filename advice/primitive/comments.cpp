@@ -69,7 +69,9 @@ std::vector<CLAIM> read_claims(const std::string& text)
             continue;
         }
         std::size_t end = at;
-        while (end < text.size() && (is_digit(text[end]) || text[end] == '.')) {
+        while (end < text.size() &&
+               (is_digit(text[end]) || text[end] == '.' ||
+                (text[end] == '/' && end + 1 < text.size() && is_digit(text[end + 1])))) {
             ++end;
         }
         const std::string number = text.substr(at, end - at);
@@ -81,8 +83,10 @@ std::vector<CLAIM> read_claims(const std::string& text)
         const std::optional<RATIONAL> value = RATIONAL::parse(number);
         if (unit != nullptr && value) {
             const std::size_t point = number.find('.');
+            const bool is_fraction = number.find('/') != std::string::npos;
             const int decimals =
-                point == std::string::npos
+                is_fraction ? MAX_DECIMALS
+                : point == std::string::npos
                     ? 0
                     : std::min(static_cast<int>(number.size() - point - 1), MAX_DECIMALS);
             claims.push_back(

@@ -143,6 +143,14 @@ const COMMAND_ENTRY COMMANDS[] = {
      "Recomputes the PLL primitives of a Verilog file and holds them against the limits of their\n"
      "devices (exit status 1 when one is illegal, 2 when there is none).",
      false, DEVICE_OPTIONS::NONE, true},
+    {"export", COMMAND::EXPORT, "the settings as an instance of the device's primitive",
+     "  pllcalc export --as verilog --device ecp5 --in 25MHz --out pix=125MHz --out 250MHz\n"
+     "  pllcalc export --as vhdl --device gw1nr-9c --in 27MHz --out 126MHz --module clocks\n"
+     "  pllcalc export --as lpf --device ecp5 --in 25MHz --out 125MHz\n",
+     "Writes the settings as a module with an instance of the device's primitive, or the "
+     "constraint\n"
+     "of its input clock; without --device, an instance of a generic PLL.",
+     true, DEVICE_OPTIONS::NONE, false},
 };
 
 std::vector<std::string_view> list_commands()
@@ -242,9 +250,20 @@ void add_limit_options(CLI::App* app, LIMIT_WORDS* words, bool has_m)
     add_text(app, "--taps", "LIST", "legal VCO phase taps, such as 0-7", &words->m_taps);
 }
 
+void add_export_options(CLI::App* app, PRIMITIVE_WORDS* words)
+{
+    add_text(app, "--as", "FORM",
+             "verilog (default), systemverilog, vhdl, xdc, lpf, pcf, cst or sdc", &words->m_as);
+    add_text(app, "--module", "NAME", "name of the module (default pll_clocks)", &words->m_module);
+    add_text(app, "--template", "FILE", "a template of your own", &words->m_template);
+    app->add_flag("--body", words->m_with_body, "with an empty body of the primitive")
+        ->disable_flag_override();
+}
+
 void add_primitive_options(const COMMAND_ENTRY& entry, CLI::App* app, PRIMITIVE_WORDS* words)
 {
-    if (entry.m_command != COMMAND::SYNTH && entry.m_command != COMMAND::VERIFY) {
+    if (entry.m_command != COMMAND::SYNTH && entry.m_command != COMMAND::VERIFY &&
+        entry.m_command != COMMAND::EXPORT) {
         return;
     }
     add_text(app, "--device", "NAME[:GRADE]", "a real device, see 'pllcalc devices'",
@@ -254,6 +273,9 @@ void add_primitive_options(const COMMAND_ENTRY& entry, CLI::App* app, PRIMITIVE_
         add_text(app, "--input", "FREQ", "the input clock, where the file gives none",
                  &words->m_input);
         return;
+    }
+    if (entry.m_command == COMMAND::EXPORT) {
+        add_export_options(app, words);
     }
     add_text(app, "--objective", "WHICH", "with --device: sum (default) or worst error to be least",
              &words->m_objective);

@@ -24,7 +24,8 @@ enum class COMMAND
     NEW_DEVICE,
     ERRORS,
     LINT,
-    VERIFY
+    VERIFY,
+    EXPORT
 };
 
 struct COMMAND_LINE

@@ -2,14 +2,17 @@
 
 #include "advice/devices/device_answer.h"
 #include "advice/sheets/catalog.h"
+#include "app/output/characters.h"
 #include "app/output/input_error.h"
 #include "app/output/input_file.h"
 #include "app/output/text_table.h"
 #include "app/primitive/device_report.h"
+#include "app/primitive/export.h"
 #include "app/primitive/verify.h"
 #include "app/words/quantity.h"
 #include "app/words/usage_error.h"
 
+#include <cstdio>
 #include <fstream>
 #include <iostream>
 #include <iterator>
@@ -126,6 +129,23 @@ void refuse_delays(const REQUEST& request)
     }
 }
 
+// What belongs beside a text that other programs read.
+void write_warning(const std::string& text)
+{
+    std::fprintf(stderr, "pllcalc: %s\n", make_visible(text).c_str());
+}
+
+void export_answer(const PRIMITIVE_WORDS& words, const advice::DEVICE_REQUEST& request,
+                   const advice::DEVICE_ANSWER& answer, std::string* text)
+{
+    if (answer.m_has_setting) {
+        *text = write_export(words, advice::make_hdl(request, answer, name_of_module(words)));
+    }
+    for (const std::string& reason : answer.m_reasons) {
+        write_warning(reason);
+    }
+}
+
 std::string join_grades(const SHEET& sheet)
 {
     std::string text;
@@ -153,7 +173,7 @@ int verify_file(const PRIMITIVE_WORDS& words, LIST_FORM form, std::string* text)
     advice::VERIFY_OPTIONS options;
     options.m_device = choose_device(catalog, words);
     if (words.m_input) {
-        options.m_input = in_megahertz(read_frequency("--input", *words.m_input));
+        options.m_input = in_megahertz(read_clock("--input", *words.m_input).m_frequency);
     }
     const std::string file = words.m_file.value_or(STANDARD_INPUT);
     const advice::VERILOG_VERDICT verdict =
@@ -194,8 +214,25 @@ int answer_for_real_device(const PRIMITIVE_WORDS& words, const REQUEST_WORDS& re
     case ANSWER_FORM::JSON:
         *text = write_json_device_answer(request, answer, status);
         break;
+    case ANSWER_FORM::EXPORT:
+        export_answer(words, request, answer, text);
+        break;
     }
     return status;
+}
+
+int export_generic(const PRIMITIVE_WORDS& words, const REQUEST_WORDS& request_words,
+                   const LIMIT_WORDS& limits, std::string* text)
+{
+    const REQUEST request = read_request(request_words, limits, nullptr);
+    const ANSWER answer(request, *request.m_limits, advice::EFFORT::THOROUGH);
+    if (answer.has_setting()) {
+        *text = write_export(words, make_generic_hdl(request, answer, name_of_module(words)));
+    }
+    if (!answer.is_met()) {
+        write_warning("NOT MET; see synth for the reasons");
+    }
+    return answer.is_met() ? STATUS_MET : STATUS_NOT_MET;
 }
 
 int list_real_devices(LIST_FORM form, std::string* text)

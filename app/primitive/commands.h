@@ -17,12 +17,17 @@ enum class ANSWER_FORM
 {
     TEXT,
     SUMMARY,
-    JSON
+    JSON,
+    EXPORT  // the instance of its primitive; nothing when there is no setting
 };
 
 // synth --device.
 int answer_for_real_device(const PRIMITIVE_WORDS& words, const REQUEST_WORDS& request,
                            ANSWER_FORM form, std::string* text);
+
+// export without a device.
+int export_generic(const PRIMITIVE_WORDS& words, const REQUEST_WORDS& request,
+                   const LIMIT_WORDS& limits, std::string* text);
 
 // devices without a database: those that have sheets.
 int list_real_devices(LIST_FORM form, std::string* text);
