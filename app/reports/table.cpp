@@ -7,7 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
-#include <iostream>
+#include <locale>
 #include <sstream>
 
 using advice::effective_m;
@@ -61,18 +61,19 @@ void for_each_row(const PLL_BASIC_INFO& info, std::optional<int> effective_m, US
     }
 }
 
-// The library writes its findings to the standard output, a line each.
+void append_line(const PLL_TABLE_FINDING& finding, void* context)
+{
+    std::ostringstream line;
+    line.imbue(std::locale::classic());
+    pll_write_table_finding(line, finding);
+    static_cast<std::vector<std::string>*>(context)->push_back(line.str());
+}
+
+// The findings of the library's check, a line each.
 std::vector<std::string> check_table(const PLL_INFO& info)
 {
-    std::ostringstream written;
-    std::streambuf* const output = std::cout.rdbuf(written.rdbuf());
-    info.is_bandwidth_settings_table_valid();
-    std::cout.rdbuf(output);
     std::vector<std::string> lines;
-    std::istringstream stream(written.str());
-    for (std::string line; std::getline(stream, line);) {
-        lines.push_back(line);
-    }
+    info.check_bandwidth_settings_table(append_line, &lines);
     return lines;
 }
 

@@ -14,40 +14,44 @@ namespace {
 
 constexpr const char* SOURCE = "pll_info";
 
-// Writes findings in plain decimal, whatever the format of the standard output, and restores it.
+// Hands findings on and counts them.
 class FINDINGS
 {
 public:
-    FINDINGS() : m_stream(std::cout.rdbuf()), m_count(0) { m_stream.imbue(std::locale::classic()); }
+    FINDINGS(PLL_TABLE_FINDING_HANDLER handler, void* context)
+        : m_handler(handler), m_context(context)
+    {
+    }
 
-    template <class... ITEM>
-    void write(const ITEM&... items)
+    void add(PLL_TABLE_FINDING_KIND kind, int m = 0, int value = 0)
     {
         ++m_count;
-        (m_stream << ... << items) << std::endl;
+        if (m_handler != nullptr) {
+            m_handler({kind, m, value}, m_context);
+        }
     }
 
     bool is_empty() const { return m_count == 0; }
 
 private:
-    std::ostream m_stream;
-    int m_count;
+    PLL_TABLE_FINDING_HANDLER m_handler;
+    void* m_context;
+    int m_count = 0;
 };
 
 // Returns the largest effective M that the device can set.
 int check_size(const PLL_BASIC_INFO& basic_info, FINDINGS* findings)
 {
     if (!basic_info.m_use_bandwidth_settings_table) {
-        findings->write("Error: Bandwidth settings table set to not be used");
+        findings->add(PLL_TABLE_FINDING_KIND::TABLE_NOT_USED);
     }
     const int size = basic_info.m_bandwidth_settings_table_size;
     if (size < 1) {
-        findings->write("Error: Bandwidth settings table size must be greater than 0");
+        findings->add(PLL_TABLE_FINDING_KIND::SIZE_TOO_SMALL);
     }
     const int max_m = wrap_mul(basic_info.m_vco_post_scale_counter_max, basic_info.m_m_counter_max);
     if (wrap_add(max_m, 1) != size) {
-        findings->write("Error: max M size of ", max_m, " must be one less than table size of ",
-                        size);
+        findings->add(PLL_TABLE_FINDING_KIND::SIZE_DIFFERS, max_m, size);
     }
     return max_m;
 }
@@ -56,23 +60,20 @@ void check_row(const PLL_BASIC_INFO& basic_info, int m, const PLL_BANDWIDTH_SETT
                FINDINGS* findings)
 {
     if (row.m_m != m) {
-        findings->write("Error: M=", m, " has setting with different M value: ", row.m_m);
+        findings->add(PLL_TABLE_FINDING_KIND::ROW_OF_OTHER_M, m, row.m_m);
     }
     if (!pll_array_value_exists(row.m_charge_pump_current, basic_info.m_charge_pump_currents,
                                 basic_info.m_number_of_charge_pump_currents)) {
-        findings->write("Error: M=", m, " has setting with illegal charge_pump_current: ",
-                        row.m_charge_pump_current);
+        findings->add(PLL_TABLE_FINDING_KIND::CURRENT_NOT_LISTED, m, row.m_charge_pump_current);
     }
     if (!pll_array_value_exists(row.m_loop_filter_resistor, basic_info.m_loop_filter_resistors,
                                 basic_info.m_number_of_loop_filter_resistors)) {
-        findings->write("Error: M=", m, " has setting with illegal loop_filter_resistor: ",
-                        row.m_loop_filter_resistor);
+        findings->add(PLL_TABLE_FINDING_KIND::RESISTOR_NOT_LISTED, m, row.m_loop_filter_resistor);
     }
     if (row.m_loop_filter_capacitor >= 0 &&
         !pll_array_value_exists(row.m_loop_filter_capacitor, basic_info.m_loop_filter_capacitors,
                                 basic_info.m_number_of_loop_filter_capacitors)) {
-        findings->write("Error: M=", m, " has setting with illegal loop_filter_capacitor: ",
-                        row.m_loop_filter_capacitor);
+        findings->add(PLL_TABLE_FINDING_KIND::CAPACITOR_NOT_LISTED, m, row.m_loop_filter_capacitor);
     }
 }
 
@@ -88,6 +89,13 @@ void check_table(const PLL_BASIC_INFO& basic_info, FINDINGS* findings)
             }
         }
     }
+}
+
+void write_line(const PLL_TABLE_FINDING& finding, void* context)
+{
+    std::ostream& stream = *static_cast<std::ostream*>(context);
+    pll_write_table_finding(stream, finding);
+    stream << std::endl;
 }
 
 void dump_row(std::ostream& stream, const PLL_BANDWIDTH_SETTING& row)
@@ -113,16 +121,58 @@ void dump_group(std::ostream& stream, const PLL_BANDWIDTH_SETTING_GROUP& group)
 
 }  // namespace
 
-bool PLL_INFO::is_bandwidth_settings_table_valid() const
+bool PLL_INFO::check_bandwidth_settings_table(PLL_TABLE_FINDING_HANDLER handler,
+                                              void* context) const
 {
-    check(this->has_info(), "this->has_info()", SOURCE);
-    FINDINGS findings;
+    FINDINGS findings(handler, context);
     if (m_basic_info == nullptr || m_basic_info->m_bandwidth_settings_table == nullptr) {
-        findings.write("Error: Bandwidth settings table doesn't exist");
+        findings.add(PLL_TABLE_FINDING_KIND::NO_TABLE);
     } else {
         check_table(*m_basic_info, &findings);
     }
     return findings.is_empty();
+}
+
+bool PLL_INFO::is_bandwidth_settings_table_valid() const
+{
+    check(this->has_info(), "this->has_info()", SOURCE);
+    // A stream of its own: plain decimal, whatever format the host gave the standard output.
+    std::ostream output(std::cout.rdbuf());
+    output.imbue(std::locale::classic());
+    return check_bandwidth_settings_table(write_line, &output);
+}
+
+void pll_write_table_finding(std::ostream& stream, const PLL_TABLE_FINDING& finding)
+{
+    const int m = finding.m_m;
+    const int value = finding.m_value;
+    stream << "Error: ";
+    switch (finding.m_kind) {
+    case PLL_TABLE_FINDING_KIND::NO_TABLE:
+        stream << "Bandwidth settings table doesn't exist";
+        break;
+    case PLL_TABLE_FINDING_KIND::TABLE_NOT_USED:
+        stream << "Bandwidth settings table set to not be used";
+        break;
+    case PLL_TABLE_FINDING_KIND::SIZE_TOO_SMALL:
+        stream << "Bandwidth settings table size must be greater than 0";
+        break;
+    case PLL_TABLE_FINDING_KIND::SIZE_DIFFERS:
+        stream << "max M size of " << m << " must be one less than table size of " << value;
+        break;
+    case PLL_TABLE_FINDING_KIND::ROW_OF_OTHER_M:
+        stream << "M=" << m << " has setting with different M value: " << value;
+        break;
+    case PLL_TABLE_FINDING_KIND::CURRENT_NOT_LISTED:
+        stream << "M=" << m << " has setting with illegal charge_pump_current: " << value;
+        break;
+    case PLL_TABLE_FINDING_KIND::RESISTOR_NOT_LISTED:
+        stream << "M=" << m << " has setting with illegal loop_filter_resistor: " << value;
+        break;
+    case PLL_TABLE_FINDING_KIND::CAPACITOR_NOT_LISTED:
+        stream << "M=" << m << " has setting with illegal loop_filter_capacitor: " << value;
+        break;
+    }
 }
 
 void PLL_INFO::dump_bandwidth_settings_table(std::ostream& stream) const

@@ -11,6 +11,7 @@
 #include <locale>
 #include <sstream>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -120,6 +121,51 @@ class HostileTableListing : public TABLE
 };
 
 }  // namespace
+
+void append_finding(const PLL_TABLE_FINDING& finding, void* context)
+{
+    static_cast<std::vector<PLL_TABLE_FINDING>*>(context)->push_back(finding);
+}
+
+// The check as records, each with the text that the standard output gets.
+TEST_F(TableCheck, HandsItsFindingsOnAsRecords)
+{
+    m_basic_info.m_use_bandwidth_settings_table = false;
+    m_basic_info.m_m_counter_max = 3;  // with post-scale 2: a table of 7 groups
+    add_row(4, 3, 11, 1001, 6);
+    std::vector<PLL_TABLE_FINDING> findings;
+    EXPECT_FALSE(m_info.check_bandwidth_settings_table(append_finding, &findings));
+    const PLL_TABLE_FINDING expected[] = {
+        {PLL_TABLE_FINDING_KIND::TABLE_NOT_USED, 0, 0},
+        {PLL_TABLE_FINDING_KIND::SIZE_DIFFERS, 6, 5},
+        {PLL_TABLE_FINDING_KIND::ROW_OF_OTHER_M, 4, 3},
+        {PLL_TABLE_FINDING_KIND::CURRENT_NOT_LISTED, 4, 11},
+        {PLL_TABLE_FINDING_KIND::RESISTOR_NOT_LISTED, 4, 1001},
+        {PLL_TABLE_FINDING_KIND::CAPACITOR_NOT_LISTED, 4, 6},
+    };
+    ASSERT_EQ(findings.size(), std::size(expected));
+    std::ostringstream text;
+    for (std::size_t i = 0; i < findings.size(); ++i) {
+        EXPECT_EQ(findings[i].m_kind, expected[i].m_kind) << i;
+        EXPECT_EQ(findings[i].m_m, expected[i].m_m) << i;
+        EXPECT_EQ(findings[i].m_value, expected[i].m_value) << i;
+        pll_write_table_finding(text, findings[i]);
+        text << '\n';
+    }
+    CAPTURED_OUTPUT output;
+    EXPECT_FALSE(m_info.is_bandwidth_settings_table_valid());
+    EXPECT_EQ(output.take(), text.str());
+}
+
+TEST_F(TableCheck, IsCheckedInSilenceWithoutAHandler)
+{
+    CAPTURED_OUTPUT output;
+    EXPECT_TRUE(m_info.check_bandwidth_settings_table(nullptr, nullptr));
+    m_basic_info.m_use_bandwidth_settings_table = false;
+    EXPECT_FALSE(m_info.check_bandwidth_settings_table(nullptr, nullptr));
+    EXPECT_FALSE(PLL_INFO().check_bandwidth_settings_table(nullptr, nullptr));
+    EXPECT_EQ(output.take(), "");
+}
 
 TEST_F(TableCheck, PassesLegalRows)
 {
