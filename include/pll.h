@@ -8,13 +8,26 @@
 // degrees of the input clock (360 are one period of the input, whatever the output), duty cycles in
 // percent, resistances in ohm, capacitances in pF, currents in uA.
 //
+//   #include "pll.h"
+//   #include "pll_prop.h"
+//
+//   PLL_PROP request(1);             // one output
+//   request.m_fin_period = 40000;    // 25 MHz
+//   request.m_taps[0].m_mult = 5;    // 125 MHz
+//   PLL pll(1, PLL_MAX_TAPS);
+//   if (!pll.synthesize(request)) {
+//       std::puts(PLL::get_error_string(pll.m_error));
+//   }
+//
 // The library is single-threaded; PLL::m_impl, PLL::m_pll_manager and the m_default_* limits are
-// shared by the whole process.
+// shared by the whole process. No exception leaves it. Unless said otherwise a call allocates
+// nothing, and a failure changes nothing.
 #pragma once
 
 #include "mem_alloc_sys.h"
 #include "pll_export.h"
 #include "pll_info.h"
+#include "pll_outcome.h"
 
 #include <iosfwd>
 
@@ -52,24 +65,30 @@ public:
     // Writes the counter without a line end, as labelled text or as tab-separated values.
     void dump(std::ostream& stream, bool with_delta, bool compact) const;
 
-    bool m_score;                // the requested frequency is met
-    double m_delta_phase;        // requested minus achieved phase, degrees
-    int m_count;                 // m_high + m_low
-    int m_delay;                 // ps, 0 to MAX_DELAY_CHAIN_VALUE
-    bool m_even;                 // false: the high phase is half a VCO period shorter
-    bool m_bypass;               // divides by one
-    int m_high;                  // VCO periods high
-    int m_low;                   // VCO periods low
-    int m_max_count;             // largest m_high and m_low
-    int m_initial;               // start count, from 1
-    int m_vco_tap;               // VCO phase tap that feeds it
-    int m_previous_tap;          // counter that feeds this one, PLL_ILLEGAL_TAP: the VCO
-    double m_next_phase_degree;  // next larger phase within reach, degrees
-    double m_prev_phase_degree;  // next smaller one
-    int m_next_duty_cycle;       // next larger duty cycle within reach, percent
-    int m_prev_duty_cycle;       // next smaller one
-    int m_smallest_duty_cycle_min;
-    int m_largest_duty_cycle_max;
+    // Without a wish for a VCO ratio: the requested frequency is met. With one: that ratio is. See
+    // pll_get_output_outcome for the output's own frequency.
+    bool m_score;
+
+    double m_delta_phase;  // requested minus achieved phase, degrees of the input; default 0
+    int m_count;           // m_high + m_low; default 1
+    int m_delay;           // ps, 0 to MAX_DELAY_CHAIN_VALUE; default 0
+    bool m_even;           // false: the high phase is half a VCO period shorter
+    bool m_bypass;         // the counter passes its clock and divides by one
+    int m_high;            // VCO periods high, 0 to m_max_count
+    int m_low;             // VCO periods low, 0 to m_max_count
+    int m_max_count;       // largest m_high and m_low; 1: the counter cannot divide; default 512
+    int m_initial;         // start count, from 1; each count above delays by a VCO period
+    int m_vco_tap;         // VCO phase tap that feeds it, each 45 VCO degrees late
+    int m_previous_tap;    // counter that feeds this one; PLL_ILLEGAL_TAP: the VCO
+
+    // Neighbours: what could be had instead, over all settings that were looked at. They narrow
+    // from synthesis to synthesis, see PLL::synthesize.
+    double m_next_phase_degree;     // next larger phase within reach, degrees of the input
+    double m_prev_phase_degree;     // next smaller one
+    int m_next_duty_cycle;          // next larger duty cycle within reach, percent
+    int m_prev_duty_cycle;          // next smaller one
+    int m_smallest_duty_cycle_min;  // percent, of any setting
+    int m_largest_duty_cycle_max;   // percent, of any setting
 };
 
 // What all PLLs share: the components that a loop filter may be built of, and the last list of VCO
@@ -140,10 +159,36 @@ public:
 
     // ---- Synthesis
 
-    // Searches the counters for a request and fills this PLL with the best ones. True when every
-    // clock is met within a thousandth and all checks pass; a success leaves m_error as it was.
-    // False otherwise: m_error says why, and the counters are those that came closest. Takes one
-    // step per legal (post-scale, M, N); see docs/search.md.
+    // Searches the counters for a request and fills this PLL with the best ones.
+    //
+    // True: every clock is met within PLL_MET_TOLERANCE and all checks pass. m_error stays as it
+    // was, so a success after a failure still shows the old error. False: m_error says why, and the
+    // counters are those that came closest. False with m_outcome OUT_OF_MEMORY leaves m_error as it
+    // was, and the counters are unspecified but valid. m_outcome tells all these apart.
+    //
+    // A PLL that was used before may answer differently from a fresh one, since nothing of an
+    // earlier synthesis is reset. Three things carry over:
+    //   - The neighbours of each output (m_next_..., m_prev_..., m_smallest_..., m_largest_...)
+    //   only
+    //     ever narrow towards a wish, so those of an earlier request bound the new ones.
+    //   - Loop-filter values that no step sets stay. The counters differ for that reason alone
+    //   where
+    //     the device limits the division over m_i, and m_i is not set anew.
+    //   - The second counts of an earlier spread stay, and a device that prefers a range of M
+    //   counts
+    //     that of M against the next spread.
+    // Hosts that want a fresh answer use a fresh PLL. Likewise a record that was filled by
+    // PLL_PROP::set_properties_from_internals is no clean request: its results would be wishes.
+    //
+    // The debug switch, unless obey_debug_switch(false): the call looks for files named "pll_debug"
+    // and "pll_nodebug" in the current directory. When the first is there and the second is not, it
+    // appends a trace of the search to "debug.log" in the current directory, and m_debug stays set,
+    // which makes PLL_PROP::set_properties_from_internals append to "pdebug.log". The trace costs a
+    // line for each candidate and changes no answer.
+    //
+    // A request read as a whole: outputs beyond PLL_MAX_TAPS are ignored; a factor below 1 is never
+    // met. Takes at most one step per legal (post-scale, M, N), mostly far fewer, and no heap
+    // memory unless tracing; see docs/search.md.
     bool synthesize(const PLL_PROP& request);
 
     // Lists every VCO ratio mult / div, reduced, that the counters can make from an input clock of
@@ -268,47 +313,64 @@ public:
 
     // ---- Fields
 
-    double m_cost;              // of the current candidate
-    double m_delta_phase;       // total phase error, degrees
-    double m_delta_vco_period;  // VCO period minus centre, ps
-    int m_ss_cycles;            // input periods per modulation period; 0: spread spectrum off
-    int m_ss_counter_max;       // upper bound of m_ss_cycles
-    PLL_COUNTER_M m_n;
-    PLL_COUNTER_M m_m;
-    int m_user_taps_count;
-    int m_total_taps_count;  // user taps and cascade taps
-    int m_max_taps_count;    // output counters of the device
-    PLL_OUTPUT_TAP m_taps[PLL_MAX_TAPS];
-    int m_feedback_tap;            // output counter in the feedback; PLL_ILLEGAL_TAP: the M counter
-    int m_vco_min_period[3];       // ps, per post-scale
-    int m_vco_max_period[3];       // ps
-    int m_vco_center_period[3];    // ps
-    int m_ss_vco_max_period[3];    // ps, with spread spectrum
-    double m_kvco[3];              // VCO gain
-    int m_pfd_min_period;          // ps
-    int m_pfd_max_period;          // ps
-    int m_fin_min_period;          // ps
-    int m_ss_charge_pump_current;  // uA, with spread spectrum
-    bool m_ss_supported;           // the spread-spectrum VCO limit and current hold
-    bool m_output_counter_cascade;
-    int m_vco_post_scale;       // current one
-    int m_max_vco_post_scale;   // largest that a synthesis tries, at most PLL_VCO_POST_SCALE_MAX
-    double m_c_fixed;           // pF
-    double m_r;                 // ohm
-    double m_c_high;            // pF
-    double m_i;                 // uA
-    double m_i_min;             // uA
-    double m_ss_bandwidth;      // Hz
-    double m_low_bandwidth;     // Hz
-    double m_medium_bandwidth;  // Hz
-    double m_high_bandwidth;    // Hz
-    double m_vco_period;        // ps
-    bool m_bandwidth_legal_for_mult_div;
-    bool m_bandwidth_legal_for_fin;
-    PLL_INFO m_info;
-    int m_id;      // PLLs alive when this one was constructed
-    bool m_debug;  // a synthesis appends its trace to "debug.log" in the current directory
-    PLL_ERROR_TYPE m_error;  // of the last synthesis that failed
+    // Of the best setting that was found.
+
+    double m_cost;              // exact: its cost; missed: the sum of its errors; default 0
+    double m_delta_phase;       // degrees of the input that all phases miss; below 0.5 ps it is 0
+    double m_delta_vco_period;  // VCO period minus centre, ps; default 0
+    int m_ss_cycles;            // input periods per modulation period; default 0: no spread
+    int m_ss_counter_max;       // upper bound of m_ss_cycles; default 32768
+
+    // ---- Counters. Limits in them are set by PLL_MANAGER::init_pll or by hand.
+
+    PLL_COUNTER_M m_n;                    // divides the input, 1 to its m_max_count
+    PLL_COUNTER_M m_m;                    // divides the feedback, 2 to its m_max_count in a search
+    int m_user_taps_count;                // outputs of the host
+    int m_total_taps_count;               // those and the counters that cascades take
+    int m_max_taps_count;                 // output counters of the device
+    PLL_OUTPUT_TAP m_taps[PLL_MAX_TAPS];  // outputs first, then the counters of cascades
+    int m_feedback_tap;  // output in the feedback; PLL_ILLEGAL_TAP, the default: the M counter
+
+    // ---- Limits. Entry p of an array is for post-scale p, entry 0 for hosts. The defaults are the
+    // class-wide ones where a member of that name exists.
+
+    int m_vco_min_period[3];        // ps, default 1000
+    int m_vco_max_period[3];        // ps, default 3334
+    int m_vco_center_period[3];     // ps, default 1666; preferred among settings of equal cost
+    int m_ss_vco_max_period[3];     // ps, default 1667; with spread, in the place of the maximum
+    double m_kvco[3];               // VCO gain, MHz/V, default 1880
+    int m_pfd_min_period;           // ps, default 1500
+    int m_pfd_max_period;           // ps, default 333333
+    int m_fin_min_period;           // ps, default 1000; a faster input fails (error 8)
+    int m_ss_charge_pump_current;   // uA, default 90; forced with spread when 1 or more
+    bool m_ss_supported;            // default true: the two limits of spread above hold
+    bool m_output_counter_cascade;  // default false
+    int m_vco_post_scale;           // of the setting, default 1; getters read it for -1
+    int m_max_vco_post_scale;       // largest that a search tries, 1 or 2, default 1; 0: none
+
+    // ---- Loop filter. Without a table a synthesis with automatic bandwidth leaves it as it is.
+
+    double m_c_fixed;           // pF, in series with the resistor; default 650
+    double m_r;                 // ohm, default 1020.5
+    double m_c_high;            // pF, across both; default 10
+    double m_i;                 // uA, charge pump; default 50
+    double m_i_min;             // uA, the smallest that a loop filter may be given; default 4
+    double m_ss_bandwidth;      // Hz, of a loop with spread; default 140000
+    double m_low_bandwidth;     // Hz, what the presets mean; default 150000
+    double m_medium_bandwidth;  // Hz, default 800000
+    double m_high_bandwidth;    // Hz, default 2000000
+
+    // ---- Result of the last synthesis.
+
+    double m_vco_period;                  // ps, behind the post-scale; default 1
+    bool m_bandwidth_legal_for_mult_div;  // the table has a row for the division; default true
+    bool m_bandwidth_legal_for_fin;       // the row keeps the PFD rule; default true
+
+    PLL_INFO m_info;         // the device; empty by default
+    int m_id;                // PLLs alive when this one was constructed; not unique
+    bool m_debug;            // a synthesis appends its trace to "debug.log"; default false
+    PLL_ERROR_TYPE m_error;  // of the last synthesis that failed; none by default
+    PLL_OUTCOME m_outcome;   // of the last synthesis, whether it failed or not
 
     static int m_default_vco_min_period[3];
     static int m_default_vco_max_period[3];

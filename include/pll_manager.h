@@ -150,7 +150,9 @@ public:
     void create_listed_speed_grades(PLL_FAMILY_INFO* family);
 
     // Combines the limits of the queried devices: widest over the records of one entry, narrowest
-    // over the entries. False when a family cannot be read or nothing matches.
+    // over the entries. False when a family cannot be read or nothing matches. After false the
+    // record's m_basic_info may already be that of the queried family; its m_timing_info is as it
+    // was.
     bool init_pll_info(PLL_INFO* info, const PLL_QUERY& query);
 
     // Likewise, and gives the limits and components to `pll`; unchanged when false.

@@ -35,7 +35,7 @@ AREAS = {
 # Inside an area, what stands further right may include what stands further left; what shares a place
 # may not include each other. A folder that has no place may not be. A star is any other name.
 ORDER = """\
-include/  pll_info.h < pll.h < pll_prop.h, pll_util.h, pll_manager.h < *
+include/  pll_info.h, pll_outcome.h < pll.h < pll_prop.h, pll_util.h, pll_manager.h < *
 pll/      platform < device < loop < clocks < placing, filter < search < shortcuts, listing < synthesis
 pll/      clocks < database
 advice/   numbers < sheets < request < limits < verdict < answer < verify, primitive < why, devices

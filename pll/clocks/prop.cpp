@@ -1,7 +1,6 @@
 // The record of clocks as a user sees them: its defaults.
 #include "pll_prop.h"
 
-#include "clocks/bandwidth_type.h"
 #include "platform/report_error.h"
 
 using namespace pll_internal;
@@ -30,7 +29,7 @@ PLL_USER_TAP::PLL_USER_TAP()
 PLL_USER_TAP::~PLL_USER_TAP() = default;
 
 PLL_PROP::PLL_PROP(int taps_count)
-    : m_bandwidth_type(BANDWIDTH_AUTO),
+    : m_bandwidth_type(PLL_BANDWIDTH_AUTO),
       m_fin_period(0),
       m_fin2_period(0),
       m_ss_period(DEFAULT_SS_PERIOD),

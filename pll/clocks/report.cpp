@@ -2,7 +2,6 @@
 // side for the sake of those who search old listings; numbers take the format of the host's stream.
 #include "pll_prop.h"
 
-#include "clocks/bandwidth_type.h"
 #include "platform/arith.h"
 
 #include <algorithm>
@@ -49,19 +48,19 @@ void dump_bandwidth_wish(std::ostream& stream, const PLL_PROP& prop)
 {
     stream << "Requested bandwidth ";
     switch (prop.m_bandwidth_type) {
-    case BANDWIDTH_HIGH:
+    case PLL_BANDWIDTH_HIGH:
         stream << "high";
         break;
-    case BANDWIDTH_MEDIUM:
+    case PLL_BANDWIDTH_MEDIUM:
         stream << "medium";
         break;
-    case BANDWIDTH_LOW:
+    case PLL_BANDWIDTH_LOW:
         stream << "low";
         break;
-    case BANDWIDTH_AUTO:
+    case PLL_BANDWIDTH_AUTO:
         stream << "auto";
         break;
-    case BANDWIDTH_CUSTOM:
+    case PLL_BANDWIDTH_CUSTOM:
         stream << "custom at " << prop.m_bandwidth << std::endl;
         break;
     default:  // the host's int, not an enumerator

@@ -5,10 +5,11 @@
 // counted in MHz.
 #include "filter/table_row.h"
 
+#include "pll_cost.h"
 #include "pll_util.h"
 
-#include "clocks/bandwidth_type.h"
 #include "loop/loop_model.h"
+#include "loop/taps.h"
 #include "platform/arith.h"
 #include "platform/report_error.h"
 
@@ -49,20 +50,20 @@ double preset_miss(double bandwidth, double preset)
 double wish_penalty(const PLL& pll, const PLL_PROP& request, double bandwidth)
 {
     switch (request.m_bandwidth_type) {
-    case BANDWIDTH_HIGH:
+    case PLL_BANDWIDTH_HIGH:
         return bandwidth < pll.m_high_bandwidth ? preset_miss(bandwidth, pll.m_high_bandwidth)
                                                 : 0.0;
-    case BANDWIDTH_MEDIUM:
+    case PLL_BANDWIDTH_MEDIUM:
         if (bandwidth < pll.m_low_bandwidth) {
             return preset_miss(bandwidth, pll.m_low_bandwidth);
         }
         return bandwidth > pll.m_high_bandwidth ? preset_miss(bandwidth, pll.m_high_bandwidth)
                                                 : 0.0;
-    case BANDWIDTH_LOW:
+    case PLL_BANDWIDTH_LOW:
         return bandwidth > pll.m_low_bandwidth ? preset_miss(bandwidth, pll.m_low_bandwidth) : 0.0;
-    case BANDWIDTH_AUTO:
+    case PLL_BANDWIDTH_AUTO:
         return 0.0;
-    case BANDWIDTH_CUSTOM:
+    case PLL_BANDWIDTH_CUSTOM:
         return pll_get_bandwidth_diff_cost(bandwidth, request.m_bandwidth);
     default:
         report_error("unknown bandwidth type", "pll");
@@ -149,6 +150,33 @@ bool take_choice(const PLL_ROW_CHOICE& choice, int effective_m, PLL* pll)
     return choice.m_row != nullptr;
 }
 
+// Costs the rows as a search does that walks all of them; `write` receives each with its place.
+template <class WRITE>
+int cost_rows(const PLL& pll, const PLL_PROP& request, const PLL_BANDWIDTH_SETTING_GROUP& group,
+              WRITE write)
+{
+    const PFD_BANDWIDTH_LIMITS limits = pfd_limits(pll, request);
+    PLL_PROP without_wish(0);
+    without_wish.m_fin2_period = request.m_fin2_period;
+    without_wish.m_bandwidth_type = PLL_BANDWIDTH_AUTO;
+    int count = 0;
+    bool is_open = true;
+    for (const PLL_BANDWIDTH_SETTING* row : group.m_settings) {
+        if (row == nullptr) {
+            continue;
+        }
+        PLL_ROW_COST cost;
+        cost.m_row = row;
+        cost.m_cost = cost_row(pll, request, limits, *row).m_cost;
+        cost.m_pfd_cost = cost_row(pll, without_wish, limits, *row).m_cost;
+        cost.m_wish_cost = wish_penalty(pll, request, row->m_typical_bandwidth);
+        cost.m_is_looked_at = is_open;
+        is_open = is_open && !(cost.m_cost <= DBL_EPSILON);
+        write(count++, cost);
+    }
+    return count;
+}
+
 }  // namespace
 
 bool PLL::synthesize_best_bandwidth_using_table(PLL* pll, const PLL_PROP& request)
@@ -205,8 +233,8 @@ PLL_ROW_CHOICE PLL_BANDWIDTH_CHOOSER::choose_row(const PLL& candidate,
 void PLL_BANDWIDTH_CHOOSER::sort_rows(const PLL& candidate)
 {
     m_row_count = 0;
-    if (m_request.m_bandwidth_type < BANDWIDTH_HIGH ||
-        m_request.m_bandwidth_type > BANDWIDTH_CUSTOM) {
+    if (m_request.m_bandwidth_type < PLL_BANDWIDTH_HIGH ||
+        m_request.m_bandwidth_type > PLL_BANDWIDTH_CUSTOM) {
         return;
     }
     int place = 0;
@@ -255,3 +283,40 @@ bool PLL_BANDWIDTH_CHOOSER::is_better(const ROW_COST& a, const ROW_COST& b)
 }
 
 }  // namespace pll_internal
+
+int pll_get_row_costs(const PLL& pll, const PLL_PROP& request, PLL_ROW_COST* rows, int most)
+{
+    const PLL_BANDWIDTH_SETTING_GROUP* group = find_group(pll, effective_feedback_division(pll));
+    if (group == nullptr) {
+        return 0;
+    }
+    int taken = 0;
+    double least = NO_ROW_COST;
+    const int count = cost_rows(pll, request, *group, [&](int index, const PLL_ROW_COST& cost) {
+        if (cost.m_is_looked_at && cost.m_cost < least) {
+            least = cost.m_cost;
+            taken = index;
+        }
+        if (index < most) {
+            rows[index] = cost;
+        }
+    });
+    if (least < NO_ROW_COST && taken < most) {
+        rows[taken].m_is_taken = true;
+    }
+    return count;
+}
+
+double pll_get_largest_bandwidth(const PLL& pll, const PLL_PROP& request)
+{
+    if (!pll.m_info.has_info()) {
+        return 0.0;
+    }
+    const PFD_BANDWIDTH_LIMITS limits = pfd_limits(pll, request);
+    return std::min(limits.m_first, limits.m_second);
+}
+
+int pll_get_effective_m(const PLL& pll)
+{
+    return effective_feedback_division(pll);
+}

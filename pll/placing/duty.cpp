@@ -22,7 +22,6 @@ namespace {
 
 constexpr const char* SOURCE = "pll";
 constexpr double PERCENT = 100;
-constexpr double ODD_HALF_PENALTY = 262144.0;
 constexpr double NO_DISTANCE = 2147483647.0;
 
 // The high and low halves while they are worked on.

@@ -9,6 +9,9 @@
 
 namespace pll_internal {
 
+// What odd halves cost an output that wishes for even ones.
+inline constexpr double ODD_HALF_PENALTY = 262144.0;
+
 // Where a candidate's clocks are placed: what all its outputs share.
 struct PHASE_FRAME
 {

@@ -1,7 +1,6 @@
 // What a search reads of the PLL and the request.
 #include "search/limits.h"
 
-#include "clocks/bandwidth_type.h"
 #include "loop/loop_model.h"
 #include "loop/taps.h"
 #include "platform/arith.h"
@@ -22,15 +21,15 @@ BANDWIDTH_WISH read_bandwidth_wish(const PLL& pll, const PLL_PROP& request, bool
         return wish;
     }
     if (spread) {
-        return {BANDWIDTH_CUSTOM, pll.m_ss_bandwidth, false};
+        return {PLL_BANDWIDTH_CUSTOM, pll.m_ss_bandwidth, false};
     }
     switch (wish.m_type) {
-    case BANDWIDTH_HIGH:
-        return {BANDWIDTH_CUSTOM, pll.m_high_bandwidth, false};
-    case BANDWIDTH_MEDIUM:
-        return {BANDWIDTH_CUSTOM, pll.m_medium_bandwidth, false};
-    case BANDWIDTH_LOW:
-        return {BANDWIDTH_CUSTOM, pll.m_low_bandwidth, false};
+    case PLL_BANDWIDTH_HIGH:
+        return {PLL_BANDWIDTH_CUSTOM, pll.m_high_bandwidth, false};
+    case PLL_BANDWIDTH_MEDIUM:
+        return {PLL_BANDWIDTH_CUSTOM, pll.m_medium_bandwidth, false};
+    case PLL_BANDWIDTH_LOW:
+        return {PLL_BANDWIDTH_CUSTOM, pll.m_low_bandwidth, false};
     default:
         return wish;
     }
@@ -70,7 +69,7 @@ SEARCH_LIMITS read_search_limits(const PLL& pll, const PLL_PROP& request)
     limits.m_pfd_max = pll.m_pfd_max_period;
     limits.m_down_spread = request.m_down_spread;
     limits.m_spread = request.m_down_spread != 0.0;
-    limits.m_cut_off = request.m_bandwidth_type == BANDWIDTH_AUTO && !limits.m_spread;
+    limits.m_cut_off = request.m_bandwidth_type == PLL_BANDWIDTH_AUTO && !limits.m_spread;
     limits.m_wish = read_bandwidth_wish(pll, request, limits.m_spread);
     limits.m_first_resistor = first_or_zero(resistors);
     limits.m_product_min = wrap_mul(first_or_zero(currents), first_or_zero(resistors));

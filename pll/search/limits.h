@@ -5,7 +5,6 @@
 #include "pll.h"
 #include "pll_prop.h"
 
-#include "clocks/bandwidth_type.h"
 #include "search/ratio_error.h"
 
 namespace pll_internal {
@@ -13,11 +12,11 @@ namespace pll_internal {
 // The request's loop bandwidth as the search uses it.
 struct BANDWIDTH_WISH
 {
-    int m_type;          // BANDWIDTH_TYPE, or what the request holds instead
+    int m_type;          // PLL_BANDWIDTH_TYPE, or what the request holds instead
     double m_bandwidth;  // Hz, of a custom wish
     bool m_table_mode;   // the device's table decides, so the search itself asks for nothing
 
-    bool is_custom() const { return m_type == BANDWIDTH_CUSTOM && !m_table_mode; }
+    bool is_custom() const { return m_type == PLL_BANDWIDTH_CUSTOM && !m_table_mode; }
 };
 
 // The periods that a VCO may have at one post-scale, in ps, before the tolerance.

@@ -34,22 +34,6 @@ void add_penalty_if(bool outside, double* cost)
     }
 }
 
-void add_preferred_m_penalties(bool spread, const PLL_BASIC_INFO& info, PLL* candidate)
-{
-    const int count = candidate->m_m.m_count;
-    const int ss_count = candidate->m_m.m_ss_count;
-    const int smallest = info.m_m_counter_preferred_min;
-    const int largest = info.m_m_counter_preferred_max;
-    if (smallest >= 0) {
-        add_penalty_if(count < smallest, &candidate->m_cost);
-        add_penalty_if(spread && ss_count < smallest, &candidate->m_cost);
-    }
-    if (largest >= 0) {
-        add_penalty_if(count > largest, &candidate->m_cost);
-        add_penalty_if(spread && ss_count > largest, &candidate->m_cost);
-    }
-}
-
 double even_m_bias(const PLL& candidate, const PLL& best)
 {
     const bool candidate_even = candidate.m_m.m_count % 2 == 0;
@@ -89,6 +73,33 @@ void carry_back(const PLL& candidate, int taps, PLL* best)
 }
 
 }  // namespace
+
+void add_preferred_m_penalties(bool spread, const PLL_BASIC_INFO& info, PLL* candidate)
+{
+    const int count = candidate->m_m.m_count;
+    const int ss_count = candidate->m_m.m_ss_count;
+    const int smallest = info.m_m_counter_preferred_min;
+    const int largest = info.m_m_counter_preferred_max;
+    if (smallest >= 0) {
+        add_penalty_if(count < smallest, &candidate->m_cost);
+        add_penalty_if(spread && ss_count < smallest, &candidate->m_cost);
+    }
+    if (largest >= 0) {
+        add_penalty_if(count > largest, &candidate->m_cost);
+        add_penalty_if(spread && ss_count > largest, &candidate->m_cost);
+    }
+}
+
+void add_ratio_limit_penalty(const PLL_BASIC_INFO& info, PLL* candidate)
+{
+    if (info.m_spe_ratio_constant_x == DBL_MAX) {
+        return;
+    }
+    const double division = effective_feedback_division(*candidate);
+    if (division / candidate->m_i > info.m_spe_ratio_constant_x) {
+        candidate->m_cost += division / candidate->m_i + RATIO_LIMIT_PENALTY;
+    }
+}
 
 bool RANKING::offer(PLL* candidate, CANDIDATE_SCORE* score, SEARCH_RESULT* result)
 {
@@ -147,13 +158,7 @@ void RANKING::add_device_penalties(PLL* candidate) const
     }
     const PLL_BASIC_INFO& info = *m_pll.m_info.m_basic_info;
     add_preferred_m_penalties(m_spread, info, candidate);
-    if (info.m_spe_ratio_constant_x == DBL_MAX) {
-        return;
-    }
-    const double division = effective_feedback_division(*candidate);
-    if (division / candidate->m_i > info.m_spe_ratio_constant_x) {
-        candidate->m_cost += division / candidate->m_i + RATIO_LIMIT_PENALTY;
-    }
+    add_ratio_limit_penalty(info, candidate);
 }
 
 bool RANKING::compare_cost(const PLL& candidate, SEARCH_RESULT* result) const

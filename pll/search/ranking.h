@@ -12,6 +12,14 @@
 
 namespace pll_internal {
 
+// Adds to the cost of `candidate` what its M, and that of a spread, miss of the device's preferred
+// range.
+void add_preferred_m_penalties(bool spread, const PLL_BASIC_INFO& info, PLL* candidate);
+
+// Adds what a division above the device's limit over the charge-pump current costs. The penalty is
+// larger than all but a post-scale, so the candidate serves only where no other one does.
+void add_ratio_limit_penalty(const PLL_BASIC_INFO& info, PLL* candidate);
+
 // Costs `candidate`, whose counters stand, and keeps it in `result` when it beats the best.
 class RANKING
 {

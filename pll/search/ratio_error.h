@@ -3,6 +3,8 @@
 // come to the same last digit.
 #pragma once
 
+#include "pll_outcome.h"
+
 #include "platform/arith.h"
 
 #include <cfloat>
@@ -20,8 +22,8 @@ struct CANDIDATE_SCORE
     bool m_may_lower_cut_off = true;
 };
 
-inline constexpr double EXACT_RATIO = 1e-12;   // below it a ratio error is rounding
-inline constexpr double MET_RELATIVE = 0.001;  // below it an output counts as met
+inline constexpr double EXACT_RATIO = PLL_EXACT_RATIO;     // below it a ratio error is rounding
+inline constexpr double MET_RELATIVE = PLL_MET_TOLERANCE;  // below it an output counts as met
 
 // What a clock asks for, as the expressions below use it.
 struct RATIO_WISH
@@ -118,16 +120,24 @@ inline void charge_impossible_counter(int excess, CANDIDATE_SCORE* score)
     score->m_error += excess;
 }
 
-// Adds to `cost` what outputs that are only nearly met and the post-scale cost a candidate. The sum
-// never falls when an error grows.
-inline double add_frequency_cost(double relative_error, int post_scale, double cost)
+// What outputs that are only nearly met cost a candidate.
+inline double near_miss_cost(double relative_error)
 {
     constexpr double NEARLY_MET_PENALTY = 8192.0;
+    return relative_error > DBL_EPSILON ? relative_error / MET_RELATIVE + NEARLY_MET_PENALTY : 0.0;
+}
+
+// A higher post-scale costs more than all that is wrong with a met candidate of a lower one.
+inline double post_scale_cost(int post_scale)
+{
     constexpr double POST_SCALE_PENALTY = 65536;
-    if (relative_error > DBL_EPSILON) {
-        cost += relative_error / MET_RELATIVE + NEARLY_MET_PENALTY;
-    }
-    return cost + (post_scale - 1) * POST_SCALE_PENALTY;
+    return (post_scale - 1) * POST_SCALE_PENALTY;
+}
+
+// Adds both to `cost`. The sum never falls when an error grows.
+inline double add_frequency_cost(double relative_error, int post_scale, double cost)
+{
+    return cost + near_miss_cost(relative_error) + post_scale_cost(post_scale);
 }
 
 }  // namespace pll_internal

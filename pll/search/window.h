@@ -5,6 +5,8 @@
 // place, which a division finds to within a step; the exact comparison then decides.
 #pragma once
 
+#include "pll_outcome.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
@@ -39,7 +41,7 @@ std::int64_t first_that_holds(std::int64_t first, std::int64_t last, double gues
     return low;
 }
 
-constexpr double PERIOD_TOLERANCE = 1.0;  // ps, on every VCO and PFD bound
+constexpr double PERIOD_TOLERANCE = PLL_PERIOD_TOLERANCE;  // ps, on every VCO and PFD bound
 
 // A closed range of N; empty when m_first is above m_last.
 struct N_RANGE

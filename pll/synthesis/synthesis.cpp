@@ -18,7 +18,6 @@ using namespace pll_internal;
 
 namespace {
 
-constexpr double LARGEST_DOWN_SPREAD = 0.006;
 constexpr double FULL_TURN = 360.0;            // degrees
 constexpr double NEGLIGIBLE_PHASE_TIME = 0.5;  // ps
 constexpr int UNKNOWN_DUTY = 50;               // percent
@@ -129,41 +128,84 @@ bool is_input_too_fast(const PLL_PROP& request, int fin_min_period)
            (1 <= request.m_fin2_period && request.m_fin2_period < fin_min_period);
 }
 
-// The checks that can still refuse a setting, in their order; no error when it stands.
-PLL::PLL_ERROR_TYPE final_error(const PLL& pll, const PLL_PROP& request)
+// The last checks that can refuse a setting, in their order.
+PLL_CHECK find_last_refusal(const PLL& pll, const PLL_PROP& request)
 {
     if (is_input_too_fast(request, pll.m_fin_min_period)) {
-        return PLL::PLL_FIN_OUT_OF_RANGE;
+        return PLL_CHECK::INPUT;
     }
     if (!pll.m_info.has_info() || !pll.m_info.m_basic_info->m_is_pfd_bandwidth_rule_an_error) {
-        return PLL::PLL_NO_ERROR;
+        return PLL_CHECK::NONE;
     }
     if (!pll.m_bandwidth_legal_for_fin) {
-        return PLL::PLL_NO_BANDWIDTH_FOR_FIN_MULT_DIV;
+        return PLL_CHECK::TABLE_FOR_INPUT;
     }
-    return pll.m_bandwidth_legal_for_mult_div ? PLL::PLL_NO_ERROR
-                                              : PLL::PLL_NO_BANDWIDTH_FOR_MULT_DIV;
+    return pll.m_bandwidth_legal_for_mult_div ? PLL_CHECK::NONE : PLL_CHECK::TABLE;
+}
+
+PLL::PLL_ERROR_TYPE error_of(PLL_CHECK check)
+{
+    switch (check) {
+    case PLL_CHECK::DELAYS:
+        return PLL::PLL_DELAY_RANGE_TOO_WIDE;
+    case PLL_CHECK::RATIOS:
+        return PLL::PLL_MULT_DIV_NOT_ACHIEVED;
+    case PLL_CHECK::SPREAD:
+        return PLL::PLL_SS_TOO_HIGH;
+    case PLL_CHECK::INPUT:
+        return PLL::PLL_FIN_OUT_OF_RANGE;
+    case PLL_CHECK::TABLE_FOR_INPUT:
+        return PLL::PLL_NO_BANDWIDTH_FOR_FIN_MULT_DIV;
+    case PLL_CHECK::TABLE:
+        return PLL::PLL_NO_BANDWIDTH_FOR_MULT_DIV;
+    case PLL_CHECK::NONE:
+        break;
+    }
+    return PLL::PLL_NO_ERROR;
+}
+
+// Notes that a check failed. A later one overwrites what an earlier one noted, in the error too.
+void refuse(PLL_CHECK check, PLL* pll)
+{
+    pll->m_error = error_of(check);
+    pll->m_outcome.m_refused_by = check;
 }
 
 // Returns whether the setting stands.
 bool run_final_checks(bool met, const SEARCH_RESULT& result, const PLL_PROP& request, PLL* pll)
 {
     if (met && (!result.m_taken || has_impossible_ratio(request))) {
-        pll->m_error = PLL::PLL_MULT_DIV_NOT_ACHIEVED;
+        refuse(PLL_CHECK::RATIOS, pll);
         met = false;
     }
-    if (request.m_down_spread > LARGEST_DOWN_SPREAD) {
-        pll->m_error = PLL::PLL_SS_TOO_HIGH;
+    if (request.m_down_spread > PLL_LARGEST_DOWN_SPREAD) {
+        refuse(PLL_CHECK::SPREAD, pll);
         return false;
     }
     if (!met) {
         return false;
     }
-    const PLL::PLL_ERROR_TYPE error = final_error(*pll, request);
-    if (error != PLL::PLL_NO_ERROR) {
-        pll->m_error = error;
+    const PLL_CHECK refusal = find_last_refusal(*pll, request);
+    if (refusal != PLL_CHECK::NONE) {
+        refuse(refusal, pll);
     }
-    return error == PLL::PLL_NO_ERROR;
+    return refusal == PLL_CHECK::NONE;
+}
+
+// What the search alone came to. A setting whose delays find no place is refused at once.
+PLL_OUTCOME describe_search(const SEARCH_RESULT& result, bool met)
+{
+    PLL_OUTCOME outcome;
+    if (!result.m_found) {
+        outcome.m_kind = PLL_OUTCOME_KIND::NOTHING_TRIED;
+        return outcome;
+    }
+    const bool is_exact = result.m_best_error == 0.0;
+    outcome.m_kind = is_exact ? PLL_OUTCOME_KIND::REFUSED : PLL_OUTCOME_KIND::MISSED;
+    outcome.m_refused_by = is_exact && !met ? PLL_CHECK::DELAYS : PLL_CHECK::NONE;
+    outcome.m_m = result.m_best_point.m_m;
+    outcome.m_n = result.m_best_point.m_n;
+    return outcome;
 }
 
 bool synthesize_request(const PLL_PROP& request, PLL* pll)
@@ -184,6 +226,7 @@ bool synthesize_request(const PLL_PROP& request, PLL* pll)
 
     const PLL::PLL_ERROR_TYPE error = search_error(result);
     const bool met = finish_search(limits, result, request, pll);
+    pll->m_outcome = describe_search(result, met);
     if (pll->m_delta_phase / FULL_TURN * request.m_fin_period < NEGLIGIBLE_PHASE_TIME) {
         pll->m_delta_phase = 0.0;
     }
@@ -193,7 +236,11 @@ bool synthesize_request(const PLL_PROP& request, PLL* pll)
     if (trace) {
         trace->best(*pll);
     }
-    return run_final_checks(met, result, request, pll);
+    const bool stands = run_final_checks(met, result, request, pll);
+    if (stands) {
+        pll->m_outcome.m_kind = PLL_OUTCOME_KIND::MET;
+    }
+    return stands;
 }
 
 }  // namespace
@@ -205,12 +252,14 @@ void PLL::obey_debug_switch(bool obey)
 
 bool PLL::synthesize(const PLL_PROP& request)
 {
+    m_outcome = PLL_OUTCOME{PLL_OUTCOME_KIND::OUT_OF_MEMORY};
     if (m_impl == nullptr) {
         return false;  // the first PLL found no memory for what all share
     }
     try {
         return synthesize_request(request, this);
     } catch (const std::bad_alloc&) {
+        m_outcome = PLL_OUTCOME{PLL_OUTCOME_KIND::OUT_OF_MEMORY};
         return false;
     }
 }
