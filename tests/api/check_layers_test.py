@@ -24,8 +24,8 @@ INCLUDES = [
     (BREAKS, "h/msg_internal_error.h",      '"pll_info.h"'),
     (KEEPS,  "include/pll_manager.h",       '"pll.h"'),
     (BREAKS, "include/pll_manager.h",       '"pll_prop.h"'),
-    (KEEPS,  "include/pll_outcome.h",       '"pll_prop.h"'),
-    (BREAKS, "include/pll_outcome.h",       '"pll_observer.h"'),
+    (KEEPS,  "include/pll_settings.h",      '"pll_prop.h"'),
+    (BREAKS, "include/pll_settings.h",      '"pll_observer.h"'),
     (BREAKS, "include/pll_basics.h",        '"platform/arith.h"'),
 
     (KEEPS,  "pll/search/walk.cpp",         '"pll_prop.h"'),
