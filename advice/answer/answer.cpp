@@ -88,11 +88,19 @@ double full_cost(const PLL& pll, const VCO_CANDIDATE& candidate)
 
 }  // namespace
 
-// A search that could try none leaves the phases no neighbours. Its error is not asked for: a later
-// check may have put its own in the place.
 bool has_candidate(const PLL& pll)
 {
-    return pll.m_taps[0].m_next_phase_degree != pll.m_taps[0].m_prev_phase_degree;
+    switch (pll.m_outcome.m_kind) {
+    case PLL_OUTCOME_KIND::MISSED:
+    case PLL_OUTCOME_KIND::MET:
+    case PLL_OUTCOME_KIND::REFUSED:
+        return true;
+    case PLL_OUTCOME_KIND::NONE:
+    case PLL_OUTCOME_KIND::NOTHING_TRIED:
+    case PLL_OUTCOME_KIND::OUT_OF_MEMORY:
+        break;
+    }
+    return false;
 }
 
 ANSWER::ANSWER(const REQUEST& request, const LIMITS& limits, EFFORT effort)

@@ -2,6 +2,8 @@
 
 #include "advice/devices/clocks.h"
 
+#include "pll_outcome.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -11,7 +13,6 @@ namespace {
 
 const RATIONAL MEGA(1000000);
 const RATIONAL EIGHTH(1, 8);
-constexpr double NEARLY_MET = 0.001;  // as the library's search has it
 constexpr double COST_OF_NEARLY_MET = 8192.0;
 constexpr double COST_OF_DUTY = 0.01;
 constexpr double EXACT = 1e-13;  // what doubles may be wrong by
@@ -270,13 +271,13 @@ private:
             const double relative = error < EXACT ? 0.0 : error;
             worst = std::max(worst, relative);
             nearly += relative;
-            sum += relative < NEARLY_MET ? 0.0 : relative * m_asked[i];
+            sum += relative < PLL_MET_TOLERANCE ? 0.0 : relative * m_asked[i];
             rank->m_is_missed =
                 rank->m_is_missed || relative > m_tolerances[i].m_frequency.to_double() + EXACT;
         }
         const bool by_worst = m_request.m_objective == OBJECTIVE::WORST;
         rank->m_error = by_worst ? worst : sum;
-        rank->m_cost = nearly > 0.0 ? nearly / NEARLY_MET + COST_OF_NEARLY_MET : 0.0;
+        rank->m_cost = nearly > 0.0 ? nearly / PLL_MET_TOLERANCE + COST_OF_NEARLY_MET : 0.0;
     }
 
     std::vector<DEVICE_CLOCK> make_clocks() const

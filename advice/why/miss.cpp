@@ -2,6 +2,9 @@
 
 #include "advice/numbers/text.h"
 #include "advice/why/table_choice.h"
+
+#include "pll_outcome.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -15,7 +18,6 @@ constexpr double HZ_PER_KHZ = 1e3;
 constexpr double PS_MHZ = 1e6;  // MHz = PS_MHZ / ps
 constexpr int KHZ_DECIMALS = 3;
 constexpr int PERCENT_DECIMALS = 3;
-constexpr double MAX_DOWN_SPREAD = 0.006;  // of the library
 constexpr int BANDWIDTH_AUTO = static_cast<int>(BANDWIDTH_KIND::AUTO);
 
 typedef std::vector<std::string> LINES;
@@ -201,7 +203,7 @@ void explain_error(const REQUEST& request, const LIMITS& limits, const ANSWER& a
         lines->push_back("missed: a spread of " +
                          write_number(request.m_spread.to_double() * PERCENT, PERCENT_DECIMALS) +
                          " % is asked for, legal are at most " +
-                         write_number(MAX_DOWN_SPREAD * PERCENT, PERCENT_DECIMALS) + " %");
+                         write_number(PLL_LARGEST_DOWN_SPREAD * PERCENT, PERCENT_DECIMALS) + " %");
         break;
     case PLL::PLL_FIN_OUT_OF_RANGE:
         explain_input("the input", request.m_input, pll, lines);

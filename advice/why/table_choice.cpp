@@ -1,48 +1,18 @@
 #include "advice/why/table_choice.h"
 
 #include "pll.h"
-#include "pll_util.h"
+#include "pll_cost.h"
 
 #include <algorithm>
-#include <cfloat>
 #include <cmath>
-#include <cstdint>
 #include <limits>
-#include <new>
 
 namespace advice {
 
 namespace {
 
-constexpr double HZ_PS = 1e12;  // frequency in Hz x period in ps
-
-// The library's cost of a row: it is asked with a table that holds nothing else. Infinite for a row
-// that the library would not even take then.
-double cost_alone(const PLL& answer, const PLL_PROP& prop, const PLL_BANDWIDTH_SETTING& row)
-{
-    PLL_BASIC_INFO info;
-    info.m_bandwidth_pfd_min_frequency_multiplier =
-        answer.m_info.m_basic_info->m_bandwidth_pfd_min_frequency_multiplier;
-    const int size = effective_m(answer) + 1;
-    PLL_BANDWIDTH_SETTING_GROUP* const table =
-        new PLL_BANDWIDTH_SETTING_GROUP[static_cast<std::size_t>(size)];
-    if (table == nullptr) {
-        throw std::bad_alloc();
-    }
-    info.set_bandwidth_settings_table(size, table);
-    PLL_BANDWIDTH_SETTING* const copy = new PLL_BANDWIDTH_SETTING(row);
-    if (copy == nullptr) {
-        throw std::bad_alloc();
-    }
-    table[effective_m(answer)].m_settings.push_back(copy);
-
-    PLL pll(answer.m_user_taps_count, PLL_MAX_TAPS);
-    pll = answer;
-    pll.m_info.m_basic_info = &info;
-    pll.m_cost = 0.0;
-    const bool is_taken = PLL::synthesize_best_bandwidth_using_table(&pll, prop);
-    return is_taken ? pll.m_cost : std::numeric_limits<double>::infinity();
-}
+// A row that costs as much as this is never taken.
+constexpr double NEVER_TAKEN = 2147483647.0;
 
 }  // namespace
 
@@ -53,20 +23,12 @@ bool uses_table(const PLL& pll)
 
 int effective_m(const PLL& pll)
 {
-    constexpr int BEYOND = std::numeric_limits<int>::max();
-    const std::int64_t scaled = std::int64_t{pll.get_m()} * pll.m_vco_post_scale;
-    const std::int64_t count =
-        pll.m_feedback_tap < 0 ? 1 : PLL_UTIL::get_tap_count(&pll, pll.m_feedback_tap);
-    return scaled > BEYOND || scaled * count > BEYOND ? BEYOND : static_cast<int>(scaled * count);
+    return pll_get_effective_m(pll);
 }
 
 double largest_bandwidth(const REQUEST& request, const PLL& pll)
 {
-    const double pfd_period =
-        double(std::max(request.m_input.m_library_period,
-                        request.m_input2 ? request.m_input2->m_library_period : 0)) *
-        pll.get_n();
-    return HZ_PS / pfd_period / pll.m_info.m_basic_info->m_bandwidth_pfd_min_frequency_multiplier;
+    return pll_get_largest_bandwidth(pll, to_prop(request));
 }
 
 const PLL_BANDWIDTH_SETTING* find_row(const PLL& pll)
@@ -89,22 +51,17 @@ const PLL_BANDWIDTH_SETTING* find_row(const PLL& pll)
 
 std::vector<ROW_CHOICE> list_choices(const REQUEST& request, const ANSWER& answer)
 {
-    std::vector<ROW_CHOICE> choices;
     const PLL& pll = answer.get_pll();
-    const PLL_BASIC_INFO& info = *pll.m_info.m_basic_info;
-    const int m = effective_m(pll);
-    if (m < 0 || m >= info.m_bandwidth_settings_table_size) {
-        return choices;
-    }
     const PLL_PROP prop = to_prop(request);
-    PLL_PROP without_wish = prop;
-    without_wish.m_bandwidth_type = static_cast<int>(BANDWIDTH_KIND::AUTO);
-    bool is_open = true;
-    for (const PLL_BANDWIDTH_SETTING* row : info.m_bandwidth_settings_table[m].m_settings) {
-        const double cost = cost_alone(pll, prop, *row);
-        const double pfd_cost = cost_alone(pll, without_wish, *row);
-        choices.push_back({row, pfd_cost, cost - pfd_cost, cost, is_open});
-        is_open = is_open && cost > DBL_EPSILON;
+    const int count = pll_get_row_costs(pll, prop, nullptr, 0);
+    std::vector<PLL_ROW_COST> rows(static_cast<std::size_t>(count));
+    pll_get_row_costs(pll, prop, rows.data(), count);
+
+    std::vector<ROW_CHOICE> choices;
+    for (const PLL_ROW_COST& row : rows) {
+        const double cost =
+            row.m_cost < NEVER_TAKEN ? row.m_cost : std::numeric_limits<double>::infinity();
+        choices.push_back({row.m_row, row.m_pfd_cost, row.m_wish_cost, cost, row.m_is_looked_at});
     }
     return choices;
 }

@@ -13,7 +13,7 @@ namespace advice {
 bool uses_table(const PLL& pll);
 
 // The multiplication that the loop has and the table is indexed by: M, the post-scale and the
-// output in the feedback. Products that no int holds are the largest int.
+// output in the feedback.
 int effective_m(const PLL& pll);
 
 // The largest loop bandwidth that the table's rows may have at their fast corner, Hz.
