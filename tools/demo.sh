@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# demo.sh PLLCALC: three requests of a board designer and one that is impossible, with the answers;
-# then a device of the sample database, requests to it, and the row of its table that they take.
+# demo.sh PLLCALC: a wish to a real chip and the text of its primitive; three requests of a board
+# designer and one that is impossible, with the answers; then a device of the sample database,
+# requests to it, and the row of its table that they take.
 set -euo pipefail
 
 if [[ $# -ne 1 || ! -x $1 ]]; then
@@ -21,6 +22,12 @@ show() {
         exit 1
     fi
 }
+
+show 0 "Two clocks of an iCE40 chip from its 12 MHz oscillator" \
+    synth --device ice40 --in 12MHz --out usb=48MHz --out cpu=24MHz
+
+show 0 "The same as an instance of the chip's primitive" \
+    export --as verilog --device ice40 --in 12MHz --out usb=48MHz --out cpu=24MHz
 
 show 0 "A video clock pair from a 27 MHz oscillator, the second in quadrature, and its half" \
     synth --in 27MHz --out 148.5MHz --out 148.5MHz,phase=90 --out 74.25MHz

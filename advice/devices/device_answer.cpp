@@ -101,10 +101,26 @@ DEVICE_ANSWER answer_for_device(const DEVICE_REQUEST& request)
     return answer;
 }
 
+std::string primitive_of(const DEVICE_REQUEST& request, const DEVICE_ANSWER& answer)
+{
+    const SHEET& sheet = *request.m_device.m_sheet;
+    for (const std::string& primitive : sheet.m_primitives) {
+        const bool has_all = std::all_of(
+            answer.m_clocks.begin(), answer.m_clocks.end(), [&](const DEVICE_CLOCK& clock) {
+                const SHEET_OUTPUT* output = sheet.find_output(clock.m_output);
+                return output != nullptr && covers(output->m_primitives, primitive);
+            });
+        if (has_all) {
+            return primitive;
+        }
+    }
+    return sheet.m_primitives.front();
+}
+
 PRIMITIVE_SETTING to_setting(const DEVICE_REQUEST& request, const DEVICE_ANSWER& answer)
 {
     PRIMITIVE_SETTING setting;
-    setting.m_primitive = request.m_device.m_sheet->m_primitives.front();
+    setting.m_primitive = primitive_of(request, answer);
     setting.m_input = request.m_request.m_input.m_frequency / MEGA;
     setting.m_path = answer.m_path;
     setting.m_fed_back = answer.m_fed_back;

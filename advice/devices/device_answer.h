@@ -69,6 +69,9 @@ struct DEVICE_ANSWER
 // The best setting there is. The request must have no problem (find_problem).
 DEVICE_ANSWER answer_for_device(const DEVICE_REQUEST& request);
 
+// The first primitive of the device that has all the outputs in use.
+std::string primitive_of(const DEVICE_REQUEST& request, const DEVICE_ANSWER& answer);
+
 // The setting as its primitive would have it; what verification judges.
 PRIMITIVE_SETTING to_setting(const DEVICE_REQUEST& request, const DEVICE_ANSWER& answer);
 

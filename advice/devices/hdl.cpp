@@ -27,7 +27,7 @@ public:
     HDL_MODULE make(const std::string& module)
     {
         m_hdl.m_name = module;
-        m_hdl.m_primitive = choose_primitive();
+        m_hdl.m_primitive = primitive_of(m_request, m_answer);
         m_hdl.m_input = m_request.m_request.m_input.m_frequency / (KILO * KILO);
         m_hdl.m_input_name = INPUT_NAME;
         name_clocks();
@@ -39,22 +39,6 @@ public:
     }
 
 private:
-    // The first primitive that has all outputs in use.
-    std::string choose_primitive() const
-    {
-        for (const std::string& primitive : m_sheet.m_primitives) {
-            const bool has_all = std::all_of(
-                m_answer.m_clocks.begin(), m_answer.m_clocks.end(), [&](const DEVICE_CLOCK& clock) {
-                    const SHEET_OUTPUT* output = m_sheet.find_output(clock.m_output);
-                    return covers(output->m_primitives, primitive);
-                });
-            if (has_all) {
-                return primitive;
-            }
-        }
-        return m_sheet.m_primitives.front();
-    }
-
     // ---- Names
 
     void name_clocks()

@@ -217,7 +217,7 @@ std::string report_device_answer(const DEVICE_REQUEST& request, const DEVICE_ANS
         text += "  " + make_visible(reason) + "\n";
     }
     text += "\ndevice " + request.m_device.m_sheet->m_title + ", primitive " +
-            request.m_device.m_sheet->m_primitives.front() + "\n";
+            advice::primitive_of(request, answer) + "\n";
     if (answer.m_has_setting) {
         text += describe_loop(request, answer) + "\n";
         append_clocks(request, answer, &text);

@@ -32,7 +32,7 @@ for tool in bash env dirname cat; do
 done
 bare=(env -i "PATH=$work/bin" "$work/tree/dev")
 
-for command in demo test lint format bench coverage help; do
+for command in demo test lint format bench flow peers coverage help; do
     expect 0 "  $command" "${bare[@]}" help
 done
 expect 0 "usage: ./dev COMMAND" "${bare[@]}"
