@@ -45,7 +45,7 @@ def export(program, directory, language, suffix, request, extra):
 
 def compile_all(program, directory, request):
     verilog = export(program, directory, "verilog", ".v", request, ["--body"])
-    run(["iverilog", "-g2005", "-Wall", "-o", "/dev/null", verilog], directory)
+    run(["iverilog", "-g2005", "-Wall", "-o", "clocks.vvp", verilog], directory)
     run(["verilator", "--lint-only", "-Wall", "--top-module", "clocks", verilog], directory)
     system = export(program, directory, "systemverilog", ".sv", request, ["--body"])
     run(["verilator", "--lint-only", "-Wall", "--top-module", "clocks", system], directory)
