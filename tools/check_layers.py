@@ -42,8 +42,8 @@ advice/   numbers < sheets < request < limits < verdict < answer < verify, primi
 app/      numbers < output, words < devices < request < answer < json < reports, lint, primitive < command < main.cpp
 """
 
-# Headers with a name like those of C, which are of the system.
-SYSTEM_HEADERS = {"fcntl.h", "unistd.h"}
+# Headers with a name like those of C, which are of the system or of the compiler.
+SYSTEM_HEADERS = {"fcntl.h", "unistd.h", "xmmintrin.h"}
 
 INCLUDE = re.compile(r'^[ \t]*#[ \t]*include[ \t]*(?:"([^"\n]*)"|<([^>\n]*)>)', re.MULTILINE)
 

@@ -12,6 +12,7 @@
 #include "loop/loop_model.h"
 #include "platform/append_file.h"
 #include "platform/arith.h"
+#include "platform/host_state.h"
 #include "platform/report_error.h"
 
 #include <algorithm>
@@ -233,7 +234,8 @@ void apply_pfd_rule(PLL_PROP* prop, const PLL& p)
     }
     const double widest = prop->m_bandwidth_max > 0 ? prop->m_bandwidth_max : prop->m_bandwidth;
     const int multiplier = p.m_info.m_basic_info->m_bandwidth_pfd_min_frequency_multiplier;
-    const int longest_pfd_period = truncate_to_int(HZ_PS / widest / multiplier + HALF);
+    const double longest = divide_by_any(divide_by_any(HZ_PS, widest), multiplier);
+    const int longest_pfd_period = truncate_to_int(longest + HALF);
     prop->m_lock_max_period =
         std::min(prop->m_lock_max_period, safe_div(longest_pfd_period, p.get_n()));
 }
@@ -242,6 +244,7 @@ void apply_pfd_rule(PLL_PROP* prop, const PLL& p)
 
 void PLL_PROP::set_properties_from_internals(const PLL& p)
 {
+    const HOST_STATE state;
     check(m_taps_count == p.m_user_taps_count, "m_taps_count == p.m_user_taps_count", SOURCE);
     TRACE_STREAM trace;
     if (p.m_debug) {
@@ -267,6 +270,7 @@ void PLL_PROP::set_properties_from_internals(const PLL& p)
 
 void PLL_PROP::compute_bandwidth(const PLL& p)
 {
+    const HOST_STATE state;
     const int m = effective_feedback_division(p, m_feedback_tap);
     const PLL_BANDWIDTH_SETTING* row = nullptr;
     if (uses_table(p)) {
@@ -284,6 +288,7 @@ void PLL_PROP::compute_bandwidth(const PLL& p)
 
 void PLL_PROP::compute_user_delay_chains(const PLL& p)
 {
+    const HOST_STATE state;
     int base = wrap_sub(p.m_n.m_delay, p.m_m.m_delay);
     if (m_feedback_tap >= 0) {
         check(m_feedback_tap < m_taps_count, "m_feedback_tap < m_taps_count", SOURCE);

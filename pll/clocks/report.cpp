@@ -3,6 +3,8 @@
 #include "pll_prop.h"
 
 #include "platform/arith.h"
+#include "platform/guest_stream.h"
+#include "platform/host_state.h"
 
 #include <algorithm>
 #include <ostream>
@@ -145,6 +147,8 @@ void dump_common(std::ostream& stream, const PLL_PROP& prop)
 
 void PLL_USER_TAP::dump(std::ostream& stream, bool compact) const
 {
+    const HOST_STATE state;
+    const GUEST_STREAM guest(stream);
     if (compact) {
         stream << m_mult << '\t' << m_div << '\t' << m_duty << '\t' << m_phase << '\t';
         return;
@@ -164,6 +168,8 @@ void PLL_USER_TAP::dump(std::ostream& stream, bool compact) const
 
 void PLL_PROP::dump(std::ostream& stream, bool requested, bool compact) const
 {
+    const HOST_STATE state;
+    const GUEST_STREAM guest(stream);
     if (compact) {
         dump_compact(stream, *this);
         return;

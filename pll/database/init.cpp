@@ -10,6 +10,7 @@
 #include "pll_util.h"
 
 #include "database/memory.h"
+#include "platform/host_state.h"
 #include "platform/report_error.h"
 
 #include <algorithm>
@@ -306,6 +307,7 @@ void set_loop_filter(PLL* pll, const PLL_BASIC_INFO& basic)
 
 bool PLL_MANAGER::init_pll_info(PLL_INFO* info, const PLL_QUERY& query)
 {
+    const HOST_STATE state;
     if (!check(info != nullptr && query.m_family != nullptr && query.m_type != PLL_TYPE_MAX,
                "info != NULL && query.m_family != NULL && query.m_type != PLL_TYPE_MAX",
                PLL_MANAGER_SOURCE) ||
@@ -321,6 +323,7 @@ bool PLL_MANAGER::init_pll_info(PLL_INFO* info, const PLL_QUERY& query)
 
 bool PLL_MANAGER::init_pll(PLL* pll, const PLL_QUERY& query)
 {
+    const HOST_STATE state;
     if (!check(pll != nullptr, "pll != NULL", PLL_MANAGER_SOURCE)) {
         return false;
     }

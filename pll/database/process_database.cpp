@@ -3,6 +3,7 @@
 #include "pll.h"
 #include "pll_manager.h"
 
+#include "platform/host_state.h"
 #include "platform/report_error.h"
 
 using namespace pll_internal;
@@ -48,6 +49,7 @@ void make_default(const PLL& pll)
 
 bool PLL::init_family_info(const char* location)
 {
+    const HOST_STATE state;
     if (m_pll_manager != nullptr) {
         return true;
     }
@@ -63,6 +65,7 @@ void PLL::delete_family_info()
 
 bool PLL::read_parameters(const char* family, PLL_TYPE type)
 {
+    const HOST_STATE state;
     PLL pll(1, PLL_MAX_TAPS);
     PLL_QUERY query;
     if (!check(m_pll_manager != nullptr, "m_pll_manager != NULL", SOURCE)) {

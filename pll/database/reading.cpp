@@ -13,6 +13,7 @@
 #include "database/watch/statement_watch.h"
 #include "database/watch/table_watch.h"
 #include "database/watch/tell.h"
+#include "platform/host_state.h"
 #include "platform/report_error.h"
 
 #include <cstring>
@@ -92,6 +93,7 @@ PLL_FINDING read_family_file(PLL_FAMILY_FILE_READER* reader, const char* file_na
 
 bool PLL_MANAGER::read(const char* path)
 {
+    const HOST_STATE state;
     if (!check(path != nullptr, "path != NULL", PLL_MANAGER_SOURCE)) {
         return false;
     }
@@ -105,6 +107,7 @@ bool PLL_MANAGER::read(const char* path)
 
 PLL_FAMILY_INFO* PLL_MANAGER::read_family_info(const char* family)
 {
+    const HOST_STATE state;
     PLL_FAMILY_INFO* const record = create_family_info(family);
     if (!check(record != nullptr, "family_info != NULL", PLL_MANAGER_SOURCE)) {
         if (family != nullptr) {
@@ -124,6 +127,7 @@ PLL_FAMILY_INFO* PLL_MANAGER::read_family_info(const char* family)
 
 bool PLL_MANAGER::read_family_info_from_file(const char* path, const char* file_name)
 {
+    const HOST_STATE state;
     if (!check(path != nullptr && file_name != nullptr, "path != NULL && file_name != NULL",
                PLL_MANAGER_SOURCE)) {
         return false;
@@ -144,6 +148,7 @@ bool PLL_MANAGER::read_family_info_from_file(const char* path, const char* file_
 bool pll_observe_bandwidth_settings_table_file(PLL_FAMILY_INFO* family, PLL_TYPE_ENUM type,
                                                const char* file_name, PLL_READ_OBSERVER* observer)
 {
+    const HOST_STATE state;
     const bool has_family = check(family != nullptr, "family_info != 0", PLL_MANAGER_SOURCE);
     const bool has_name =
         check(file_name != nullptr, "bandwidth_settings_table_file_name != 0", PLL_MANAGER_SOURCE);
@@ -154,12 +159,14 @@ bool pll_observe_bandwidth_settings_table_file(PLL_FAMILY_INFO* family, PLL_TYPE
 bool pll_read_bandwidth_settings_table_file(PLL_FAMILY_INFO* family, PLL_TYPE_ENUM type,
                                             const char* file_name)
 {
+    const HOST_STATE state;
     return pll_observe_bandwidth_settings_table_file(family, type, file_name, nullptr);
 }
 
 bool pll_read_bandwidth_settings_table_files(PLL_FAMILY_INFO* family,
                                              PLL_TYPE_BANDWIDTH_FILE_LIST* files)
 {
+    const HOST_STATE state;
     if (!check(files != nullptr, "pll_type_bandwidth_file_list != 0", PLL_MANAGER_SOURCE)) {
         return false;
     }

@@ -3,6 +3,8 @@
 #include "pll_info.h"
 
 #include "platform/arith.h"
+#include "platform/guest_stream.h"
+#include "platform/host_state.h"
 #include "platform/report_error.h"
 
 #include <algorithm>
@@ -124,6 +126,7 @@ void dump_group(std::ostream& stream, const PLL_BANDWIDTH_SETTING_GROUP& group)
 bool PLL_INFO::check_bandwidth_settings_table(PLL_TABLE_FINDING_HANDLER handler,
                                               void* context) const
 {
+    const HOST_STATE state;
     FINDINGS findings(handler, context);
     if (m_basic_info == nullptr || m_basic_info->m_bandwidth_settings_table == nullptr) {
         findings.add(PLL_TABLE_FINDING_KIND::NO_TABLE);
@@ -135,6 +138,7 @@ bool PLL_INFO::check_bandwidth_settings_table(PLL_TABLE_FINDING_HANDLER handler,
 
 bool PLL_INFO::is_bandwidth_settings_table_valid() const
 {
+    const HOST_STATE state;
     check(this->has_info(), "this->has_info()", SOURCE);
     // A stream of its own: plain decimal, whatever format the host gave the standard output.
     std::ostream output(std::cout.rdbuf());
@@ -144,6 +148,8 @@ bool PLL_INFO::is_bandwidth_settings_table_valid() const
 
 void pll_write_table_finding(std::ostream& stream, const PLL_TABLE_FINDING& finding)
 {
+    const HOST_STATE state;
+    const GUEST_STREAM guest(stream);
     const int m = finding.m_m;
     const int value = finding.m_value;
     stream << "Error: ";
@@ -177,6 +183,8 @@ void pll_write_table_finding(std::ostream& stream, const PLL_TABLE_FINDING& find
 
 void PLL_INFO::dump_bandwidth_settings_table(std::ostream& stream) const
 {
+    const HOST_STATE state;
+    const GUEST_STREAM guest(stream);
     check(this->has_info(), "this->has_info()", SOURCE);
     const int size = m_basic_info == nullptr ? 0 : m_basic_info->m_bandwidth_settings_table_size;
     const PLL_BANDWIDTH_SETTING_GROUP* table =

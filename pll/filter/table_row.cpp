@@ -11,6 +11,7 @@
 #include "loop/loop_model.h"
 #include "loop/taps.h"
 #include "platform/arith.h"
+#include "platform/host_state.h"
 #include "platform/report_error.h"
 
 #include <algorithm>
@@ -37,7 +38,8 @@ constexpr PLL_ROW_CHOICE NO_ROW = {nullptr, NO_ROW_COST, false};
 PFD_BANDWIDTH_LIMITS pfd_limits(const PLL& pll, const PLL_PROP& request)
 {
     const int multiplier = pll.m_info.m_basic_info->m_bandwidth_pfd_min_frequency_multiplier;
-    const double base = HERTZ_PER_INVERSE_PICOSECOND / wrap_mul(multiplier, pll.m_n.m_count);
+    const double base =
+        divide_by_any(HERTZ_PER_INVERSE_PICOSECOND, wrap_mul(multiplier, pll.m_n.m_count));
     return {base / request.m_fin_period,
             request.m_fin2_period > 0 ? base / request.m_fin2_period : DBL_MAX};
 }
@@ -181,6 +183,7 @@ int cost_rows(const PLL& pll, const PLL_PROP& request, const PLL_BANDWIDTH_SETTI
 
 bool PLL::synthesize_best_bandwidth_using_table(PLL* pll, const PLL_PROP& request)
 {
+    const HOST_STATE state;
     if (pll == nullptr) {
         return false;
     }

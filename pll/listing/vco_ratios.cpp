@@ -16,6 +16,7 @@
 
 #include "listing/farey.h"
 #include "platform/arith.h"
+#include "platform/host_state.h"
 #include "platform/report_error.h"
 #include "search/region.h"
 #include "search/window.h"
@@ -321,6 +322,7 @@ int list_ratios(const PLL& pll, int fin_period)
 
 int PLL::find_vco_mult_div_values(int** mults, int** divs, int fin_period)
 {
+    const HOST_STATE state;
     if (mults == nullptr || divs == nullptr) {
         return 0;
     }

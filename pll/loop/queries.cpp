@@ -4,6 +4,7 @@
 
 #include "loop/duty_cycle.h"
 #include "platform/arith.h"
+#include "platform/host_state.h"
 #include "platform/report_error.h"
 
 #include <algorithm>
@@ -82,12 +83,14 @@ void set_periods(int (&periods)[3], int vco_post_scale, int value)
 
 double PLL::get_phase_degree_resolution() const
 {
-    return DEGREES_PER_TAP / get_m_over_n();
+    const HOST_STATE state;
+    return state.keep(DEGREES_PER_TAP / get_m_over_n());
 }
 
 double PLL::get_phase_ps_resolution(int period) const
 {
-    return degree_to_ps(get_phase_degree_resolution(), period);
+    const HOST_STATE state;
+    return state.keep(degree_to_ps(get_phase_degree_resolution(), period));
 }
 
 double PLL::get_phase_degree_min(int) const
@@ -102,12 +105,14 @@ double PLL::get_phase_degree_max(int) const
 
 double PLL::get_phase_ps_min(int tap, int period) const
 {
-    return degree_to_ps(get_phase_degree_min(tap), period);
+    const HOST_STATE state;
+    return state.keep(degree_to_ps(get_phase_degree_min(tap), period));
 }
 
 double PLL::get_phase_ps_max(int tap, int period) const
 {
-    return degree_to_ps(get_phase_degree_max(tap), period);
+    const HOST_STATE state;
+    return state.keep(degree_to_ps(get_phase_degree_max(tap), period));
 }
 
 double PLL::get_sclkout_phase_degree_min_for_output(int) const
@@ -122,12 +127,14 @@ double PLL::get_sclkout_phase_degree_max_for_output(int) const
 
 double PLL::get_sclkout_phase_ps_min_for_output(int tap, int period) const
 {
-    return degree_to_ps(get_sclkout_phase_degree_min_for_output(tap), period);
+    const HOST_STATE state;
+    return state.keep(degree_to_ps(get_sclkout_phase_degree_min_for_output(tap), period));
 }
 
 double PLL::get_sclkout_phase_ps_max_for_output(int tap, int period) const
 {
-    return degree_to_ps(get_sclkout_phase_degree_max_for_output(tap), period);
+    const HOST_STATE state;
+    return state.keep(degree_to_ps(get_sclkout_phase_degree_max_for_output(tap), period));
 }
 
 double PLL::get_next_phase_degree(int tap) const
@@ -142,52 +149,58 @@ double PLL::get_prev_phase_degree(int tap) const
 
 double PLL::get_next_phase_ps(int tap, int period) const
 {
-    return degree_to_ps(get_next_phase_degree(tap), period);
+    const HOST_STATE state;
+    return state.keep(degree_to_ps(get_next_phase_degree(tap), period));
 }
 
 double PLL::get_prev_phase_ps(int tap, int period) const
 {
-    return degree_to_ps(get_prev_phase_degree(tap), period);
+    const HOST_STATE state;
+    return state.keep(degree_to_ps(get_prev_phase_degree(tap), period));
 }
 
 // One VCO tap further, unless the output already has the last tap and the feedback has none that it
 // could go back to.
 double PLL::get_next_sclkout_phase_degree(int tap) const
 {
+    const HOST_STATE state;
     const PLL_OUTPUT_TAP& output = checked_user_tap(*this, tap);
     const double resolution = get_phase_degree_resolution();
     const double phase = phase_at_first_start(*this, output);
     const bool at_the_end =
         output.m_vco_tap >= LAST_VCO_TAP && m_m.m_vco_tap == 0 && m_m.m_initial == 1;
-    return at_the_end ? phase : phase + resolution;
+    return state.keep(at_the_end ? phase : phase + resolution);
 }
 
 // One VCO tap back, of the output or, from its first one, by moving the feedback on.
 double PLL::get_prev_sclkout_phase_degree(int tap) const
 {
+    const HOST_STATE state;
     const PLL_OUTPUT_TAP& output = checked_user_tap(*this, tap);
     const double phase = phase_at_first_start(*this, output);
     const double previous = phase - get_phase_degree_resolution();
     if (output.m_vco_tap != 0) {
-        return previous;
+        return state.keep(previous);
     }
     if (m_m.m_vco_tap < LAST_VCO_TAP && m_m.m_vco_tap < m_m.m_max_vco_tap) {
-        return previous;
+        return state.keep(previous);
     }
     if (get_m() == 1) {
-        return phase;
+        return state.keep(phase);
     }
-    return m_m.m_initial < m_m.m_max_count / 2 ? previous : phase;
+    return state.keep(m_m.m_initial < m_m.m_max_count / 2 ? previous : phase);
 }
 
 double PLL::get_next_sclkout_phase_ps(int tap, int period) const
 {
-    return degree_to_ps(get_next_sclkout_phase_degree(tap), period);
+    const HOST_STATE state;
+    return state.keep(degree_to_ps(get_next_sclkout_phase_degree(tap), period));
 }
 
 double PLL::get_prev_sclkout_phase_ps(int tap, int period) const
 {
-    return degree_to_ps(get_prev_sclkout_phase_degree(tap), period);
+    const HOST_STATE state;
+    return state.keep(degree_to_ps(get_prev_sclkout_phase_degree(tap), period));
 }
 
 int PLL::get_next_duty_cycle(int tap) const
@@ -212,22 +225,26 @@ int PLL::get_largest_duty_cycle_max(int tap) const
 
 double PLL::get_duty_cycle_resolution(int tap) const
 {
-    return duty_cycle_resolution(nearest_tap(*this, tap));
+    const HOST_STATE state;
+    return state.keep(duty_cycle_resolution(nearest_tap(*this, tap)));
 }
 
 double PLL::get_duty_cycle_min(int tap) const
 {
-    return smallest_duty_cycle(nearest_tap(*this, tap));
+    const HOST_STATE state;
+    return state.keep(smallest_duty_cycle(nearest_tap(*this, tap)));
 }
 
 double PLL::get_duty_cycle_max(int tap) const
 {
-    return largest_duty_cycle(nearest_tap(*this, tap));
+    const HOST_STATE state;
+    return state.keep(largest_duty_cycle(nearest_tap(*this, tap)));
 }
 
 double PLL::find_duty_cycle(int tap) const
 {
-    return checked_duty_cycle(nearest_tap(*this, tap), tap, m_total_taps_count);
+    const HOST_STATE state;
+    return state.keep(checked_duty_cycle(nearest_tap(*this, tap), tap, m_total_taps_count));
 }
 
 int PLL::get_k(int tap) const
@@ -266,7 +283,8 @@ int PLL::get_n() const
 
 double PLL::get_m_over_n() const
 {
-    return static_cast<double>(m_m.m_count) / static_cast<double>(m_n.m_count);
+    const HOST_STATE state;
+    return state.keep(static_cast<double>(m_m.m_count) / static_cast<double>(m_n.m_count));
 }
 
 double PLL::get_vco_period() const

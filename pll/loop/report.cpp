@@ -3,6 +3,8 @@
 #include "pll.h"
 
 #include "platform/arith.h"
+#include "platform/guest_stream.h"
+#include "platform/host_state.h"
 
 #include <algorithm>
 #include <ostream>
@@ -92,6 +94,8 @@ void dump_tap_compact(std::ostream& stream, const PLL_OUTPUT_TAP& tap)
 
 void PLL_OUTPUT_TAP::dump(std::ostream& stream, bool with_delta, bool compact) const
 {
+    const HOST_STATE state;
+    const GUEST_STREAM guest(stream);
     if (compact) {
         dump_tap_compact(stream, *this);
         return;
@@ -109,6 +113,8 @@ void PLL_OUTPUT_TAP::dump(std::ostream& stream, bool with_delta, bool compact) c
 
 void PLL::dump(std::ostream& stream, bool with_cost, bool compact) const
 {
+    const HOST_STATE state;
+    const GUEST_STREAM guest(stream);
     if (compact) {
         dump_compact(stream, *this);
         return;

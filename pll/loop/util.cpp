@@ -5,6 +5,7 @@
 #include "loop/vco_phase.h"
 #include "platform/arith.h"
 #include "platform/divisors.h"
+#include "platform/host_state.h"
 #include "platform/report_error.h"
 
 #include <algorithm>
@@ -33,18 +34,20 @@ int PLL_UTIL::phase_from_vco_tap_and_counter_start(int vco_tap, int counter_star
 int PLL_UTIL::phase_to_vco_tap_and_counter_start(int* vco_tap, int* counter_start, double phase,
                                                  int max_counter_start)
 {
+    const HOST_STATE state;
     if (vco_tap == nullptr || counter_start == nullptr) {
         return 0;
     }
     const TAP_AND_START nearest = nearest_tap_and_start(phase, max_counter_start);
     *vco_tap = nearest.m_vco_tap;
     *counter_start = nearest.m_start;
-    return nearest.vco_degrees();
+    return state.keep(nearest.vco_degrees());
 }
 
 int PLL_UTIL::phase_to_counter_start(int* counter_start, double phase, int vco_tap,
                                      int max_counter_start)
 {
+    const HOST_STATE state;
     if (counter_start == nullptr) {
         return 0;
     }
@@ -57,7 +60,7 @@ int PLL_UTIL::phase_to_counter_start(int* counter_start, double phase, int vco_t
         start = std::min(rounded / DEGREES_PER_VCO_PERIOD + 1, max_counter_start);
     }
     *counter_start = start;
-    return phase_from_vco_tap_and_counter_start(vco_tap, start);
+    return state.keep(phase_from_vco_tap_and_counter_start(vco_tap, start));
 }
 
 int PLL_UTIL::gcd(int x, int y)
@@ -90,10 +93,11 @@ void PLL_UTIL::normalize_fraction(int* numerator_out, int* denominator_out, int 
 double PLL_UTIL::user_phase(int numerator, int denominator, const PLL* pll, int vco_tap,
                             int counter_start)
 {
+    const HOST_STATE state;
     if (pll == nullptr) {
         return 0.0;
     }
-    return ::user_phase(numerator, denominator, *pll, {vco_tap, counter_start});
+    return state.keep(::user_phase(numerator, denominator, *pll, {vco_tap, counter_start}));
 }
 
 int PLL_UTIL::cascade_factor(int count, int max_count)
@@ -162,5 +166,6 @@ int pll_limit_switch(int value)
 
 double pll_get_bandwidth_diff_cost(double a, double b)
 {
-    return std::fabs(a - b) / HZ_PER_MHZ * COST_PER_MHZ;
+    const HOST_STATE state;
+    return state.keep(std::fabs(a - b) / HZ_PER_MHZ * COST_PER_MHZ);
 }

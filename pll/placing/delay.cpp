@@ -8,6 +8,7 @@
 
 #include "loop/taps.h"
 #include "platform/arith.h"
+#include "platform/host_state.h"
 #include "platform/report_error.h"
 
 #include <algorithm>
@@ -83,6 +84,7 @@ bool set_output_delays(const PLL_PROP& request, int base, PLL* pll)
 
 bool PLL::synthesize_delay_chains(const PLL_PROP& request)
 {
+    const HOST_STATE state;
     if (request.m_taps_count <= 0) {
         return true;
     }

@@ -9,6 +9,7 @@
 #include "loop/taps.h"
 #include "placing/placement.h"
 #include "platform/arith.h"
+#include "platform/host_state.h"
 #include "platform/report_error.h"
 
 #include <cmath>
@@ -390,6 +391,7 @@ void DUTY_PLACING::place(int index, PLL* pll)
 void PLL::compute_duty_cycle_for_ui(PLL* pll, const PLL_PROP& request, int tap,
                                     double duty_cycle) const
 {
+    const HOST_STATE state;
     if (pll == nullptr) {
         return;
     }
@@ -401,6 +403,7 @@ void PLL::compute_duty_cycle_for_ui(PLL* pll, const PLL_PROP& request, int tap,
 
 void PLL::correct_next_and_previous_values_for_ui()
 {
+    const HOST_STATE state;
     const auto clamp = [](const PLL_OUTPUT_TAP& tap, int duty) {
         if (duty > tap.m_largest_duty_cycle_max) {
             return tap.m_largest_duty_cycle_max;

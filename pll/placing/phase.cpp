@@ -12,6 +12,7 @@
 #include "loop/vco_phase.h"
 #include "placing/placement.h"
 #include "platform/arith.h"
+#include "platform/host_state.h"
 #include "platform/report_error.h"
 
 #include <cmath>
@@ -241,6 +242,7 @@ void tell_phase(const PLL_USER_TAP& wish, double ratio, double phase, PLL_OUTPUT
 
 void PLL::compute_phase_for_ui(PLL* pll, const PLL_PROP& request, int tap, double phase) const
 {
+    const HOST_STATE state;
     if (pll == nullptr) {
         return;
     }

@@ -1,6 +1,7 @@
 #include "placing/placement.h"
 
 #include "loop/taps.h"
+#include "platform/host_state.h"
 
 using namespace pll_internal;
 
@@ -43,6 +44,7 @@ void PLACEMENT::place(PLL* pll)
 
 bool PLL::synthesize_best_phase_and_duty_cycle(PLL* pll, const PLL_PROP& request)
 {
+    const HOST_STATE state;
     if (pll == nullptr) {
         return false;
     }

@@ -1,9 +1,10 @@
 // Arithmetic on numbers that hosts and files can make as large as they like: every operation has a
-// defined result. Int operations wrap modulo 2^32, conversions from double saturate, a division by
-// zero gives zero.
+// defined result. Int operations wrap modulo 2^32, conversions from double saturate, a division of
+// ints by zero gives zero.
 #pragma once
 
 #include <algorithm>
+#include <cmath>
 #include <cstdint>
 #include <limits>
 
@@ -40,6 +41,17 @@ inline int safe_div(int a, int b)
 inline int safe_mod(int a, int b)
 {
     return b == 0 ? 0 : wrap_to_int(std::int64_t{a} % b);
+}
+
+// What a division by zero gives, an infinity, without raising the flag of one: for where a zero
+// says that there is no limit. A dividend that is 0 or no number is divided as ever.
+inline double divide_by_any(double dividend, double divisor)
+{
+    if (divisor != 0.0 || dividend == 0.0 || dividend != dividend) {
+        return dividend / divisor;
+    }
+    const double infinity = std::numeric_limits<double>::infinity();
+    return std::signbit(dividend) == std::signbit(divisor) ? infinity : -infinity;
 }
 
 // Towards zero, saturating; NaN gives 0.

@@ -80,7 +80,9 @@ SEARCH_LIMITS read_search_limits(const PLL& pll, const PLL_PROP& request)
     }
     limits.m_may_cascade = pll.m_output_counter_cascade &&
                            limits.m_taps_count < std::min(pll.m_max_taps_count, PLL_MAX_TAPS);
-    limits.m_vco_wish = read_ratio_wish(request.m_vco_mult, request.m_vco_div);
+    if (request.m_vco_mult >= 1 && request.m_vco_div >= 1) {  // 0 / 0 is a wish for none
+        limits.m_vco_wish = read_ratio_wish(request.m_vco_mult, request.m_vco_div);
+    }
     check(pll.m_m.m_min_count == 1, "this->m_m.m_min_count == 1", "pll");
     check(pll.m_max_vco_post_scale <= PLL_VCO_POST_SCALE_MAX,
           "max_vco_post_scale <= PLL_VCO_POST_SCALE_MAX", "pll");

@@ -5,6 +5,7 @@
 #include "filter/loop_filter.h"
 #include "loop/taps.h"
 #include "platform/arith.h"
+#include "platform/host_state.h"
 #include "search/debug_log.h"
 #include "search/limits.h"
 #include "search/result.h"
@@ -252,6 +253,7 @@ void PLL::obey_debug_switch(bool obey)
 
 bool PLL::synthesize(const PLL_PROP& request)
 {
+    const HOST_STATE state;
     m_outcome = PLL_OUTCOME{PLL_OUTCOME_KIND::OUT_OF_MEMORY};
     if (m_impl == nullptr) {
         return false;  // the first PLL found no memory for what all share

@@ -18,6 +18,7 @@
 
 #include "database/files/input_file.h"
 #include "database/memory.h"
+#include "platform/host_state.h"
 #include "platform/report_error.h"
 
 #include <cstdint>
@@ -409,6 +410,7 @@ PLL_FINDING read_table_file(PLL_BASIC_INFO* info, const char* file_name,
 
 bool pll_read_field(std::istream& stream, int& value)
 {
+    const HOST_STATE state;
     try {
         stream >> value;
         return stream.good();
@@ -419,6 +421,7 @@ bool pll_read_field(std::istream& stream, int& value)
 
 bool pll_read_field(std::istream& stream, double& value)
 {
+    const HOST_STATE state;
     try {
         stream >> value;
         return stream.good();

@@ -6,6 +6,7 @@
 #include "database/files/operands.h"
 #include "database/files/vocabulary.h"
 #include "database/memory.h"
+#include "platform/host_state.h"
 #include "platform/report_error.h"
 
 #include <algorithm>
@@ -42,6 +43,7 @@ char* PLL_MANAGER::find_string_token(char** line) const
 
 bool PLL_MANAGER::find_number_token(char** line, int* value) const
 {
+    const HOST_STATE state;
     int number = 0;
     if (!is_cursor(line)) {
         return false;
@@ -58,6 +60,7 @@ bool PLL_MANAGER::find_number_token(char** line, int* value) const
 
 bool PLL_MANAGER::find_float_token(char** line, double* value) const
 {
+    const HOST_STATE state;
     const char* const word = find_unquoted_string_token(line);
     const PLL_NUMERIC_LOCALE locale;
     if (word == nullptr || value == nullptr || !locale.is_set()) {
