@@ -1,9 +1,11 @@
 #include "app/output/record_list.h"
 
+#include "app/output/characters.h"
 #include "app/output/format.h"
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -16,6 +18,37 @@ std::string json_string(const std::string& text)
     return JSON(text).dump(-1, ' ', false, JSON::error_handler_t::replace);
 }
 
+bool is_digit(char c)
+{
+    return '0' <= c && c <= '9';
+}
+
+// A sign, digits and at most one point.
+bool is_plain_number(const std::string& text)
+{
+    const std::size_t sign = text[0] == '+' || text[0] == '-' ? 1 : 0;
+    const auto digits = std::count_if(text.begin(), text.end(), is_digit);
+    const auto points = std::count(text.begin(), text.end(), '.');
+    return digits > 0 && points <= 1 &&
+           text.size() == sign + static_cast<std::size_t>(digits + points);
+}
+
+// Whether a spreadsheet would compute a cell instead of showing it. It does so behind quotes too;
+// an apostrophe in front keeps it from that. A speed grade such as -6 is a number to it.
+bool looks_like_formula(const std::string& text)
+{
+    return text.find_first_of("=+-@") == 0 && !is_plain_number(text);
+}
+
+std::string quote(const std::string& text)
+{
+    std::string quoted = "\"";
+    for (const char c : text) {
+        quoted += c == '"' ? "\"\"" : std::string(1, c);
+    }
+    return quoted + "\"";
+}
+
 }  // namespace
 
 RECORD_VALUE RECORD_VALUE::number(double value, int decimals)
@@ -25,14 +58,15 @@ RECORD_VALUE RECORD_VALUE::number(double value, int decimals)
 
 std::string RECORD_VALUE::to_csv() const
 {
-    if (m_kind != KIND::TEXT || m_text.find_first_of(",\"\r\n") == std::string::npos) {
+    if (m_kind != KIND::TEXT) {
         return m_text;
     }
-    std::string quoted = "\"";
-    for (const char c : m_text) {
-        quoted += c == '"' ? "\"\"" : std::string(1, c);
+    const std::string visible = make_visible(m_text);
+    if (looks_like_formula(visible)) {
+        return quote("'" + visible);
     }
-    return quoted + "\"";
+    // Some spreadsheets take a semicolon for the end of a cell.
+    return visible.find_first_of(",;\"") == std::string::npos ? visible : quote(visible);
 }
 
 std::string RECORD_VALUE::to_json() const

@@ -22,7 +22,8 @@ public:
     static RECORD_VALUE text(const std::string& text) { return {KIND::TEXT, text}; }
     static RECORD_VALUE truth(bool value) { return {KIND::NUMBER, value ? "true" : "false"}; }
 
-    // Nothing, or a text that is quoted where it must be.
+    // Nothing, a number as it is, or a text: quoted where it must be, its control characters made
+    // visible, with an apostrophe before what a spreadsheet would take for a formula.
     std::string to_csv() const;
     std::string to_json() const;
 

@@ -289,6 +289,7 @@ bool PLL_BANDWIDTH_CHOOSER::is_better(const ROW_COST& a, const ROW_COST& b)
 
 int pll_get_row_costs(const PLL& pll, const PLL_PROP& request, PLL_ROW_COST* rows, int most)
 {
+    const HOST_STATE state;
     const PLL_BANDWIDTH_SETTING_GROUP* group = find_group(pll, effective_feedback_division(pll));
     if (group == nullptr) {
         return 0;
@@ -312,11 +313,12 @@ int pll_get_row_costs(const PLL& pll, const PLL_PROP& request, PLL_ROW_COST* row
 
 double pll_get_largest_bandwidth(const PLL& pll, const PLL_PROP& request)
 {
+    const HOST_STATE state;
     if (!pll.m_info.has_info()) {
         return 0.0;
     }
     const PFD_BANDWIDTH_LIMITS limits = pfd_limits(pll, request);
-    return std::min(limits.m_first, limits.m_second);
+    return state.keep(std::min(limits.m_first, limits.m_second));
 }
 
 int pll_get_effective_m(const PLL& pll)

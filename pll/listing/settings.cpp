@@ -9,6 +9,7 @@
 #include "pll_util.h"
 
 #include "filter/loop_filter.h"
+#include "platform/host_state.h"
 #include "search/candidate.h"
 #include "search/limits.h"
 #include "search/region.h"
@@ -231,6 +232,7 @@ void COUNTER::look_at(int post_scale, std::int64_t m, std::int64_t n)
 bool pll_walk_settings(const PLL& pll, const PLL_PROP& request, PLL_SETTING_VISITOR visitor,
                        void* context)
 {
+    const HOST_STATE state;
     const SEARCH_LIMITS limits = read_search_limits(pll, request);
     for (int post_scale = 1; post_scale <= limits.m_max_post_scale; ++post_scale) {
         const ROW_READER reader(pll, limits, post_scale);
@@ -248,6 +250,7 @@ bool pll_walk_settings(const PLL& pll, const PLL_PROP& request, PLL_SETTING_VISI
 
 PLL_SETTING_COUNTS pll_count_settings(const PLL& pll, const PLL_PROP& request, std::int64_t most)
 {
+    const HOST_STATE state;
     const SEARCH_LIMITS limits = read_search_limits(pll, request);
     COUNTER counter(pll, request, limits, most);
     for (int post_scale = 1; post_scale <= limits.m_max_post_scale; ++post_scale) {

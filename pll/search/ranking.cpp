@@ -96,8 +96,9 @@ void add_ratio_limit_penalty(const PLL_BASIC_INFO& info, PLL* candidate)
         return;
     }
     const double division = effective_feedback_division(*candidate);
-    if (division / candidate->m_i > info.m_spe_ratio_constant_x) {
-        candidate->m_cost += division / candidate->m_i + RATIO_LIMIT_PENALTY;
+    const double ratio = divide_by_any(division, candidate->m_i);
+    if (ratio > info.m_spe_ratio_constant_x) {
+        candidate->m_cost += ratio + RATIO_LIMIT_PENALTY;
     }
 }
 

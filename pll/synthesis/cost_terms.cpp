@@ -12,6 +12,7 @@
 #include "filter/loop_filter.h"
 #include "loop/taps.h"
 #include "placing/placement.h"
+#include "platform/host_state.h"
 #include "search/candidate.h"
 #include "search/limits.h"
 #include "search/ranking.h"
@@ -88,12 +89,14 @@ double even_count_cost(const PLL& candidate, const PLL_PROP& request)
 
 double PLL_COST_TERMS::total() const
 {
-    return m_cascades + m_near_misses + m_post_scale + m_table_row + m_phases + m_duty_cycles +
-           m_even_counts + m_preferred_m + m_ratio_limit;
+    const HOST_STATE state;
+    return state.keep(m_cascades + m_near_misses + m_post_scale + m_table_row + m_phases +
+                      m_duty_cycles + m_even_counts + m_preferred_m + m_ratio_limit);
 }
 
 PLL_COST_TERMS pll_get_cost_terms(const PLL& pll, const PLL_PROP& request)
 {
+    const HOST_STATE state;
     PLL_COST_TERMS terms;
     if (!was_ranked_by_cost(pll.m_outcome)) {
         return terms;

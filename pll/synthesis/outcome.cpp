@@ -7,6 +7,7 @@
 #include "pll_prop.h"
 
 #include "loop/taps.h"
+#include "platform/host_state.h"
 #include "search/ratio_error.h"
 
 #include <cmath>
@@ -45,6 +46,7 @@ PLL_GRADE grade(const PLL_OUTPUT_OUTCOME& output)
 
 PLL_OUTPUT_OUTCOME pll_get_output_outcome(const PLL& pll, const PLL_PROP& request, int output)
 {
+    const HOST_STATE state;
     PLL_OUTPUT_OUTCOME result;
     if (!has_setting(pll.m_outcome) || output < 0 || output >= clamp_taps(request.m_taps_count)) {
         return result;
@@ -68,10 +70,11 @@ PLL_OUTPUT_OUTCOME pll_get_output_outcome(const PLL& pll, const PLL_PROP& reques
 
 bool pll_is_vco_ratio_met(const PLL& pll, const PLL_PROP& request)
 {
+    const HOST_STATE state;
     if (!has_setting(pll.m_outcome)) {
         return false;
     }
     const RATIO_WISH wish = read_ratio_wish(request.m_vco_mult, request.m_vco_div);
     const VCO_RATIO vco(pll.m_outcome.m_m, pll.m_outcome.m_n);
-    return !has_wish(wish) || std::fabs(vco.m_ratio - wish.m_ratio) < PLL_EXACT_RATIO;
+    return state.keep(!has_wish(wish) || std::fabs(vco.m_ratio - wish.m_ratio) < PLL_EXACT_RATIO);
 }

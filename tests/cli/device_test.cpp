@@ -245,11 +245,49 @@ TEST(CliDevice, NamesKeepTheirCharactersInEveryForm)
 {
     const OWN_DATABASE database(own_family_with("part P1", "part \"a, b\\\xC3\xA9\xFF\x01\""));
     EXPECT_NE(std::string::npos, database.run("devices", " --format csv")
-                                     .m_output.find("FAST_PLL,\"a, b\\\xC3\xA9\xFF\x01\",1,"));
+                                     .m_output.find("FAST_PLL,\"a, b\\\xC3\xA9\xFF\\x01\",1,"));
     EXPECT_NE(std::string::npos, database.run("devices", " --format json")
                                      .m_output.find(R"("part": "a, b\\)"
                                                     "\xC3\xA9\xEF\xBF\xBD"
                                                     R"(\u0001", "speed_grade")"));
+}
+
+struct CSV_CELL
+{
+    const char* m_name;  // of a part
+    const char* m_cell;
+};
+
+// clang-format off
+constexpr CSV_CELL CSV_CELLS[] = {
+    {"P1",              "P1"},
+    {"a, b",            "\"a, b\""},
+    {"a;b",             "\"a;b\""},
+    {"a\x1b[2J",        "a\\x1b[2J"},
+    {"a\tb",            "a\\x09b"},
+    {"=1+1",            "\"'=1+1\""},
+    {"=cmd|' /C calc'", "\"'=cmd|' /C calc'\""},
+    {"@SUM(A1)",        "\"'@SUM(A1)\""},
+    {"+1+1",            "\"'+1+1\""},
+    {"-1,2",            "\"'-1,2\""},
+    {"-",               "\"'-\""},
+    {"-6",              "-6"},
+    {"+6.5",            "+6.5"},
+    {"-6.5.1",          "\"'-6.5.1\""},
+    {"1=1",             "1=1"},
+};
+// clang-format on
+
+TEST(CliDevice, CsvHoldsNoFormulaAndNoControlCharacter)
+{
+    for (const CSV_CELL& c : CSV_CELLS) {
+        const OWN_DATABASE database(
+            own_family_with("part P1", "part \"" + std::string(c.m_name) + "\""));
+        const std::string csv = database.run("devices", " --format csv").m_output;
+        EXPECT_NE(std::string::npos, csv.find(std::string("FAST_PLL,") + c.m_cell + ",1,"))
+            << c.m_name << '\n'
+            << csv;
+    }
 }
 
 TEST(CliDevice, TablesShowNamesThatControlATerminalAndAlignThoseOfOtherAlphabets)
