@@ -50,6 +50,20 @@ TEST(Readme, ShowsWhatTheProgramPrints)
     EXPECT_LT(0, transcripts);
 }
 
+TEST(Readme, NamesCommandsThatAreMet)
+{
+    const std::string start = DOCUMENT_INDENT + std::string("pllcalc ");
+    int commands = 0;
+    for (const std::string& line : read_readme()) {
+        if (line.rfind(start, 0) == 0) {
+            SCOPED_TRACE(line);
+            EXPECT_EQ(0, run_pllcalc(from_anywhere(line.substr(start.size()))).m_status);
+            ++commands;
+        }
+    }
+    EXPECT_LT(0, commands);
+}
+
 TEST(Readme, ShowsTheHostThatIsAnExample)
 {
     const std::string code = fenced_code(read_readme());

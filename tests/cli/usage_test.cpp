@@ -177,8 +177,8 @@ TEST(CliUsage, MoreOutputsThanAnyDeviceHasAreRefused)
 
 TEST(CliUsage, HelpOfEachCommandStartsWithExamplesThatWork)
 {
-    for (const char* command :
-         {"", "synth ", "steps ", "dump ", "ratios ", "devices ", "device ", "table ", "errors "}) {
+    for (const char* command : {"", "synth ", "steps ", "dump ", "ratios ", "devices ", "device ",
+                                "table ", "limits ", "new-device ", "errors "}) {
         SCOPED_TRACE(command);
         const RUN help = run_pllcalc(std::string(command) + "--help");
         EXPECT_EQ(0, help.m_status);
@@ -190,6 +190,7 @@ TEST(CliUsage, HelpOfEachCommandStartsWithExamplesThatWork)
             SCOPED_TRACE(lines[i]);
             const RUN run =
                 run_pllcalc(from_anywhere(lines[i].substr(std::string("  pllcalc ").size())));
+            EXPECT_EQ(0, run.m_status) << run.m_output;
             EXPECT_EQ("", run.m_errors);
             EXPECT_NE("", run.m_output);
         }
@@ -198,11 +199,53 @@ TEST(CliUsage, HelpOfEachCommandStartsWithExamplesThatWork)
     }
 }
 
+TEST(CliUsage, HelpOfACommandIsThatOfItsOption)
+{
+    const RUN help = run_pllcalc("help synth");
+    EXPECT_EQ(0, help.m_status);
+    EXPECT_EQ(run_pllcalc("synth --help").m_output, help.m_output);
+}
+
 TEST(CliUsage, VersionIsPrinted)
 {
-    const RUN run = run_pllcalc("--version");
-    EXPECT_EQ(0, run.m_status);
-    EXPECT_EQ(0U, run.m_output.find("pllcalc 0."));
+    for (const char* word : {"--version", "-V"}) {
+        const RUN run = run_pllcalc(word);
+        EXPECT_EQ(0, run.m_status);
+        EXPECT_EQ(0U, run.m_output.find("pllcalc 0."));
+    }
+}
+
+struct HABIT_CASE
+{
+    const char* m_typed;
+    const char* m_meant;
+};
+
+// clang-format off
+constexpr HABIT_CASE HABIT_CASES[] = {
+    // typed                               meant
+    {"--in 27MHz --out 148.5MHz",          "synth --in 27MHz --out 148.5MHz"},
+    {"-i 27 -o 148.5",                     "synth --in 27MHz --out 148.5MHz"},
+    {"synth -i 27 -o 148.5",               "synth --in 27MHz --out 148.5MHz"},
+    {"-i 27mhz -o 148.5",                  "synth --in 27MHz --out 148.5MHz"},
+    {"-i 27 -o 148.5@90",                  "synth --in 27MHz --out 148.5MHz,phase=90"},
+    {"-i 27 -o a=148.5@90",                "synth --in 27MHz --out 148.5MHz,phase=90,name=a"},
+    {"-i 27 -o 24.576 --tolerance 1%",     "synth --in 27MHz --out 24.576MHz --tolerance 10000ppm"},
+    {"-i 27 -o 148.5 --vco 600-900",       "synth --in 27MHz --out 148.5MHz --vco 600MHz..900MHz"},
+    {"-i 27 -o 148.5 --post-scales 1,2",   "synth --in 27MHz --out 148.5MHz --post-scales 1-2"},
+};
+// clang-format on
+
+TEST(CliUsage, HabitsMeanWhatIsSpelledOut)
+{
+    for (const HABIT_CASE& c : HABIT_CASES) {
+        SCOPED_TRACE(c.m_typed);
+        const RUN meant = run_pllcalc(c.m_meant);
+        EXPECT_EQ(0, meant.m_status) << meant.m_errors;
+        EXPECT_EQ(meant.m_output, run_pllcalc(c.m_typed).m_output);
+    }
+    const RUN blank = run_program(PLLCALC, {"--in", "27 MHz", "--out", "148.5 MHz"});
+    EXPECT_EQ(run_pllcalc("-i 27 -o 148.5").m_output, blank.m_output);
 }
 
 }  // namespace
