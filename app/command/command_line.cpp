@@ -15,7 +15,7 @@ const char* const PROGRAM_EXAMPLES =
     "Examples:\n"
     "  pllcalc -i 27MHz -o 148.5MHz -o 74.25MHz,phase=90,duty=40\n"
     "  pllcalc -i 27 -o pix=148.5 -o serial=742.5@90\n"
-    "  pllcalc synth --in 100MHz --out ratio=11/4 --spread 0.5% --spread-rate 30kHz\n"
+    "  pllcalc synth --in 100MHz --out ratio=3/2 --spread 0.5% --spread-rate 30kHz\n"
     "  pllcalc ratios --in 100MHz --format csv\n"
     "  pllcalc help synth\n"
     "\n"
@@ -82,7 +82,7 @@ struct COMMAND_ENTRY
 
 const COMMAND_ENTRY COMMANDS[] = {
     {"synth", COMMAND::SYNTH, "the settings for a request, and what they achieve",
-     "  pllcalc synth --in 27MHz --out 148.5MHz --out 74.25MHz,phase=90,duty=40 --out 27MHz\n"
+     "  pllcalc synth --in 27MHz --out 148.5MHz --out 74.25MHz,phase=90,duty=40 --out 49.5MHz\n"
      "  pllcalc synth --in 1001/37MHz --out ratio=11/2 --exact\n"
      "  pllcalc synth --in 10ns --out 50MHz,delay=300 --bandwidth 1.2MHz --feedback 1\n",
      "Computes the settings for a request and shows what they achieve.", true,
