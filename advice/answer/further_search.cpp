@@ -103,13 +103,20 @@ private:
         const double ratio = m_ratios[m_fastest];
         const double tolerance = m_tolerances[m_fastest].to_double() + WIDER;
         const double clock = m_input * ratio;
-        const auto first = static_cast<std::int64_t>(
-            std::max(1.0, std::ceil(m_vco.m_least / clock / (1.0 + tolerance))));
+        const double slowest = std::ceil(m_vco.m_least / clock / (1.0 + tolerance));
+        if (!(slowest <= largest_count(m_fastest))) {
+            return;
+        }
+        const auto first = static_cast<std::int64_t>(std::max(1.0, slowest));
         const auto last = static_cast<std::int64_t>(
             std::min<double>(largest_count(m_fastest), m_vco.m_most / clock / (1.0 - tolerance)));
         for (std::int64_t k = first; k <= last; ++k) {
             const double middle = ratio * double(k) * double(n);
-            const auto low = static_cast<std::int64_t>(std::ceil(middle * (1.0 - tolerance)));
+            const double least = std::ceil(middle * (1.0 - tolerance));
+            if (!(least <= largest_m())) {
+                return;
+            }
+            const auto low = static_cast<std::int64_t>(least);
             const double high = std::min<double>(middle * (1.0 + tolerance), largest_m());
             for (std::int64_t m = std::max<std::int64_t>(low, 1); double(m) <= high; ++m) {
                 if (++m_steps > MOST_STEPS) {
@@ -156,7 +163,9 @@ private:
             const bool is_illegal =
                 (limit.m_kind == LIMIT_KIND::K_LEGAL &&
                  !std::binary_search(limit.m_legal.begin(), limit.m_legal.end(), k)) ||
-                (limit.m_kind == LIMIT_KIND::K_MIN && RATIONAL(k) < limit.m_value.m_exact);
+                (limit.m_kind == LIMIT_KIND::K_MIN && RATIONAL(k) < limit.m_value.m_exact) ||
+                (limit.m_kind == LIMIT_KIND::K_MAX && !m_pll.m_output_counter_cascade &&
+                 RATIONAL(k) > limit.m_value.m_exact);
             if (is_own && is_illegal) {
                 return false;
             }
@@ -235,6 +244,9 @@ bool is_cheaper(const VCO_CANDIDATE& a, const VCO_CANDIDATE& b)
 std::vector<VCO_CANDIDATE> list_candidates(const REQUEST& request, const LIMITS& limits,
                                            const PLL& pll, std::size_t most)
 {
+    if (request.m_outputs.empty()) {
+        return {};
+    }
     std::vector<VCO_CANDIDATE> candidates = WALK(request, limits, pll).list();
     if (request.m_vco_ratio) {
         std::erase_if(candidates, [&](const VCO_CANDIDATE& candidate) {

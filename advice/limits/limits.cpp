@@ -99,6 +99,7 @@ void LIMITS::take(const LIMITS_BY_HAND& by_hand)
     }
     if (!by_hand.m_post_scales.empty()) {
         take_list(LIMIT_KIND::POST_SCALES, by_hand.m_post_scales, "option --post-scales");
+        take_missing_vco_limits(by_hand.m_post_scales);
         remove(LIMIT_KIND::POST_SCALE_MAX);
     }
     if (!by_hand.m_vco_taps.empty()) {
@@ -107,6 +108,24 @@ void LIMITS::take(const LIMITS_BY_HAND& by_hand)
         remove(LIMIT_KIND::K_TAP_MAX);
         remove(LIMIT_KIND::M_TAP_RESOLUTION);
         remove(LIMIT_KIND::K_TAP_RESOLUTION);
+    }
+}
+
+// A post-scale that the device does not have has no VCO limits either: those of the VCO itself
+// hold.
+void LIMITS::take_missing_vco_limits(const std::vector<int>& post_scales)
+{
+    for (const int post_scale : post_scales) {
+        for (const LIMIT_KIND kind : {LIMIT_KIND::VCO_MIN, LIMIT_KIND::VCO_MAX}) {
+            const LIMIT* const of_vco = find(kind, 1);
+            if (find(kind, post_scale) != nullptr || of_vco == nullptr) {
+                continue;
+            }
+            LIMIT limit = by_option(kind, of_vco->m_value.m_exact / RATIONAL(post_scale),
+                                    "option --post-scales");
+            limit.m_post_scale = post_scale;
+            set(limit);
+        }
     }
 }
 

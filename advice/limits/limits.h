@@ -97,6 +97,7 @@ public:
 
 private:
     void take_vco(const RANGE& range);
+    void take_missing_vco_limits(const std::vector<int>& post_scales);
     void take_list(LIMIT_KIND kind, const std::vector<int>& legal, const char* option);
 
     std::vector<LIMIT> m_list;

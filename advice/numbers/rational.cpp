@@ -1,6 +1,7 @@
 #include "advice/numbers/rational.h"
 
 #include <limits>
+#include <numeric>
 
 namespace advice {
 
@@ -14,14 +15,27 @@ WIDE_INT magnitude_of(WIDE_INT value)
     return value < 0 ? -value : value;
 }
 
+// Euclid's, in 64 bits as soon as both fit: nearly always from the start.
 WIDE_INT greatest_common_divisor(WIDE_INT a, WIDE_INT b)
 {
-    while (b != 0) {
+    constexpr WIDE_INT LARGEST = std::numeric_limits<std::int64_t>::max();
+    while (b != 0 && (a > LARGEST || b > LARGEST)) {
         const WIDE_INT rest = a % b;
         a = b;
         b = rest;
     }
-    return a;
+    if (b == 0) {
+        return a;
+    }
+    return std::gcd(static_cast<std::int64_t>(a), static_cast<std::int64_t>(b));
+}
+
+// A 64-bit division takes a fraction of the time of one of 128 bits.
+WIDE_INT divide(WIDE_INT a, WIDE_INT b)
+{
+    const auto short_a = static_cast<std::int64_t>(a);
+    const auto short_b = static_cast<std::int64_t>(b);
+    return short_a == a && short_b == b && short_b > 0 ? short_a / short_b : a / b;
 }
 
 WIDE_INT divide_to_nearest(WIDE_INT numerator, WIDE_INT denominator)
@@ -103,11 +117,17 @@ RATIONAL::RATIONAL(WIDE_INT numerator, WIDE_INT denominator)
     if (denominator == 0) {
         return;
     }
-    const WIDE_INT divisor =
-        greatest_common_divisor(magnitude_of(numerator), magnitude_of(denominator));
-    const WIDE_INT sign = denominator < 0 ? -1 : 1;
-    numerator = sign * numerator / divisor;
-    denominator = sign * denominator / divisor;
+    if (denominator < 0) {
+        numerator = -numerator;
+        denominator = -denominator;
+    }
+    if (denominator != 1) {
+        const WIDE_INT divisor = greatest_common_divisor(magnitude_of(numerator), denominator);
+        if (divisor != 1) {
+            numerator = divide(numerator, divisor);
+            denominator = divide(denominator, divisor);
+        }
+    }
     if (magnitude_of(numerator) > LARGEST || denominator > LARGEST) {
         return;
     }

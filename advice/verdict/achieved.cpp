@@ -21,11 +21,6 @@ const PLL_OUTPUT_TAP& nearest_tap(const PLL& pll, int tap)
     return pll.m_taps[std::clamp(tap, 0, PLL_MAX_TAPS - 1)];
 }
 
-int count_of(const PLL_OUTPUT_TAP& tap)
-{
-    return tap.m_bypass ? 1 : tap.m_high + tap.m_low;
-}
-
 // VCO degrees by which a tap and a counter start delay.
 WIDE_INT phase_of(WIDE_INT start, int vco_tap)
 {
@@ -52,7 +47,7 @@ FEEDBACK find_feedback(const PLL& pll)
 
 RATIONAL find_duty(const PLL_OUTPUT_TAP& tap)
 {
-    const int count = count_of(tap);
+    const std::int64_t count = count_of(tap);
     if (count <= 1) {
         return {HALF_DUTY};
     }
@@ -94,6 +89,11 @@ void find_spread(const REQUEST& request, const PLL& pll, RATIONAL* fastest, ACHI
 }
 
 }  // namespace
+
+std::int64_t count_of(const PLL_OUTPUT_TAP& tap)
+{
+    return tap.m_bypass ? 1 : std::int64_t{tap.m_high} + tap.m_low;
+}
 
 ACHIEVED find_achieved(const REQUEST& request, const PLL& pll)
 {

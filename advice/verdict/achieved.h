@@ -12,8 +12,10 @@
 #include "pll_info.h"
 
 #include <array>
+#include <cstdint>
 
 class PLL;
+class PLL_OUTPUT_TAP;
 class PLL_PROP;
 
 namespace advice {
@@ -35,6 +37,9 @@ struct ACHIEVED
     int m_outputs = 0;
     std::array<ACHIEVED_OUTPUT, PLL_MAX_TAPS> m_output;
 };
+
+// What an output counter divides by; hostile halves do not overflow.
+std::int64_t count_of(const PLL_OUTPUT_TAP& tap);
 
 // The exact figures of a setting for the request's input; phases and duty cycles too.
 ACHIEVED find_achieved(const REQUEST& request, const PLL& pll);

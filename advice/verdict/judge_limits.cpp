@@ -161,8 +161,8 @@ private:
         const bool is_least = facts_of(limit.m_kind).m_side == LIMIT_SIDE::LEAST;
         int worst = 0;
         for (int i = 1; i < count_taps(); ++i) {
-            const int value = read(m_input.m_pll.m_taps[i]);
-            const int other = read(m_input.m_pll.m_taps[worst]);
+            const std::int64_t value = read(m_input.m_pll.m_taps[i]);
+            const std::int64_t other = read(m_input.m_pll.m_taps[worst]);
             const bool is_worse = is_least ? value < other : value > other;
             const bool other_breaks = !is_kept(limit, RATIONAL(other));
             const bool breaks = !is_kept(limit, RATIONAL(value));
@@ -219,11 +219,6 @@ private:
     std::vector<JUDGED_LIMIT>* m_judged;
 };
 
-int count_of(const PLL_OUTPUT_TAP& tap)
-{
-    return tap.m_bypass ? 1 : tap.m_high + tap.m_low;
-}
-
 void JUDGEMENTS::judge_setting(const LIMIT& limit)
 {
     const PLL& pll = m_input.m_pll;
@@ -275,11 +270,12 @@ void JUDGEMENTS::judge_setting(const LIMIT& limit)
         add(limit, RATIONAL(pll.m_m.m_vco_tap));
         break;
     case LIMIT_KIND::M_TAP_RESOLUTION:
-        add(limit, RATIONAL(pll.m_m.m_vco_tap * TAP_DEGREES));
+        add(limit, RATIONAL(WIDE_INT{pll.m_m.m_vco_tap} * TAP_DEGREES));
         break;
     case LIMIT_KIND::K_TAP_RESOLUTION:
-        judge_counters(limit,
-                       [](const PLL_OUTPUT_TAP& tap) { return tap.m_vco_tap * TAP_DEGREES; });
+        judge_counters(limit, [](const PLL_OUTPUT_TAP& tap) {
+            return std::int64_t{tap.m_vco_tap} * TAP_DEGREES;
+        });
         break;
     case LIMIT_KIND::K_TAP_MAX:
         judge_counters(limit, [](const PLL_OUTPUT_TAP& tap) { return tap.m_vco_tap; });

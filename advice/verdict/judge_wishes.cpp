@@ -102,7 +102,7 @@ private:
         add_phase(index, tolerances.m_phase);
         add(WISH_KIND::DUTY, output, wish.m_duty, achieved.m_duty, achieved.m_duty - wish.m_duty,
             tolerances.m_duty)
-            .m_step = RATIONAL(HALF_STEP) / RATIONAL(count_of(index));
+            .m_step = RATIONAL(HALF_STEP) / RATIONAL(count_of(m_input.m_pll.m_taps[index]));
         const RATIONAL delay(m_input.m_prop.m_taps[index].m_delay);
         if (wish.m_delay != 0 || !delay.is_zero()) {
             add(WISH_KIND::DELAY, output, RATIONAL(wish.m_delay), delay,
@@ -124,12 +124,6 @@ private:
         JUDGED_WISH& judged = add(WISH_KIND::PHASE, static_cast<int>(index), wish.m_phase, phase,
                                   turn_between(wish.m_phase, phase), tolerance);
         judged.m_step = RATIONAL(TAP_DEGREES) / achieved.m_division;
-    }
-
-    int count_of(std::size_t index) const
-    {
-        const PLL_OUTPUT_TAP& tap = m_input.m_pll.m_taps[index];
-        return tap.m_bypass ? 1 : tap.m_high + tap.m_low;
     }
 
     void add_counter_wishes(std::size_t index)
