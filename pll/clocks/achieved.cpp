@@ -55,6 +55,7 @@ int counter_sum_of(const PLL_OUTPUT_TAP& tap)
     return wrap_add(tap.m_high, tap.m_low);
 }
 
+// A counter that is bypassed passes its clock, though its halves still hold counts.
 int count_of(const PLL_OUTPUT_TAP& tap)
 {
     return tap.m_bypass ? 1 : counter_sum_of(tap);
@@ -76,6 +77,9 @@ void compute_spread(PLL_PROP* prop, const PLL& p, FEEDBACK* feedback, std::ostre
         return;
     }
     const double fin = MHZ_PS / prop->m_fin_period;
+    // A down spread goes from the nominal frequency to the one of the second counts. Hosts can set
+    // both as they like, so the faster end is looked for: ratios and lock range are those of that
+    // end.
     const double first = feedback->m_mult * fin / feedback->m_div;
     const double second = fin * p.m_m.m_ss_count / p.m_n.m_ss_count;
     double fastest = first;
@@ -95,6 +99,8 @@ void compute_spread(PLL_PROP* prop, const PLL& p, FEEDBACK* feedback, std::ostre
 
 void compute_feedback(const PLL_PROP& prop, const PLL& p, FEEDBACK* feedback)
 {
+    // Outputs are seen against the clock that is compared with the input, so what delays it
+    // advances them.
     feedback->m_reference =
         PLL_UTIL::phase_from_vco_tap_and_counter_start(p.m_m.m_vco_tap, p.m_m.m_initial);
     if (prop.m_feedback_tap < 0) {
@@ -109,6 +115,8 @@ void compute_feedback(const PLL_PROP& prop, const PLL& p, FEEDBACK* feedback)
         of_m, PLL_UTIL::phase_from_vco_tap_and_counter_start(tap.m_vco_tap, tap.m_initial));
 }
 
+// The input may vary until the VCO or the PFD leaves its range. The VCO's period is fin x div /
+// mult, the PFD's fin x div; whichever ends first counts.
 void compute_lock_range(PLL_PROP* prop, const PLL& p, const FEEDBACK& feedback)
 {
     const int low = safe_div(wrap_mul(p.get_vco_min_period(-1), feedback.m_mult), feedback.m_div);
@@ -120,6 +128,7 @@ void compute_lock_range(PLL_PROP* prop, const PLL& p, const FEEDBACK& feedback)
 
 // ---- User clocks
 
+// In whole percent. A counter that divides by one passes the VCO's own halves.
 int duty_of(const PLL_OUTPUT_TAP& tap)
 {
     const int counter_sum = counter_sum_of(tap);
@@ -134,6 +143,7 @@ int duty_of(const PLL_OUTPUT_TAP& tap)
 
 CHAIN chain_of(const PLL& p, int first)
 {
+    // One start of a counter is worth a whole count of the counter that feeds it.
     CHAIN chain = {1, 1, p.m_taps[first].m_vco_tap};
     int j = first;
     for (int step = 0; step < PLL_MAX_TAPS && 0 <= j && j < PLL_MAX_TAPS; ++step) {
@@ -161,8 +171,11 @@ void compute_clock(PLL_USER_TAP* clock, const PLL& p, int i, const FEEDBACK& fee
     PLL_UTIL::normalize_fraction(&clock->m_mult, &clock->m_div, feedback.m_mult,
                                  wrap_mul(chain.m_product, feedback.m_div));
     clock->m_phase = achieved_phase(feedback, chain.m_vco_tap, chain.m_start);
+    // What a serial clock on the same VCO tap would have: its counter starts at once.
     clock->m_sclkout_phase = achieved_phase(feedback, chain.m_vco_tap, 1);
     clock->m_has_sclkout_phase = true;
+    // Two ways lead to a phase without an output in the feedback. Both round on their way, so they
+    // are compared in single precision.
     if (p.m_feedback_tap < 0) {
         const double u_phase = PLL_UTIL::user_phase(feedback.m_div, feedback.m_mult, &p,
                                                     chain.m_vco_tap, chain.m_start);
@@ -184,6 +197,7 @@ bool is_row_of(const PLL_BANDWIDTH_SETTING& row, const PLL& p)
            (row.m_loop_filter_capacitor < 0 || row.m_loop_filter_capacitor == p.m_c_high);
 }
 
+// Rows are known by their components: the search leaves these in a PLL, and no index of the row.
 // The first row of effective multiplication `m` with the components of `p`, or null.
 const PLL_BANDWIDTH_SETTING* find_row(const PLL& p, int m)
 {
@@ -213,6 +227,8 @@ void compute_zero_and_pole(PLL_PROP* prop, const PLL& p)
     prop->m_f_pole = 1 / (2 * FILTER_PI * p.m_r * both * FARAD_PER_PF);
 }
 
+// Fast and slow are corners of the process. Which of them has the larger figure differs from figure
+// to figure.
 void take_row(PLL_PROP* prop, const PLL_BANDWIDTH_SETTING& row)
 {
     prop->m_bandwidth = row.m_typical_bandwidth;
@@ -232,6 +248,7 @@ void apply_pfd_rule(PLL_PROP* prop, const PLL& p)
     if (!p.m_info.has_info() || !p.m_info.m_basic_info->m_is_pfd_bandwidth_rule_an_error) {
         return;
     }
+    // The fastest corner breaks the rule first. A model has no corners.
     const double widest = prop->m_bandwidth_max > 0 ? prop->m_bandwidth_max : prop->m_bandwidth;
     const int multiplier = p.m_info.m_basic_info->m_bandwidth_pfd_min_frequency_multiplier;
     const double longest = divide_by_any(divide_by_any(HZ_PS, widest), multiplier);
@@ -268,6 +285,8 @@ void PLL_PROP::set_properties_from_internals(const PLL& p)
     }
 }
 
+// A table was measured, so its figures stand wherever a row of it is set; the model is for the
+// rest.
 void PLL_PROP::compute_bandwidth(const PLL& p)
 {
     const HOST_STATE state;
@@ -286,6 +305,7 @@ void PLL_PROP::compute_bandwidth(const PLL& p)
     apply_pfd_rule(this, p);
 }
 
+// A delay on N delays all clocks, one on M or on the output in the feedback advances them.
 void PLL_PROP::compute_user_delay_chains(const PLL& p)
 {
     const HOST_STATE state;

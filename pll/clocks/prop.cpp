@@ -7,12 +7,14 @@ using namespace pll_internal;
 
 namespace {
 
+// A fresh record asks for the input clock itself, with nothing that could limit a search.
 constexpr int DEFAULT_DUTY = 50;
 constexpr int DEFAULT_SS_PERIOD = 20000000;  // 50 kHz
 constexpr double UNKNOWN = -1.0;
 
 }  // namespace
 
+// mult / div 1 / 1 and no delay: the clock that every PLL can make.
 PLL_USER_TAP::PLL_USER_TAP()
     : m_delay(0),
       m_mult(1),

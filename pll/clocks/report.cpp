@@ -19,6 +19,7 @@ constexpr double HZ_PER_MHZ = 1e6;
 constexpr double HZ_PER_KHZ = 1000;
 constexpr double PERCENT = 100;
 
+// An unknown period reads as 0 MHz: infinity is spelled in more ways than one.
 double mhz_of_period(int period)
 {
     return period == 0 ? 0.0 : MHZ_PS / period;
@@ -29,6 +30,7 @@ int listed_taps(const PLL_PROP& prop)
     return std::min(prop.m_taps_count, PLL_MAX_TAPS);
 }
 
+// As of a PLL. The longest period comes first: it is the lowest frequency.
 void dump_compact(std::ostream& stream, const PLL_PROP& prop)
 {
     stream << prop.m_bandwidth / HZ_PER_MHZ << " MHz\t" << mhz_of_period(prop.m_lock_max_period)
@@ -72,6 +74,7 @@ void dump_bandwidth_wish(std::ostream& stream, const PLL_PROP& prop)
     stream << std::endl;
 }
 
+// A wish shows the input and the bandwidth as asked for; what was achieved shows the loop filter.
 void dump_request(std::ostream& stream, const PLL_PROP& prop)
 {
     dump_input(stream, "Nominal fin ", prop.m_fin_period);
@@ -96,6 +99,7 @@ void dump_range(std::ostream& stream, VALUE_RANGE range, double scale, const cha
     }
 }
 
+// Only a table knows these figures. 0 is what a record without them holds.
 void dump_when_known(std::ostream& stream, const char* label, double value, VALUE_RANGE range,
                      const char* unit)
 {
@@ -119,6 +123,7 @@ void dump_achieved(std::ostream& stream, const PLL_PROP& prop)
                     {prop.m_jitter_peak_min, prop.m_jitter_peak_max}, " dB");
 }
 
+// What stands in a request and in a result alike; there the values are wishes, here facts.
 void dump_common(std::ostream& stream, const PLL_PROP& prop)
 {
     if (prop.m_down_spread != 0) {

@@ -51,6 +51,8 @@ int check_size(const PLL_BASIC_INFO& basic_info, FINDINGS* findings)
     if (size < 1) {
         findings->add(PLL_TABLE_FINDING_KIND::SIZE_TOO_SMALL);
     }
+    // The groups are counted by the effective M of a loop without an output in its feedback, from 0
+    // on: group 0 is there so that the index is the M.
     const int max_m = wrap_mul(basic_info.m_vco_post_scale_counter_max, basic_info.m_m_counter_max);
     if (wrap_add(max_m, 1) != size) {
         findings->add(PLL_TABLE_FINDING_KIND::SIZE_DIFFERS, max_m, size);
@@ -58,6 +60,8 @@ int check_size(const PLL_BASIC_INFO& basic_info, FINDINGS* findings)
     return max_m;
 }
 
+// A row must be one that the device can set: its components are looked for among those on offer. A
+// negative capacitor leaves the choice open, so there is nothing to look for.
 void check_row(const PLL_BASIC_INFO& basic_info, int m, const PLL_BANDWIDTH_SETTING& row,
                FINDINGS* findings)
 {
@@ -79,6 +83,7 @@ void check_row(const PLL_BASIC_INFO& basic_info, int m, const PLL_BANDWIDTH_SETT
     }
 }
 
+// From M = 1 on. The table may be shorter than the counters reach, which was found before.
 void check_table(const PLL_BASIC_INFO& basic_info, FINDINGS* findings)
 {
     const int max_m = check_size(basic_info, findings);
@@ -111,6 +116,7 @@ void dump_row(std::ostream& stream, const PLL_BANDWIDTH_SETTING& row)
            << ",jp=" << row.m_slow_jitter_peaking << '\n';
 }
 
+// An empty place in a group is not listed but counts in its size, as it does in a search.
 void dump_group(std::ostream& stream, const PLL_BANDWIDTH_SETTING_GROUP& group)
 {
     stream << "  list_size = " << group.m_settings.size() << ":\n";
@@ -191,6 +197,8 @@ void PLL_INFO::dump_bandwidth_settings_table(std::ostream& stream) const
         m_basic_info == nullptr ? nullptr : m_basic_info->m_bandwidth_settings_table;
     stream << "Bandwidth Settings Table: (size=" << size << ")\n";
     for (int i = 0; i < size; ++i) {
+        // A size without a table, which only a host can set: reported once instead of for each
+        // group.
         if (!check(table != nullptr, "bandwidth_settings_table != 0", SOURCE)) {
             return;
         }
@@ -199,6 +207,8 @@ void PLL_INFO::dump_bandwidth_settings_table(std::ostream& stream) const
     }
 }
 
+// Rows first: the groups know them by pointer only. Both arguments are cleared, so a second call
+// does nothing.
 void pll_delete_bandwidth_settings_table(PLL_BANDWIDTH_SETTING_GROUP*& table, int& size)
 {
     for (int i = 0; table != nullptr && i < size; ++i) {

@@ -12,10 +12,14 @@ namespace {
 
 constexpr const char* SOURCE = "pll_info";
 
+// What a description holds until a database says otherwise. A limit of 0 allows nothing, so a
+// device of which nothing is known can make nothing; what is a preference or a model is marked as
+// not given.
 constexpr int DEFAULT_OUTPUT_COUNTERS = 10;
 constexpr int NO_PREFERENCE = -1;
 constexpr double NOT_GIVEN = std::numeric_limits<double>::max();
 
+// All that a description owns is booked on one account, and zeroed.
 void* allocate(std::size_t size)
 {
     return MEM_MANAGER::new_wrapper(size, MEM_TRACKER(__FILE__, __LINE__), SOURCE);
@@ -51,6 +55,7 @@ void replace_array(T** array, int* array_count, int count, const T* values)
     *array_count = copy == nullptr ? 0 : count;
 }
 
+// A negative post-scale asks for the undivided VCO. Entry 0 is never in use.
 int get_entry(const int (&entries)[3], int vco_post_scale)
 {
     check(vco_post_scale <= PLL_VCO_POST_SCALE_MAX, "vco_post_scale <= PLL_VCO_POST_SCALE_MAX",
@@ -59,6 +64,7 @@ int get_entry(const int (&entries)[3], int vco_post_scale)
                               : entries[nearest_index(vco_post_scale, PLL_VCO_POST_SCALE_MAX + 1)];
 }
 
+// What a value without a post-scale of its own means for all post-scales.
 enum class SPREAD
 {
     AS_PERIOD,  // p times as long behind a post-scale of p
@@ -82,6 +88,8 @@ void set_entries(int (&entries)[3], int value, int vco_post_scale, SPREAD spread
 
 }  // namespace
 
+// Records are made and deleted by the database and by hosts alike, so they bring their allocator
+// with them: either side may delete what the other made. Null when memory is exhausted.
 void* PLL_BANDWIDTH_SETTING::operator new(std::size_t size) noexcept
 {
     return allocate(size);
@@ -127,6 +135,7 @@ void PLL_BANDWIDTH_SETTING_GROUP::operator delete[](void* pointer) noexcept
     release(pointer);
 }
 
+// The order of the counters in the chain of bits that sets a device anew while it runs.
 PLL_RECONFIG_INFO::PLL_RECONFIG_INFO(PLL_RECONFIG_TYPE_ENUM reconfig_type)
     : m_reconfig_type(reconfig_type),
       m_number_of_scan_chain_counter_orders(0),
@@ -139,6 +148,7 @@ PLL_RECONFIG_INFO::~PLL_RECONFIG_INFO()
     release(m_scan_chain_counter_orders);
 }
 
+// Takes a copy: the list of a reader is gone after the line that it stood on.
 void PLL_RECONFIG_INFO::set_scan_chain_counter_orders(int count, CDB_PLL_COUNTER_TYPE_ENUM* orders)
 {
     replace_array(&m_scan_chain_counter_orders, &m_number_of_scan_chain_counter_orders, count,
@@ -155,6 +165,8 @@ void PLL_RECONFIG_INFO::operator delete(void* pointer) noexcept
     release(pointer);
 }
 
+// In the order of the members, as the compiler wants it: a row that is missing here would be a
+// member that starts with whatever stood in memory.
 PLL_BASIC_INFO::PLL_BASIC_INFO()
     : m_number_of_output_counters(DEFAULT_OUTPUT_COUNTERS),
       m_m_counter_max(0),
@@ -226,6 +238,8 @@ PLL_BASIC_INFO::PLL_BASIC_INFO()
 {
 }
 
+// Arrays of numbers were allocated raw and are released so; what is in the lists of records was
+// created as an object and is deleted as one.
 PLL_BASIC_INFO::~PLL_BASIC_INFO()
 {
     release(m_charge_pump_currents);
@@ -242,6 +256,7 @@ PLL_BASIC_INFO::~PLL_BASIC_INFO()
                                         m_bandwidth_settings_table_size);
 }
 
+// A device either limits the halves of its output counters or their whole count.
 bool PLL_BASIC_INFO::is_output_counter_high_low() const
 {
     return m_output_counter_high_low_max > 0;
@@ -250,10 +265,13 @@ bool PLL_BASIC_INFO::is_output_counter_high_low() const
 void PLL_BASIC_INFO::set_vco_post_scale_counter_max(int value)
 {
     m_vco_post_scale_counter_max = value;
+    // The value stays, and is reported: who reads it later cuts it to what the library can search.
     check(m_vco_post_scale_counter_max <= PLL_VCO_POST_SCALE_MAX,
           "m_vco_post_scale_counter_max <= PLL_VCO_POST_SCALE_MAX", SOURCE);
 }
 
+// Components come with the bits that select them, in lists of their own whose lengths need not
+// agree.
 void PLL_BASIC_INFO::set_charge_pump_currents(int count, const int* values)
 {
     replace_array(&m_charge_pump_currents, &m_number_of_charge_pump_currents, count, values);
@@ -289,6 +307,8 @@ void PLL_BASIC_INFO::set_loop_filter_capacitor_bits(int count, const int* values
 
 void PLL_BASIC_INFO::set_bandwidth_settings_table(int size, PLL_BANDWIDTH_SETTING_GROUP* table)
 {
+    // The table is owned from now on. One that is set again is only given another size: deleting it
+    // would leave nothing to set.
     if (table != m_bandwidth_settings_table) {
         pll_delete_bandwidth_settings_table(m_bandwidth_settings_table,
                                             m_bandwidth_settings_table_size);
@@ -297,6 +317,7 @@ void PLL_BASIC_INFO::set_bandwidth_settings_table(int size, PLL_BANDWIDTH_SETTIN
     m_bandwidth_settings_table_size = size;
 }
 
+// A handful at most, so a walk is as good as any index.
 PLL_RECONFIG_INFO* PLL_BASIC_INFO::find_reconfig_info(PLL_RECONFIG_TYPE_ENUM type) const
 {
     for (int i = 0; i < m_number_of_reconfig_infos; ++i) {
@@ -313,6 +334,8 @@ PLL_RECONFIG_INFO* PLL_BASIC_INFO::create_reconfig_info(PLL_RECONFIG_TYPE_ENUM t
     if (present != nullptr) {
         return present;
     }
+    // The longer list and the record are both there before the old list goes: memory that runs out
+    // in between leaves everything as it was.
     const auto size = static_cast<std::size_t>(m_number_of_reconfig_infos);
     auto** longer =
         static_cast<PLL_RECONFIG_INFO**>(allocate((size + 1) * sizeof(PLL_RECONFIG_INFO*)));
@@ -339,6 +362,7 @@ int PLL_BASIC_INFO::get_number_of_reconfig_scan_chain_counter_orders(
 CDB_PLL_COUNTER_TYPE_ENUM
 PLL_BASIC_INFO::get_reconfig_scan_chain_counter_order(PLL_RECONFIG_TYPE_ENUM type, int index) const
 {
+    // The type behind the last one says that there is none.
     const PLL_RECONFIG_INFO* info = find_reconfig_info(type);
     if (info == nullptr || info->m_number_of_scan_chain_counter_orders < 1 ||
         info->m_scan_chain_counter_orders == nullptr) {
@@ -348,6 +372,7 @@ PLL_BASIC_INFO::get_reconfig_scan_chain_counter_order(PLL_RECONFIG_TYPE_ENUM typ
         index, info->m_number_of_scan_chain_counter_orders)];
 }
 
+// Periods in ps behind the post-scale, gains in MHz/V of the oscillator itself.
 int PLL_TIMING_INFO::get_vco_min_period(int vco_post_scale) const
 {
     return get_entry(m_vco_min, vco_post_scale);
@@ -373,6 +398,8 @@ int PLL_TIMING_INFO::get_ss_vco_max_period(int vco_post_scale) const
     return get_entry(m_ss_vco_max, vco_post_scale);
 }
 
+// Without a post-scale one value stands for all of them. Behind a post-scale of p a period is p
+// times as long, so a file need give the limits of the oscillator only.
 void PLL_TIMING_INFO::set_vco_min_period(int value, int vco_post_scale)
 {
     set_entries(m_vco_min, value, vco_post_scale, SPREAD::AS_PERIOD);
@@ -388,6 +415,8 @@ void PLL_TIMING_INFO::set_vco_center_period(int value, int vco_post_scale)
     set_entries(m_vco_center, value, vco_post_scale, SPREAD::AS_PERIOD);
 }
 
+// A post-scale makes periods longer. The gain stays that of the oscillator, unless a database says
+// otherwise.
 void PLL_TIMING_INFO::set_vco_gain(int value, int vco_post_scale)
 {
     set_entries(m_vco_gain, value, vco_post_scale, SPREAD::ALIKE);
@@ -398,8 +427,10 @@ void PLL_TIMING_INFO::set_ss_vco_max_period(int value, int vco_post_scale)
     set_entries(m_ss_vco_max, value, vco_post_scale, SPREAD::AS_PERIOD);
 }
 
+// Borrowed: a description belongs to the manager that read it.
 PLL_INFO::PLL_INFO() : m_basic_info(nullptr) {}
 
+// Without one a PLL works within the built-in limits.
 bool PLL_INFO::has_info() const
 {
     return m_basic_info != nullptr;
@@ -410,6 +441,7 @@ int* pll_copy_value_array(int count, const int* values)
     return copy_array(count, values);
 }
 
+// In the order in which components are listed, which need not be ascending here.
 bool pll_array_value_exists(int value, const int* values, int count)
 {
     return count > 0 && values != nullptr &&

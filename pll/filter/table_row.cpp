@@ -44,6 +44,7 @@ PFD_BANDWIDTH_LIMITS pfd_limits(const PLL& pll, const PLL_PROP& request)
             request.m_fin2_period > 0 ? base / request.m_fin2_period : DBL_MAX};
 }
 
+// Missing a preset at all weighs as much as a MHz, so that no row outside wins by being close.
 double preset_miss(double bandwidth, double preset)
 {
     return PRESET_PENALTY + pll_get_bandwidth_diff_cost(bandwidth, preset);

@@ -11,17 +11,20 @@
 
 namespace pll_internal {
 
+// A reduced fraction, or a box of them: m_mult and m_div at their largest.
 struct FAREY_FRACTION
 {
     std::uint32_t m_mult;
     std::uint32_t m_div;
 };
 
+// Reduced fractions are equal when both parts are.
 inline bool operator==(const FAREY_FRACTION& a, const FAREY_FRACTION& b)
 {
     return a.m_mult == b.m_mult && a.m_div == b.m_div;
 }
 
+// Exact: the products of ints fit into 64 bits.
 inline bool operator<(const FAREY_FRACTION& a, const FAREY_FRACTION& b)
 {
     return std::uint64_t{a.m_mult} * b.m_div < std::uint64_t{b.m_mult} * a.m_div;
@@ -31,9 +34,11 @@ inline bool operator<(const FAREY_FRACTION& a, const FAREY_FRACTION& b)
 class FAREY_WALK
 {
 public:
+    // Finds the neighbour of `first` from scratch, which takes steps in proportion to its digits.
     // The box has positive sides below 2^31; `first` is reduced and lies in it.
     FAREY_WALK(FAREY_FRACTION box, FAREY_FRACTION first);
 
+    // The fraction that the walk stands on; the first one before any step.
     const FAREY_FRACTION& get() const { return m_here; }
 
     // Goes to the next larger fraction. False, and stays, at the last one.
@@ -42,6 +47,7 @@ public:
         if (m_next.m_div == 0) {
             return false;
         }
+        // The largest k that leaves both parts of the fraction behind the next one in the box.
         const std::uint32_t by_mult = (m_box.m_mult + m_here.m_mult) / m_next.m_mult;
         const std::uint32_t by_div = (m_box.m_div + m_here.m_div) / m_next.m_div;
         const std::uint32_t k = by_mult < by_div ? by_mult : by_div;
@@ -52,6 +58,7 @@ public:
     }
 
 private:
+    // Two neighbours are all that the walk remembers: they determine the rest of the sequence.
     FAREY_FRACTION m_box;
     FAREY_FRACTION m_here;
     FAREY_FRACTION m_next;  // 1 / 0 behind the last one

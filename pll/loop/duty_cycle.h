@@ -1,6 +1,8 @@
 // Duty cycles of a counter, percent.
 //
-// A counter of K is high for m_high VCO periods, less half a one in odd mode.
+// A counter of K is high for m_high VCO periods, less half a one in odd mode. Hosts compare these
+// figures with what they stored: each is computed in the order of its terms, and in single
+// precision where it says so.
 #pragma once
 
 #include "pll.h"
@@ -10,24 +12,31 @@
 
 namespace pll_internal {
 
+// A counter that divides by one passes the VCO's clock, which is high for half of its period.
 inline constexpr double HALF_PERCENT = 50.0;
 
+// What the counter divides by once its halves are set; its m_count may be that of a search.
 inline int sum_of_halves(const PLL_OUTPUT_TAP& tap)
 {
     return wrap_add(tap.m_high, tap.m_low);
 }
 
 // The largest high count that leaves a low one.
+// A clock that never falls is none, and neither half can count beyond its maximum.
 inline int largest_high_count(const PLL_OUTPUT_TAP& tap)
 {
     return std::min(wrap_sub(tap.m_count, 1), tap.m_max_count);
 }
 
+// The step between duty cycles: half a VCO period in the count, by way of the odd mode. Infinite
+// for a count of nothing.
 inline double duty_cycle_resolution(const PLL_OUTPUT_TAP& tap)
 {
     return HALF_PERCENT / sum_of_halves(tap);
 }
 
+// With the longest low half, and the high one half a period shorter than it counts. The high half
+// of one period is what a longer low half would have to leave.
 inline double smallest_duty_cycle(const PLL_OUTPUT_TAP& tap)
 {
     const double count = tap.m_count;

@@ -15,15 +15,19 @@ namespace {
 
 constexpr const char* SOURCE = "pll";
 
+// The built-in limits are those of no real device: a host without a database gets a plausible
+// answer.
 constexpr int DEFAULT_MAX_COUNT = 512;
 constexpr int NO_TAP_LIMIT = 9999;
 constexpr int FULL_DUTY_CYCLE = 100;
+// Ends of the ints, as reports print them: nothing that an output can do lies beyond.
 constexpr double NO_NEXT_PHASE = 2147483647.0;
 constexpr double NO_PREVIOUS_PHASE = -2147483648.0;
 
 constexpr int DEFAULT_SS_COUNTER_MAX = 32768;
 constexpr int DEFAULT_SS_VCO_MAX_PERIOD = 1667;
 constexpr int DEFAULT_SS_CHARGE_PUMP_CURRENT = 90;
+// Gain in MHz/V, capacitors in pF, the resistor in ohm, currents in uA, bandwidths in Hz.
 constexpr double DEFAULT_KVCO = 1880.0;
 constexpr double DEFAULT_C_FIXED = 650.0;
 constexpr double DEFAULT_R = 1020.5;
@@ -42,6 +46,7 @@ constexpr int DEFAULT_CURRENTS[] = {4,  10, 15, 20, 24, 30, 35,  40,  45,  50,  
 constexpr int DEFAULT_RESISTORS[] = {1021,  2041,  3062,  4082,  7144,  8164,  9185,  10205,
                                      11226, 12246, 13266, 14287, 17349, 18369, 19390, 20410};
 
+// Returns false when memory is exhausted; the list is then as it was.
 bool append(MEM_VECTOR<int>* list, int value)
 {
     try {
@@ -58,6 +63,7 @@ bool append_all(MEM_VECTOR<int>* list, const int (&values)[COUNT])
     return std::all_of(values, values + COUNT, [=](int value) { return append(list, value); });
 }
 
+// Gives the memory back too: hosts look at the account of "pll" after the last PLL is gone.
 void clear_and_release(MEM_VECTOR<int>* list)
 {
     MEM_VECTOR<int>(list->get_allocator()).swap(*list);
@@ -83,6 +89,7 @@ void fill_lists(PLL_IMPL* impl)
 
 }  // namespace
 
+// Periods in ps, of a post-scale of 0 (never in use), 1 and 2. Without a device only 1 is on offer.
 int PLL::m_default_vco_min_period[3] = {1000, 1000, 1000};
 int PLL::m_default_vco_max_period[3] = {3334, 3334, 3334};
 int PLL::m_default_vco_center_period[3] = {1666, 1666, 1666};
@@ -93,9 +100,12 @@ int PLL::m_default_m_counter_max_count = DEFAULT_MAX_COUNT;
 int PLL::m_default_n_counter_max_count = DEFAULT_MAX_COUNT;
 int PLL::m_default_tap_counter_max_count = DEFAULT_MAX_COUNT;
 int PLL::m_id_count = 0;
+// Lives from the first PLL to the last. The count of PLLs is their next identity, too.
 PLL_IMPL* PLL::m_impl = nullptr;
 PLL_MANAGER* PLL::m_pll_manager = nullptr;
 
+// By the number of the error. The first two of a search are told apart by their number alone: hosts
+// show the text, and to its reader both are one.
 const char* const PLL::m_error_strings[MAX_PLL_ERROR_TYPE] = {
     "No error",
     "No combination of counter values of M and the pre-divider N satisfy VCO and PFD ranges, "
@@ -113,6 +123,8 @@ const char* const PLL::m_error_strings[MAX_PLL_ERROR_TYPE] = {
     "division",
 };
 
+// A counter that divides by one and delays nothing, so that a PLL which was never synthesized reads
+// as one that passes its input on. M and N are both of this kind.
 PLL_COUNTER_M::PLL_COUNTER_M()
     : m_count(1),
       m_ss_count(1),
@@ -161,12 +173,14 @@ PLL_IMPL::PLL_IMPL()
 {
 }
 
+// The last list of ratios is handed out by pointer and kept until the next one, or until here.
 PLL_IMPL::~PLL_IMPL()
 {
     MEM_MANAGER::delete_wrapper(m_mults, SOURCE);
     MEM_MANAGER::delete_wrapper(m_divs, SOURCE);
 }
 
+// Null, and no exception, when memory is exhausted: PLLs then report that by failing to synthesize.
 void* PLL_IMPL::operator new(std::size_t size) noexcept
 {
     return MEM_MANAGER::new_wrapper(size, MEM_TRACKER(__FILE__, __LINE__), SOURCE);
@@ -215,6 +229,7 @@ PLL::PLL(int user_taps_count, int max_taps_count)
           "m_max_taps_count >= 0 && m_max_taps_count <= PLL_MAX_TAPS", SOURCE);
     check(m_user_taps_count >= 0 && m_user_taps_count <= m_max_taps_count,
           "m_user_taps_count >= 0 && m_user_taps_count <= m_max_taps_count", SOURCE);
+    // Only the outputs of the user: a counter that a cascade adds gets the maximum of its output.
     m_m.m_max_count = m_default_m_counter_max_count;
     m_n.m_max_count = m_default_n_counter_max_count;
     for (int i = 0; i < std::min(user_taps_count, PLL_MAX_TAPS); ++i) {
@@ -225,6 +240,7 @@ PLL::PLL(int user_taps_count, int max_taps_count)
     std::copy_n(m_default_vco_center_period, std::size(m_vco_center_period), m_vco_center_period);
     std::fill_n(m_ss_vco_max_period, std::size(m_ss_vco_max_period), DEFAULT_SS_VCO_MAX_PERIOD);
     std::fill_n(m_kvco, std::size(m_kvco), DEFAULT_KVCO);
+    // The first one makes what all of them share. Counting is enough: one thread is all that calls.
     if (m_id == 0) {
         m_impl = new PLL_IMPL;
         if (m_impl != nullptr) {
@@ -242,8 +258,11 @@ PLL::~PLL()
     }
 }
 
+// Copies all, the identity included. How many PLLs there are does not change by it.
 PLL& PLL::operator=(const PLL& other) = default;
 
+// Components are offered by the host in ascending order; the smallest and largest are read from the
+// ends of the lists. What finds no memory is left out.
 void PLL::clear_rci()
 {
     if (m_impl != nullptr) {
@@ -251,6 +270,7 @@ void PLL::clear_rci()
     }
 }
 
+// Components are offered one by one, in the order in which a device lists them.
 void PLL::add_i(int value)
 {
     if (m_impl != nullptr) {
@@ -272,6 +292,7 @@ void PLL::add_c(int value)
     }
 }
 
+// A device is set by the halves of its counters, so these have the last word.
 void PLL::set_output_counts_from_high_low()
 {
     for (int i = 0; i < std::min(m_total_taps_count, PLL_MAX_TAPS); ++i) {
@@ -282,6 +303,7 @@ void PLL::set_output_counts_from_high_low()
 const char* PLL::get_error_string(PLL_ERROR_TYPE error)
 {
     check(error != MAX_PLL_ERROR_TYPE, "error != MAX_PLL_ERROR_TYPE", SOURCE);
+    // A negative one becomes larger than every index.
     const auto index = static_cast<std::size_t>(error);
     return index < std::size(m_error_strings) ? m_error_strings[index] : "";
 }

@@ -15,11 +15,14 @@ namespace {
 
 constexpr double OHM_PER_KILOOHM = 1000.0;
 
+// Cascades add counters to those of the user; a report shows all that are in use.
 int listed_taps(const PLL& pll)
 {
     return std::min(pll.m_total_taps_count, PLL_MAX_TAPS);
 }
 
+// Fields with tabs between them, without labels and without a line break at the end: a host may put
+// more on the line.
 void dump_compact(std::ostream& stream, const PLL& pll)
 {
     stream << pll.get_m() << '\t' << pll.get_n() << '\t' << pll.m_m.m_initial << '\t'
@@ -30,6 +33,7 @@ void dump_compact(std::ostream& stream, const PLL& pll)
     }
 }
 
+// A PLL that does not spread has second counts too, which mean nothing.
 void dump_spread(std::ostream& stream, const PLL& pll)
 {
     if (pll.m_ss_cycles != 0) {
@@ -39,6 +43,7 @@ void dump_spread(std::ostream& stream, const PLL& pll)
     }
 }
 
+// The limits are those behind the post-scale, so it is named where it divides.
 void dump_limits(std::ostream& stream, const PLL& pll)
 {
     stream << "VCO min " << pll.get_vco_min_period(-1) << " VCO max " << pll.get_vco_max_period(-1)
@@ -76,6 +81,7 @@ void dump_settings(std::ostream& stream, const PLL& pll)
     dump_steps(stream, pll);
 }
 
+// What ranked the setting, in the place of the limits that it was found within.
 void dump_cost(std::ostream& stream, const PLL& pll)
 {
     stream << "cost " << pll.m_cost << " delta phase " << pll.m_delta_phase << " delta vco period "
@@ -119,6 +125,7 @@ void PLL::dump(std::ostream& stream, bool with_cost, bool compact) const
         dump_compact(stream, *this);
         return;
     }
+    // Lines end with a flush, so that a trace is complete up to the line where a host crashed.
     stream << "M " << get_m() << std::endl << "N " << get_n() << std::endl;
     if (with_cost) {
         dump_cost(stream, *this);

@@ -18,6 +18,7 @@ using namespace pll_internal;
 namespace {
 
 constexpr const char* SOURCE = "pll";
+// Beyond any delay that a chain could make, so that the first output replaces them.
 constexpr int BELOW_ALL_DELAYS = -9999;
 constexpr int ABOVE_ALL_DELAYS = 9999;
 
@@ -42,6 +43,8 @@ bool fits_a_chain(int delay)
     return 0 <= delay && delay <= MAX_DELAY_CHAIN_VALUE;
 }
 
+// M delays the feedback. With an output in the feedback its own chain does: it gets what it asks
+// for as an output, and M only what is below 0.
 void set_feedback_delay(const PLL_PROP& request, int shift, PLL* pll)
 {
     if (pll->m_feedback_tap < 0) {
@@ -93,6 +96,8 @@ bool PLL::synthesize_delay_chains(const PLL_PROP& request)
         m_error = PLL_DELAY_RANGE_TOO_WIDE;
         return false;
     }
+    // What all outputs have in common goes to N, so that the rest of each fits into its own chain.
+    // It is as much as leaves the largest rest within one chain.
     const int max_delay = std::min(range.m_max, MAX_DELAY_CHAIN_VALUE);
     const int excess = wrap_sub(range.m_max, max_delay);
     const int common =
@@ -101,6 +106,8 @@ bool PLL::synthesize_delay_chains(const PLL_PROP& request)
     if (common < 0) {
         m_n.m_delay = 0;
     } else {
+        // A device that is set anew while it runs keeps the chains of its outputs for that, so N
+        // takes only what they cannot.
         m_n.m_delay = request.m_use_reconfig ? excess : common;
     }
     set_feedback_delay(request, shift, this);

@@ -39,6 +39,8 @@ int half_rounded_up(int h)
     return h / 2 + (h > 0 && h % 2 != 0 ? 1 : 0);
 }
 
+// In half periods, since an odd mode moves the edge by one of them. Wide, as twice a count can be
+// more than an int holds.
 SPLIT split_for_duty(int count, int duty)
 {
     const std::int64_t half_periods = std::int64_t{2} * count;
@@ -55,6 +57,8 @@ void add_charge(double charge, DUTY_PLAN* plan)
 // What one half cannot count goes to the other, at a cost.
 void clamp_split(int max_count, SPLIT* split, DUTY_PLAN* plan)
 {
+    // The charge is the excess itself, in counts: a split that fits is cheaper than one that is
+    // nearer to its duty cycle. The mode then gives the clamped half all that it can have.
     if (split->m_high > max_count) {
         const int excess = wrap_sub(split->m_high, max_count);
         add_charge(excess, plan);
@@ -73,6 +77,8 @@ void clamp_split(int max_count, SPLIT* split, DUTY_PLAN* plan)
     }
 }
 
+// A clock that never falls, or never rises, is none: a duty cycle of 0 or 100 percent gets one
+// period. The mode keeps that half as short as can be.
 void give_each_half_one(SPLIT* split)
 {
     if (split->m_high == 0) {
@@ -88,6 +94,8 @@ void give_each_half_one(SPLIT* split)
     check(split->m_high > 0 && split->m_low > 0, "high > 0 && low > 0", SOURCE);
 }
 
+// Without the odd mode the high half is as long as it is counted. One period less may then be
+// nearer.
 void use_even_mode(double ideal_high, PLL_OUTPUT_TAP* tap)
 {
     if (tap->m_even) {
@@ -115,6 +123,7 @@ constexpr MOVE UP_HALF = {1, false, 0.5};
 constexpr MOVE DOWN_EVEN = {-1, true, -1.0};
 constexpr MOVE DOWN_HALF = {-1, false, -1.5};
 
+// UP_EVEN is taken for want of anything else, at whatever distance; the others must be nearer.
 const MOVE* best_move(const PLL_OUTPUT_TAP& tap, bool even_mode, double ideal_high)
 {
     const auto distance = [&](const MOVE& move) {
@@ -147,6 +156,8 @@ const MOVE* best_move(const PLL_OUTPUT_TAP& tap, bool even_mode, double ideal_hi
 void use_even_halves(const PLL_USER_TAP& wish, double ideal_high, PLL_OUTPUT_TAP* tap,
                      DUTY_PLAN* plan)
 {
+    // Two odd halves become even by moving one period. With an odd count one half stays odd,
+    // whatever moves, and nothing but the charge is left.
     if (tap->m_high % 2 != 0 && tap->m_low % 2 != 0) {
         const MOVE* move = best_move(*tap, wish.m_use_even_counter_mode, ideal_high);
         if (move != nullptr) {
@@ -160,6 +171,7 @@ void use_even_halves(const PLL_USER_TAP& wish, double ideal_high, PLL_OUTPUT_TAP
     }
 }
 
+// Unlike std::clamp, defined for limits that cross.
 double clamp_into(double value, double smallest, double largest)
 {
     if (value > largest) {
@@ -209,6 +221,8 @@ void describe(const PLL_OUTPUT_TAP& tap, int wish, double duty, DUTY_PLAN* plan)
     plan->m_largest = round_percent(largest);
 
     const int rounded = round_percent(duty);
+    // The neighbours stand on either side of the wish. An achieved value that lies above the wish
+    // is itself the next one, one that lies below is itself the previous one.
     const double above = wish >= rounded ? duty + resolution : duty;
     const double below = wish <= rounded ? duty - resolution : duty;
     const int next = round_percent(clamp_into(above, smallest, largest));
@@ -226,17 +240,22 @@ void narrow_duty_cycles(const DUTY_PLAN& plan, PLL_OUTPUT_TAP* tap)
     tap->m_prev_duty_cycle = std::max(tap->m_prev_duty_cycle, plan.m_previous);
 }
 
+// In whole percent, as the wish is: a hundredth of a unit of cost each, so that a duty cycle
+// decides between settings that are alike in everything else.
 void charge_deviation(const PLL_USER_TAP& wish, double duty, DUTY_PLAN* plan)
 {
     add_charge(std::fabs(double(wrap_sub(wish.m_duty, round_percent(duty)))) / 100, plan);
 }
 
+// Outputs with the same wish and the same counters get the same plans, so they share them.
 bool is_same_wish(const PLL_USER_TAP& a, const PLL_USER_TAP& b)
 {
     return a.m_duty == b.m_duty && a.m_use_even_counter_mode == b.m_use_even_counter_mode &&
            a.m_use_even_counter_value == b.m_use_even_counter_value;
 }
 
+// A search of few candidates does not pay for clearing the table. Counts above 2^24 would not leave
+// room for the output in a key of 32 bits.
 constexpr int MISSES_FOR_TABLE = 64;
 constexpr int NO_PERCENT = 255;
 constexpr int LARGEST_KEPT_COUNT = 1 << 24;
@@ -249,6 +268,7 @@ std::uint8_t pack_percent(int percent)
 // The charges of a plan without clamps: perhaps an odd half, then the deviation.
 SMALL_DUTY_PLAN pack(std::uint32_t key, const DUTY_PLAN& plan)
 {
+    // The deviation is a whole number of percent over 100; times 100 and rounded it is that again.
     const double deviation = plan.m_charges[plan.m_charges_count - 1] * PERCENT;
     return {key,
             plan.m_high,
@@ -284,6 +304,7 @@ void carry_out(const DUTY_PLAN& plan, PLL_OUTPUT_TAP* tap, double* cost)
     tap->m_high = plan.m_high;
     tap->m_low = plan.m_low;
     tap->m_even = plan.m_even;
+    // One by one, in the order in which they arose: their sum could round to another cost.
     for (int i = 0; i < plan.m_charges_count; ++i) {
         *cost += plan.m_charges[i];
     }
@@ -301,6 +322,7 @@ DUTY_PLACING::DUTY_PLACING(const PLL& pll, const PLL_PROP& request)
         m_plans[i].m_count = 0;
         m_max_counts[i] = pll.m_taps[i].m_max_count;
         m_kinds[i] = 0;
+        // Ends at the output itself.
         while (!is_same_wish(request.m_taps[m_kinds[i]], request.m_taps[i]) ||
                m_max_counts[m_kinds[i]] != m_max_counts[i]) {
             ++m_kinds[i];
@@ -404,6 +426,8 @@ void PLL::compute_duty_cycle_for_ui(PLL* pll, const PLL_PROP& request, int tap,
 void PLL::correct_next_and_previous_values_for_ui()
 {
     const HOST_STATE state;
+    // Neighbours come from all candidates, bounds from all as well; together they may have come
+    // from different ones.
     const auto clamp = [](const PLL_OUTPUT_TAP& tap, int duty) {
         if (duty > tap.m_largest_duty_cycle_max) {
             return tap.m_largest_duty_cycle_max;

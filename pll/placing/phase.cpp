@@ -24,6 +24,7 @@ namespace {
 constexpr const char* SOURCE = "pll";
 constexpr double FULL_TURN = 360.0;    // degrees
 constexpr double SAME_PHASE = 0.0001;  // degrees; closer phases are one
+// More counters than any device feeds into each other; a host can close a circle of them.
 constexpr int MAX_CASCADE_STEPS = 10;
 
 // The smaller, or not a number when either is not.
@@ -32,6 +33,7 @@ double smaller(double a, double b)
     return (a != a || a < b) ? a : b;
 }
 
+// The reference was moved by the largest advance that is wanted. Rounding may leave a trace of one.
 double at_least_zero(double value)
 {
     return value < 0.0 ? 0.0 : value;
@@ -76,6 +78,7 @@ int delay_feedback(double delay, int m, PLL* pll)
     const TAP_AND_START nearest = nearest_tap_and_start(delay, max_start);
     counter.m_vco_tap = nearest.m_vco_tap;
     counter.m_initial = nearest.m_start;
+    // A tap that the counter cannot take becomes the first tap of the next period, if there is one.
     if (pll->m_feedback_tap < 0 && counter.m_vco_tap > counter.m_max_vco_tap) {
         counter.m_vco_tap = 0;
         if (counter.m_initial < max_start) {
@@ -83,6 +86,8 @@ int delay_feedback(double delay, int m, PLL* pll)
         }
     }
     const int reference = TAP_AND_START{counter.m_vco_tap, counter.m_initial}.vco_degrees();
+    // With an output in the feedback it is that output which is delayed: M counts behind it, and
+    // stays at its first start.
     if (pll->m_feedback_tap >= 0) {
         PLL_OUTPUT_TAP& tap = pll->m_taps[nearest_index(pll->m_feedback_tap, PLL_MAX_TAPS)];
         tap.m_initial = counter.m_initial;
@@ -108,6 +113,8 @@ int largest_start(const PLL& pll, int index)
     return start;
 }
 
+// A serial clock is placed by its own phase, on a VCO tap alone. The counter of its parallel clock
+// then starts where it comes nearest on that tap.
 TAP_AND_START choose_tap_and_start(const PLL_USER_TAP& wish, const PHASE_FRAME& frame,
                                    int max_start)
 {
@@ -125,6 +132,8 @@ TAP_AND_START choose_tap_and_start(const PLL_USER_TAP& wish, const PHASE_FRAME& 
     return chosen;
 }
 
+// The start of the counter that feeds a cascade: the wanted one if it can count that far, else the
+// largest below it that leaves a whole number of its counts to the next counter.
 int source_start(const PLL_OUTPUT_TAP& source, int start)
 {
     if (source.m_bypass) {
@@ -162,6 +171,7 @@ void place_cascade(TAP_AND_START chosen, PLL_OUTPUT_TAP* tap, PLL* pll)
 // Offers `next` and `previous` to the nearest phases known of an output.
 void narrow_phases(const PLL_USER_TAP& wish, double achieved, double step, PLL_OUTPUT_TAP* output)
 {
+    // What is achieved is a neighbour itself when it is not the wish; the other one is a step away.
     const bool same = std::fabs(achieved - wish.m_phase) <= SAME_PHASE;
     const bool above = achieved > wish.m_phase;
     const double next = !same && above ? achieved : achieved + step;
@@ -214,6 +224,8 @@ void PHASE_PLACING::place(int index)
         place_cascade(chosen, &tap, m_pll);
     }
 
+    // The cost is in degrees of the input, so a phase of a slow output weighs as much as one of a
+    // fast output that is off by the same time.
     const double achieved = user_phase(m_frame.m_n, m_frame.m_m_count, *m_pll, chosen);
     tap.m_delta_phase = wish.m_phase - achieved;
     double error = std::fabs(wish.m_phase - achieved);

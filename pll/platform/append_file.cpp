@@ -82,6 +82,7 @@ void TRACE_BUFFER::end_record()
 
 void TRACE_BUFFER::write_out()
 {
+    // A signal of the host may cut a write short; what a full disk refuses is lost.
     const char* text = pbase();
     while (m_file >= 0 && text < pptr()) {
         const ssize_t written = ::write(m_file, text, static_cast<std::size_t>(pptr() - text));

@@ -15,12 +15,14 @@ class TRACE_BUFFER : public std::streambuf
 public:
     TRACE_BUFFER() : m_file(-1), m_is_in_record(false) { reset(); }
     ~TRACE_BUFFER() override { close(); }
+    // A copy would write the same text twice.
     TRACE_BUFFER(const TRACE_BUFFER&) = delete;
     TRACE_BUFFER& operator=(const TRACE_BUFFER&) = delete;
 
     // Opens `path` for appending, made with permissions 0666 where there is none. A symbolic link,
     // fifo or device of that name is left alone: what is written then is lost.
     void open(const char* path);
+    // Writes what is left. Closing twice does nothing.
     void close();
 
     // Between the two, flushes wait for the end.
@@ -28,15 +30,19 @@ public:
     void end_record();
 
 protected:
+    // The stream asks for room; nothing is refused, so that a full disk stops no synthesis.
     int_type overflow(int_type character) override;
     int sync() override;
 
 private:
+    // Many lines of a trace, so that most records are written in one go.
     static constexpr std::size_t SIZE = 4096;
 
+    // Goes on after a signal; gives the rest up when the system takes no more.
     void write_out();
     void reset() { setp(m_text, m_text + SIZE); }
 
+    // -1 while nothing is open, and where the file could not be opened.
     int m_file;
     bool m_is_in_record;
     char m_text[SIZE];
@@ -48,6 +54,7 @@ class TRACE_STREAM
 public:
     TRACE_STREAM() : m_stream(&m_buffer) { m_stream.imbue(std::locale::classic()); }
 
+    // As of the buffer. The stream stays good, whatever becomes of its text.
     void open(const char* path) { m_buffer.open(path); }
     std::ostream& get() { return m_stream; }
     TRACE_BUFFER& buffer() { return m_buffer; }

@@ -16,6 +16,8 @@ inline int wrap_to_int(std::int64_t value)
     return static_cast<int>(static_cast<std::uint32_t>(static_cast<std::uint64_t>(value)));
 }
 
+// What two's complement makes of a sum that does not fit. Products of ints fit into 64 bits, so one
+// cut at the end is all that is lost.
 inline int wrap_add(int a, int b)
 {
     return wrap_to_int(std::int64_t{a} + b);
@@ -32,12 +34,14 @@ inline int wrap_mul(int a, int b)
 }
 
 // Towards zero; 0 when the divisor is 0. The smallest int over -1 wraps to itself.
+//
+// The quotient is taken in 64 bits, since the processor traps where 32 do not hold it.
 inline int safe_div(int a, int b)
 {
     return b == 0 ? 0 : wrap_to_int(std::int64_t{a} / b);
 }
 
-// 0 when the divisor is 0.
+// Has the sign of the dividend, as the built-in operation has; 0 when the divisor is 0.
 inline int safe_mod(int a, int b)
 {
     return b == 0 ? 0 : wrap_to_int(std::int64_t{a} % b);
@@ -55,6 +59,8 @@ inline double divide_by_any(double dividend, double divisor)
 }
 
 // Towards zero, saturating; NaN gives 0.
+//
+// A plain conversion of a value that no int holds is undefined, and differs between processors.
 inline int truncate_to_int(double value)
 {
     if (value != value) {
@@ -70,6 +76,8 @@ inline int truncate_to_int(double value)
 }
 
 // The legal index nearest to `index` in an array of `count` entries.
+//
+// For indices that a host gives: the wrong one was reported before, and any entry will do.
 inline int nearest_index(int index, int count)
 {
     return std::clamp(index, 0, count - 1);

@@ -23,6 +23,7 @@ char* gen_strcpy(char* destination, const char* source)
     if (destination == nullptr || source == nullptr) {
         return destination;
     }
+    // The texts may overlap: hosts shorten a text in place.
     std::memmove(destination, source, std::strlen(source) + 1);
     return destination;
 }

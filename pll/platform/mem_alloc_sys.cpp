@@ -65,6 +65,7 @@ ACCOUNT* find_or_open_account(const char* source)
     return account;
 }
 
+// Blocks and bytes, so that a leak of empty blocks shows too.
 void book(ACCOUNT* account, std::size_t size)
 {
     ++account->m_blocks;
@@ -92,6 +93,7 @@ void* MEM_MANAGER::new_wrapper(std::size_t size, const MEM_TRACKER&, const char*
     if (memory == nullptr) {
         return nullptr;
     }
+    // Zeroed, so that no answer can depend on what the memory held before.
     auto* header = new (memory) BLOCK_HEADER{account, size};
     book(account, size);
     book(&total, size);
@@ -125,6 +127,7 @@ std::size_t MEM_MANAGER::get_live_bytes(const char* source)
 
 bool MEM_MANAGER::set_heap(ALLOCATE allocate, RELEASE release)
 {
+    // A block must go back to the heap that it came from, so none may be out.
     if (total.m_blocks != 0 || (allocate == nullptr) != (release == nullptr)) {
         return false;
     }

@@ -2,6 +2,8 @@
 
 namespace {
 
+// One handler for the process, as the library itself is called from one thread at a time. Reports
+// are counted without one as well: a test that forgets its handler still sees them.
 MSG_INTERNAL_ERROR::HANDLER current_handler = nullptr;
 void* current_context = nullptr;
 unsigned long report_count = 0;

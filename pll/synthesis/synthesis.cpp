@@ -38,6 +38,8 @@ bool read_debug_switch(bool debug)
     return debug;
 }
 
+// Each error points at what its reader can change: the limits when nothing is legal, the
+// frequencies when a counter cannot count that far, else the request.
 PLL::PLL_ERROR_TYPE search_error(const SEARCH_RESULT& result)
 {
     if (result.m_best_error == 0.0) {
@@ -49,6 +51,8 @@ PLL::PLL_ERROR_TYPE search_error(const SEARCH_RESULT& result)
     return result.m_clamped ? PLL::PLL_POST_DIVIDER_MAX_EXCEEDED : PLL::PLL_MULT_DIV_NOT_ACHIEVED;
 }
 
+// Nothing can be tried, so nothing is known of phases and duty cycles. The pair is shown so that
+// its reader sees which limit is in the way.
 void take_closest_miss(const CLOSEST_MISS& miss, int taps_count, PLL* pll)
 {
     pll->m_m.m_count = miss.m_m;
@@ -65,6 +69,7 @@ void take_closest_miss(const CLOSEST_MISS& miss, int taps_count, PLL* pll)
     }
 }
 
+// A missed request is placed only now: its candidates were ranked by their frequencies alone.
 void finish_inexact(const SEARCH_LIMITS& limits, const PLL& best, const PLL_PROP& request, PLL* pll)
 {
     *pll = best;
@@ -78,6 +83,7 @@ void finish_inexact(const SEARCH_LIMITS& limits, const PLL& best, const PLL_PROP
 void set_spread_counters(const PLL_PROP& request, PLL* pll)
 {
     const int m = pll->m_m.m_count;
+    // Rounded to the nearest whole count. N stays, so the frequency falls with M.
     pll->m_m.m_ss_count = wrap_sub(m, truncate_to_int(m * request.m_down_spread + 0.5));
     pll->m_n.m_ss_count = pll->m_n.m_count;
     pll->m_ss_cycles =
@@ -113,6 +119,7 @@ bool finish_search(const SEARCH_LIMITS& limits, const SEARCH_RESULT& result,
     return false;
 }
 
+// A negative factor makes relative errors negative, and these count as met.
 bool has_impossible_ratio(const PLL_PROP& request)
 {
     for (int i = 0; i < clamp_taps(request.m_taps_count); ++i) {
@@ -179,6 +186,7 @@ bool run_final_checks(bool met, const SEARCH_RESULT& result, const PLL_PROP& req
         refuse(PLL_CHECK::RATIOS, pll);
         met = false;
     }
+    // Missed requests are checked as well: this error takes the place of theirs.
     if (request.m_down_spread > PLL_LARGEST_DOWN_SPREAD) {
         refuse(PLL_CHECK::SPREAD, pll);
         return false;
@@ -220,6 +228,7 @@ bool synthesize_request(const PLL_PROP& request, PLL* pll)
     if (trace) {
         trace->request(limits, request);
     }
+    // From here on the PLL is the setting that is looked for; candidates start as copies of it.
     pll->m_feedback_tap = request.m_feedback_tap;
 
     SEARCH_RESULT result(*pll, request);
@@ -260,6 +269,7 @@ bool PLL::synthesize(const PLL_PROP& request)
     }
     try {
         return synthesize_request(request, this);
+        // m_error stays as it was: memory has no number among the errors of a setting.
     } catch (const std::bad_alloc&) {
         m_outcome = PLL_OUTCOME{PLL_OUTCOME_KIND::OUT_OF_MEMORY};
         return false;
