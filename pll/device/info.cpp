@@ -65,13 +65,13 @@ int get_entry(const int (&entries)[3], int vco_post_scale)
 }
 
 // What a value without a post-scale of its own means for all post-scales.
-enum class SPREAD
+enum class SCALING
 {
     AS_PERIOD,  // p times as long behind a post-scale of p
     ALIKE
 };
 
-void set_entries(int (&entries)[3], int value, int vco_post_scale, SPREAD spread)
+void set_entries(int (&entries)[3], int value, int vco_post_scale, SCALING scaling)
 {
     if (!check(vco_post_scale <= PLL_VCO_POST_SCALE_MAX, "vco_post_scale <= PLL_VCO_POST_SCALE_MAX",
                SOURCE)) {
@@ -82,7 +82,7 @@ void set_entries(int (&entries)[3], int value, int vco_post_scale, SPREAD spread
         return;
     }
     for (int p = 1; p <= PLL_VCO_POST_SCALE_MAX; ++p) {
-        entries[p] = spread == SPREAD::AS_PERIOD ? wrap_mul(value, p) : value;
+        entries[p] = scaling == SCALING::AS_PERIOD ? wrap_mul(value, p) : value;
     }
 }
 
@@ -402,29 +402,29 @@ int PLL_TIMING_INFO::get_ss_vco_max_period(int vco_post_scale) const
 // times as long, so a file need give the limits of the oscillator only.
 void PLL_TIMING_INFO::set_vco_min_period(int value, int vco_post_scale)
 {
-    set_entries(m_vco_min, value, vco_post_scale, SPREAD::AS_PERIOD);
+    set_entries(m_vco_min, value, vco_post_scale, SCALING::AS_PERIOD);
 }
 
 void PLL_TIMING_INFO::set_vco_max_period(int value, int vco_post_scale)
 {
-    set_entries(m_vco_max, value, vco_post_scale, SPREAD::AS_PERIOD);
+    set_entries(m_vco_max, value, vco_post_scale, SCALING::AS_PERIOD);
 }
 
 void PLL_TIMING_INFO::set_vco_center_period(int value, int vco_post_scale)
 {
-    set_entries(m_vco_center, value, vco_post_scale, SPREAD::AS_PERIOD);
+    set_entries(m_vco_center, value, vco_post_scale, SCALING::AS_PERIOD);
 }
 
 // A post-scale makes periods longer. The gain stays that of the oscillator, unless a database says
 // otherwise.
 void PLL_TIMING_INFO::set_vco_gain(int value, int vco_post_scale)
 {
-    set_entries(m_vco_gain, value, vco_post_scale, SPREAD::ALIKE);
+    set_entries(m_vco_gain, value, vco_post_scale, SCALING::ALIKE);
 }
 
 void PLL_TIMING_INFO::set_ss_vco_max_period(int value, int vco_post_scale)
 {
-    set_entries(m_ss_vco_max, value, vco_post_scale, SPREAD::AS_PERIOD);
+    set_entries(m_ss_vco_max, value, vco_post_scale, SCALING::AS_PERIOD);
 }
 
 // Borrowed: a description belongs to the manager that read it.

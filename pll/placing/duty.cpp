@@ -256,7 +256,7 @@ bool is_same_wish(const PLL_USER_TAP& a, const PLL_USER_TAP& b)
 
 // A search of few candidates does not pay for clearing the table. Counts above 2^24 would not leave
 // room for the output in a key of 32 bits.
-constexpr int MISSES_FOR_TABLE = 64;
+constexpr int NEW_PLANS_FOR_TABLE = 64;
 constexpr int NO_PERCENT = 255;
 constexpr int LARGEST_KEPT_COUNT = 1 << 24;
 
@@ -316,7 +316,7 @@ void carry_out(const DUTY_PLAN& plan, PLL_OUTPUT_TAP* tap, double* cost)
 namespace pll_internal {
 
 DUTY_PLACING::DUTY_PLACING(const PLL& pll, const PLL_PROP& request)
-    : m_request(request), m_taps_count(clamp_taps(request.m_taps_count)), m_misses(0)
+    : m_request(request), m_taps_count(clamp_taps(request.m_taps_count)), m_new_plans(0)
 {
     for (int i = 0; i < m_taps_count; ++i) {
         m_plans[i].m_count = 0;
@@ -364,12 +364,12 @@ std::uint32_t DUTY_PLACING::key_of(int index, int count) const
 
 SMALL_DUTY_PLAN* DUTY_PLACING::slot_of(std::uint32_t key)
 {
-    return m_misses < MISSES_FOR_TABLE ? nullptr : &m_table[key % TABLE_SIZE];
+    return m_new_plans < NEW_PLANS_FOR_TABLE ? nullptr : &m_table[key % TABLE_SIZE];
 }
 
-void DUTY_PLACING::count_miss()
+void DUTY_PLACING::count_new_plan()
 {
-    if (m_misses < MISSES_FOR_TABLE && ++m_misses == MISSES_FOR_TABLE) {
+    if (m_new_plans < NEW_PLANS_FOR_TABLE && ++m_new_plans == NEW_PLANS_FOR_TABLE) {
         std::memset(m_table, 0, sizeof m_table);
     }
 }
@@ -389,7 +389,7 @@ const DUTY_PLAN& DUTY_PLACING::plan_of(int index, const PLL& pll)
     }
     make_plan(index, pll, &plan);
     if (slot == nullptr) {
-        count_miss();
+        count_new_plan();
     } else if (!plan.m_has_clamps) {
         *slot = pack(key, plan);
     }

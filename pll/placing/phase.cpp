@@ -245,7 +245,8 @@ double achieved_phase(const PLL_USER_TAP& wish, int m, int n, int max_start)
     return input_degrees(n, m, nearest_tap_and_start(target, max_start).vco_degrees());
 }
 
-void tell_phase(const PLL_USER_TAP& wish, double ratio, double phase, PLL_OUTPUT_TAP* output)
+void narrow_phases_around(const PLL_USER_TAP& wish, double ratio, double phase,
+                          PLL_OUTPUT_TAP* output)
 {
     narrow_phases(wish, phase, DEGREES_PER_VCO_TAP / ratio, output);
 }

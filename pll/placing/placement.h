@@ -44,9 +44,9 @@ private:
 // nothing is cascaded or fed back. The output starts at `max_start` at most.
 double achieved_phase(const PLL_USER_TAP& wish, int m, int n, int max_start);
 
-// Narrows what the host is told of the output's phases, where it achieves `phase` at a
-// ratio M / N.
-void tell_phase(const PLL_USER_TAP& wish, double ratio, double phase, PLL_OUTPUT_TAP* output);
+// Narrows the next and previous phases of the output, where it achieves `phase` at a ratio M / N.
+void narrow_phases_around(const PLL_USER_TAP& wish, double ratio, double phase,
+                          PLL_OUTPUT_TAP* output);
 
 // What a counter does for the duty cycle wished of it, and what the host will be told.
 struct DUTY_PLAN
@@ -99,15 +99,15 @@ private:
     void make_plan(int index, const PLL& pll, DUTY_PLAN* plan) const;
     std::uint32_t key_of(int index, int count) const;
     SMALL_DUTY_PLAN* slot_of(std::uint32_t key);
-    void count_miss();
+    void count_new_plan();
 
     const PLL_PROP& m_request;
     int m_taps_count;
-    int m_misses;
+    int m_new_plans;
     int m_kinds[PLL_MAX_TAPS];  // the first output with the same wish and the same largest count
     int m_max_counts[PLL_MAX_TAPS];
     DUTY_PLAN m_plans[PLL_MAX_TAPS];
-    SMALL_DUTY_PLAN m_table[TABLE_SIZE];  // in use after many misses
+    SMALL_DUTY_PLAN m_table[TABLE_SIZE];  // in use after many new plans
 };
 
 // Places the clocks of one candidate after the other.

@@ -147,7 +147,7 @@ bool RANKING::offer_exact(PLL* candidate, CANDIDATE_SCORE* score, SEARCH_RESULT*
     }
     m_placement.place(candidate);
     add_device_penalties(candidate);
-    const bool taken = compare_cost(*candidate, result);
+    const bool taken = take_if_cheaper(*candidate, result);
     carry_back(*candidate, clamp_taps(m_request.m_taps_count), &result->m_best);
     return taken;
 }
@@ -162,7 +162,7 @@ void RANKING::add_device_penalties(PLL* candidate) const
     add_ratio_limit_penalty(info, candidate);
 }
 
-bool RANKING::compare_cost(const PLL& candidate, SEARCH_RESULT* result) const
+bool RANKING::take_if_cheaper(const PLL& candidate, SEARCH_RESULT* result) const
 {
     if (candidate.m_cost < result->m_best_cost) {
         result->m_best_cost = candidate.m_cost;

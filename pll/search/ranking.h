@@ -44,7 +44,7 @@ private:
                        SEARCH_RESULT* result) const;
     bool offer_exact(PLL* candidate, CANDIDATE_SCORE* score, SEARCH_RESULT* result);
     void add_device_penalties(PLL* candidate) const;
-    bool compare_cost(const PLL& candidate, SEARCH_RESULT* result) const;
+    bool take_if_cheaper(const PLL& candidate, SEARCH_RESULT* result) const;
 
     const PLL& m_pll;
     const PLL_PROP& m_request;

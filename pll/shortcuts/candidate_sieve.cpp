@@ -147,7 +147,8 @@ bool CANDIDATE_SIEVE::tells(int post_scale, int m, int n, std::int64_t cut_off,
         return false;
     }
     for (int i = 0; i < m_limits.m_taps_count; ++i) {
-        tell_phase(m_request.m_taps[i], measured.m_ratio, achieved[i], &result->m_best.m_taps[i]);
+        narrow_phases_around(m_request.m_taps[i], measured.m_ratio, achieved[i],
+                             &result->m_best.m_taps[i]);
     }
     return true;
 }
