@@ -34,7 +34,9 @@ GROWING = {
     ("sources", "pll/database"): 0.05,
     ("sources", "pll/database/files"): 0.06,
     ("sources", "pll/database/watch"): 0.03,
+    ("sources", "pll/filter"): 0.08,
     ("sources", "pll/search"): 0.07,
+    ("sources", "pll/synthesis"): 0.08,
     ("sources", "pll/shortcuts"): 0.08,
 }
 FOLDERS = ("h", "include", "pll", "advice", "app", "bench", "examples", "fuzz", "tests")

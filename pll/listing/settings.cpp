@@ -219,8 +219,7 @@ void COUNTER::look_at(int post_scale, std::int64_t m, std::int64_t n)
                              setting.m_vco_period,
                              m_pll.get_vco_center_period(post_scale),
                              0};
-    const CANDIDATE_SCORE score =
-        assign_candidate(m_pll, m_request, m_limits, point, m_pll, &m_candidate);
+    const CANDIDATE_SCORE score = assign_candidate(m_pll, m_request, m_limits, point, &m_candidate);
     for (int i = 0; i < m_limits.m_taps_count; ++i) {
         m_counts.m_output_met[i] += m_candidate.m_taps[i].m_score ? 1 : 0;
     }

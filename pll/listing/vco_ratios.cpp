@@ -225,7 +225,8 @@ void RATIO_BOX::walk(const RATIO_RANGE& range, RATIOS* ratios) const
     }
 }
 
-// Multiples with too small an M or an N too small for the PFD are passed over; the next one decides.
+// Multiples with too small an M or an N too small for the PFD are passed over; the next one
+// decides.
 bool RATIO_BOX::has_legal_multiple(const FAREY_FRACTION& ratio) const
 {
     const std::int64_t m = ratio.m_mult;

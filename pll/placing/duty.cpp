@@ -231,13 +231,12 @@ void describe(const PLL_OUTPUT_TAP& tap, int wish, double duty, DUTY_PLAN* plan)
     plan->m_previous = wish > previous ? previous : std::numeric_limits<int>::min();
 }
 
-// Narrows what the host is told of a tap.
-void narrow_duty_cycles(const DUTY_PLAN& plan, PLL_OUTPUT_TAP* tap)
+void narrow_duty_cycles(const DUTY_PLAN& plan, NEIGHBOURS* neighbours)
 {
-    tap->m_smallest_duty_cycle_min = std::min(tap->m_smallest_duty_cycle_min, plan.m_smallest);
-    tap->m_largest_duty_cycle_max = std::max(tap->m_largest_duty_cycle_max, plan.m_largest);
-    tap->m_next_duty_cycle = std::min(tap->m_next_duty_cycle, plan.m_next);
-    tap->m_prev_duty_cycle = std::max(tap->m_prev_duty_cycle, plan.m_previous);
+    neighbours->m_smallest_duty = std::min(neighbours->m_smallest_duty, plan.m_smallest);
+    neighbours->m_largest_duty = std::max(neighbours->m_largest_duty, plan.m_largest);
+    neighbours->m_next_duty = std::min(neighbours->m_next_duty, plan.m_next);
+    neighbours->m_previous_duty = std::max(neighbours->m_previous_duty, plan.m_previous);
 }
 
 // In whole percent, as the wish is: a hundredth of a unit of cost each, so that a duty cycle
@@ -308,7 +307,6 @@ void carry_out(const DUTY_PLAN& plan, PLL_OUTPUT_TAP* tap, double* cost)
     for (int i = 0; i < plan.m_charges_count; ++i) {
         *cost += plan.m_charges[i];
     }
-    narrow_duty_cycles(plan, tap);
 }
 
 }  // namespace
@@ -396,16 +394,16 @@ const DUTY_PLAN& DUTY_PLACING::plan_of(int index, const PLL& pll)
     return plan;
 }
 
-void DUTY_PLACING::place(int index, PLL* pll)
+void DUTY_PLACING::place(int index, PLL* pll, NEIGHBOURS* neighbours)
 {
-    PLL_OUTPUT_TAP* tap = &pll->m_taps[index];
-    if (is_ordinary(index, *pll)) {
-        carry_out(plan_of(index, *pll), tap, &pll->m_cost);
-        return;
+    DUTY_PLAN made;
+    const bool is_kept = is_ordinary(index, *pll);
+    if (!is_kept) {
+        make_plan(index, *pll, &made);
     }
-    DUTY_PLAN plan;
-    make_plan(index, *pll, &plan);
-    carry_out(plan, tap, &pll->m_cost);
+    const DUTY_PLAN& plan = is_kept ? plan_of(index, *pll) : made;
+    carry_out(plan, &pll->m_taps[index], &pll->m_cost);
+    narrow_duty_cycles(plan, neighbours);
 }
 
 }  // namespace pll_internal
@@ -420,7 +418,9 @@ void PLL::compute_duty_cycle_for_ui(PLL* pll, const PLL_PROP& request, int tap,
     const int index = nearest_index(tap, PLL_MAX_TAPS);
     DUTY_PLAN plan;
     describe(pll->m_taps[index], request.m_taps[index].m_duty, duty_cycle, &plan);
-    narrow_duty_cycles(plan, &pll->m_taps[index]);
+    NEIGHBOURS neighbours = read_neighbours(pll->m_taps[index]);
+    narrow_duty_cycles(plan, &neighbours);
+    write_neighbours(neighbours, &pll->m_taps[index]);
 }
 
 void PLL::correct_next_and_previous_values_for_ui()

@@ -168,8 +168,8 @@ void place_cascade(TAP_AND_START chosen, PLL_OUTPUT_TAP* tap, PLL* pll)
     tap->m_initial = wrap_add(safe_div(wrap_sub(chosen.m_start, source.m_initial), count), 1);
 }
 
-// Offers `next` and `previous` to the nearest phases known of an output.
-void narrow_phases(const PLL_USER_TAP& wish, double achieved, double step, PLL_OUTPUT_TAP* output)
+// Takes the phases on either side of the wish that are nearer than the neighbours known.
+void narrow_phases(const PLL_USER_TAP& wish, double achieved, double step, NEIGHBOURS* neighbours)
 {
     // What is achieved is a neighbour itself when it is not the wish; the other one is a step away.
     const bool same = std::fabs(achieved - wish.m_phase) <= SAME_PHASE;
@@ -177,11 +177,12 @@ void narrow_phases(const PLL_USER_TAP& wish, double achieved, double step, PLL_O
     const double next = !same && above ? achieved : achieved + step;
     const double previous = !same && !above ? achieved : achieved - step;
 
-    if (std::fabs(next - wish.m_phase) > SAME_PHASE && next < output->m_next_phase_degree) {
-        output->m_next_phase_degree = next;
+    if (std::fabs(next - wish.m_phase) > SAME_PHASE && next < neighbours->m_next_phase) {
+        neighbours->m_next_phase = next;
     }
-    if (std::fabs(wish.m_phase - previous) > SAME_PHASE && previous > output->m_prev_phase_degree) {
-        output->m_prev_phase_degree = previous;
+    if (std::fabs(wish.m_phase - previous) > SAME_PHASE &&
+        previous > neighbours->m_previous_phase) {
+        neighbours->m_previous_phase = previous;
     }
 }
 
@@ -212,7 +213,7 @@ PHASE_PLACING::PHASE_PLACING(const PLL_PROP& request, bool may_be_negative, PLL*
     pll->m_delta_phase = 0.0;
 }
 
-void PHASE_PLACING::place(int index)
+void PHASE_PLACING::place(int index, NEIGHBOURS* neighbours)
 {
     const PLL_USER_TAP& wish = m_request.m_taps[index];
     const TAP_AND_START chosen = choose_tap_and_start(wish, m_frame, largest_start(*m_pll, index));
@@ -236,7 +237,7 @@ void PHASE_PLACING::place(int index)
     m_pll->m_cost += error;
     m_pll->m_delta_phase += error;
     narrow_phases(wish, achieved,
-                  wish.m_has_sclkout_phase ? m_frame.m_turn_step : m_frame.m_tap_step, &tap);
+                  wish.m_has_sclkout_phase ? m_frame.m_turn_step : m_frame.m_tap_step, neighbours);
 }
 
 double achieved_phase(const PLL_USER_TAP& wish, int m, int n, int max_start)
@@ -246,9 +247,9 @@ double achieved_phase(const PLL_USER_TAP& wish, int m, int n, int max_start)
 }
 
 void narrow_phases_around(const PLL_USER_TAP& wish, double ratio, double phase,
-                          PLL_OUTPUT_TAP* output)
+                          NEIGHBOURS* neighbours)
 {
-    narrow_phases(wish, phase, DEGREES_PER_VCO_TAP / ratio, output);
+    narrow_phases(wish, phase, DEGREES_PER_VCO_TAP / ratio, neighbours);
 }
 
 }  // namespace pll_internal
@@ -263,5 +264,7 @@ void PLL::compute_phase_for_ui(PLL* pll, const PLL_PROP& request, int tap, doubl
     const PLL_USER_TAP& wish = request.m_taps[index];
     const double step =
         (wish.m_has_sclkout_phase ? FULL_TURN : DEGREES_PER_VCO_TAP) / pll->get_m_over_n();
-    narrow_phases(wish, phase, step, &pll->m_taps[index]);
+    NEIGHBOURS neighbours = read_neighbours(pll->m_taps[index]);
+    narrow_phases(wish, phase, step, &neighbours);
+    write_neighbours(neighbours, &pll->m_taps[index]);
 }

@@ -3,6 +3,9 @@
 #include "loop/taps.h"
 #include "platform/host_state.h"
 
+#include <algorithm>
+#include <iterator>
+
 using namespace pll_internal;
 
 namespace {
@@ -31,12 +34,12 @@ PLACEMENT::PLACEMENT(const PLL& pll, const PLL_PROP& request)
     }
 }
 
-void PLACEMENT::place(PLL* pll)
+void PLACEMENT::place(PLL* pll, NEIGHBOURS (&neighbours)[PLL_MAX_TAPS])
 {
     PHASE_PLACING phases(m_request, m_may_be_negative, pll);
     for (int i = 0; i < m_taps; ++i) {
-        phases.place(i);
-        m_duties.place(i, pll);
+        phases.place(i, &neighbours[i]);
+        m_duties.place(i, pll, &neighbours[i]);
     }
 }
 
@@ -48,7 +51,12 @@ bool PLL::synthesize_best_phase_and_duty_cycle(PLL* pll, const PLL_PROP& request
     if (pll == nullptr) {
         return false;
     }
-    PLACEMENT(*pll, request).place(pll);
+    NEIGHBOURS neighbours[PLL_MAX_TAPS];
+    std::transform(std::begin(pll->m_taps), std::end(pll->m_taps), neighbours, read_neighbours);
+    PLACEMENT(*pll, request).place(pll, neighbours);
+    for (int i = 0; i < clamp_taps(request.m_taps_count); ++i) {
+        write_neighbours(neighbours[i], &pll->m_taps[i]);
+    }
     set_output_counts_from_high_low();
     return true;
 }

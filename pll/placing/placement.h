@@ -5,6 +5,8 @@
 #include "pll.h"
 #include "pll_prop.h"
 
+#include "placing/neighbours.h"
+
 #include <cstdint>
 
 namespace pll_internal {
@@ -31,8 +33,8 @@ public:
     // `may_be_negative` tells whether any phase of the request can be below 0.
     PHASE_PLACING(const PLL_PROP& request, bool may_be_negative, PLL* pll);
 
-    // Charges what output `index` misses.
-    void place(int index);
+    // Charges what output `index` misses, and narrows its neighbours.
+    void place(int index, NEIGHBOURS* neighbours);
 
 private:
     const PLL_PROP& m_request;
@@ -46,7 +48,7 @@ double achieved_phase(const PLL_USER_TAP& wish, int m, int n, int max_start);
 
 // Narrows the next and previous phases of the output, where it achieves `phase` at a ratio M / N.
 void narrow_phases_around(const PLL_USER_TAP& wish, double ratio, double phase,
-                          PLL_OUTPUT_TAP* output);
+                          NEIGHBOURS* neighbours);
 
 // What a counter does for the duty cycle wished of it, and what the host will be told.
 struct DUTY_PLAN
@@ -88,8 +90,8 @@ class DUTY_PLACING
 public:
     DUTY_PLACING(const PLL& pll, const PLL_PROP& request);
 
-    // Charges what output `index` misses.
-    void place(int index, PLL* pll);
+    // Charges what output `index` misses, and narrows its neighbours.
+    void place(int index, PLL* pll, NEIGHBOURS* neighbours);
 
 private:
     static constexpr int TABLE_SIZE = 1024;
@@ -117,8 +119,8 @@ public:
     PLACEMENT(const PLL& pll, const PLL_PROP& request);
 
     // Gives the outputs of `pll` their VCO taps, counter starts and high/low splits, and charges
-    // what the request misses.
-    void place(PLL* pll);
+    // what the request misses. Narrows the neighbours of each output.
+    void place(PLL* pll, NEIGHBOURS (&neighbours)[PLL_MAX_TAPS]);
 
 private:
     const PLL_PROP& m_request;

@@ -128,7 +128,7 @@ bool force_bypass(PLL_OUTPUT_TAP* tap, CANDIDATE_SCORE* score)
     return true;
 }
 
-void assign_output(int index, const PLL_OUTPUT_TAP& carried, ASSIGNMENT* a)
+void assign_output(int index, ASSIGNMENT* a)
 {
     const RATIO_WISH& wish = a->m_limits.m_wishes[index];
     const int max_count = a->m_pll.m_taps[index].m_max_count;
@@ -138,7 +138,6 @@ void assign_output(int index, const PLL_OUTPUT_TAP& carried, ASSIGNMENT* a)
     split_count(count, &tap);
     tap.m_max_count = max_count;
     tap.m_previous_tap = PLL_ILLEGAL_TAP;
-    copy_carried_values(carried, &tap);
 
     const double tap_error = add_frequency_error(a->m_vco, count, wish, &a->m_score);
     const double error =
@@ -167,25 +166,15 @@ int find_cascade(const PLL& pll, int count, int max_count, int source_index)
     return factor > 1 ? factor : 0;
 }
 
-void copy_carried_values(const PLL_OUTPUT_TAP& from, PLL_OUTPUT_TAP* to)
-{
-    to->m_next_phase_degree = from.m_next_phase_degree;
-    to->m_prev_phase_degree = from.m_prev_phase_degree;
-    to->m_next_duty_cycle = from.m_next_duty_cycle;
-    to->m_prev_duty_cycle = from.m_prev_duty_cycle;
-    to->m_smallest_duty_cycle_min = from.m_smallest_duty_cycle_min;
-    to->m_largest_duty_cycle_max = from.m_largest_duty_cycle_max;
-}
-
 CANDIDATE_SCORE assign_candidate(const PLL& pll, const PLL_PROP& request,
                                  const SEARCH_LIMITS& limits, const SEARCH_POINT& point,
-                                 const PLL& best, PLL* candidate)
+                                 PLL* candidate)
 {
     prepare(pll, request, limits, point, candidate);
     ASSIGNMENT assignment{
         pll, limits, point, VCO_RATIO(point.m_m, point.m_n), candidate, {}, request.m_taps_count};
     for (int i = 0; i < limits.m_taps_count; ++i) {
-        assign_output(i, best.m_taps[i], &assignment);
+        assign_output(i, &assignment);
     }
     return assignment.m_score;
 }

@@ -10,17 +10,14 @@
 
 namespace pll_internal {
 
-// Turns `candidate` into the setting of `point`: counters, cascades, feedback. Carried values are
-// taken from `best`. Returns what it measures.
+// Turns `candidate` into the setting of `point`: counters, cascades, feedback. Returns what
+// it measures.
 CANDIDATE_SCORE assign_candidate(const PLL& pll, const PLL_PROP& request,
                                  const SEARCH_LIMITS& limits, const SEARCH_POINT& point,
-                                 const PLL& best, PLL* candidate);
+                                 PLL* candidate);
 
 // The division of the first of two counters that share `count`, with the counter `source_index` as
 // the first one; 0 when they cannot, or need not.
 int find_cascade(const PLL& pll, int count, int max_count, int source_index);
-
-// The next and previous values that are carried from candidate to candidate.
-void copy_carried_values(const PLL_OUTPUT_TAP& from, PLL_OUTPUT_TAP* to);
 
 }  // namespace pll_internal

@@ -35,7 +35,7 @@ SEARCH_POINT EVALUATION::point(int post_scale, int m, int n) const
 
 CANDIDATE_SCORE EVALUATION::assign(const SEARCH_POINT& point)
 {
-    return assign_candidate(m_pll, m_request, m_limits, point, m_result->m_best, &m_candidate);
+    return assign_candidate(m_pll, m_request, m_limits, point, &m_candidate);
 }
 
 void EVALUATION::offer(const SEARCH_POINT& point, CANDIDATE_SCORE* score)

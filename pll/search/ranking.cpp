@@ -64,14 +64,6 @@ void take(const PLL& candidate, SEARCH_RESULT* result)
     result->m_taken = true;
 }
 
-// The next candidate starts from the carried values of this one, whether it won or not.
-void carry_back(const PLL& candidate, int taps, PLL* best)
-{
-    for (int i = 0; i < taps; ++i) {
-        copy_carried_values(candidate.m_taps[i], &best->m_taps[i]);
-    }
-}
-
 }  // namespace
 
 void add_preferred_m_penalties(bool spread, const PLL_BASIC_INFO& info, PLL* candidate)
@@ -145,11 +137,9 @@ bool RANKING::offer_exact(PLL* candidate, CANDIDATE_SCORE* score, SEARCH_RESULT*
             score->m_may_lower_cut_off = false;
         }
     }
-    m_placement.place(candidate);
+    m_placement.place(candidate, result->m_neighbours);
     add_device_penalties(candidate);
-    const bool taken = take_if_cheaper(*candidate, result);
-    carry_back(*candidate, clamp_taps(m_request.m_taps_count), &result->m_best);
-    return taken;
+    return take_if_cheaper(*candidate, result);
 }
 
 void RANKING::add_device_penalties(PLL* candidate) const

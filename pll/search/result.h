@@ -5,6 +5,8 @@
 #include "pll.h"
 #include "pll_prop.h"
 
+#include "placing/neighbours.h"
+
 namespace pll_internal {
 
 // One (post-scale, M, N) that the limits allow.
@@ -32,7 +34,8 @@ struct SEARCH_RESULT
 {
     explicit SEARCH_RESULT(const PLL& pll, const PLL_PROP& request);
 
-    PLL m_best;
+    PLL m_best;  // its neighbours are those that the search started from
+    NEIGHBOURS m_neighbours[PLL_MAX_TAPS];
     SEARCH_POINT m_best_point{};
     double m_best_error = WORST;
     double m_best_cost = WORST;

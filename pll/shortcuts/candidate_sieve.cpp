@@ -148,7 +148,7 @@ bool CANDIDATE_SIEVE::tells(int post_scale, int m, int n, std::int64_t cut_off,
     }
     for (int i = 0; i < m_limits.m_taps_count; ++i) {
         narrow_phases_around(m_request.m_taps[i], measured.m_ratio, achieved[i],
-                             &result->m_best.m_taps[i]);
+                             &result->m_neighbours[i]);
     }
     return true;
 }

@@ -103,7 +103,7 @@ void CASCADE_LEFTOVERS::look_at(int post_scale, std::int64_t m, std::int64_t n)
     PLL candidate(0, PLL_MAX_TAPS);
     candidate = pll;
     assign_candidate(pll, m_evaluation.request(), m_evaluation.limits(),
-                     m_evaluation.point(post_scale, int(m), int(n)), *m_best, &candidate);
+                     m_evaluation.point(post_scale, int(m), int(n)), &candidate);
     for (; m_next < sources; ++m_next) {
         copy_division(candidate.m_taps[m_next], &m_best->m_taps[m_next]);
     }

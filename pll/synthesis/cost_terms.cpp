@@ -105,7 +105,7 @@ PLL_COST_TERMS pll_get_cost_terms(const PLL& pll, const PLL_PROP& request)
     PLL candidate(request.m_taps_count, PLL_MAX_TAPS);
     candidate = pll;
     const CANDIDATE_SCORE score =
-        assign_candidate(pll, request, limits, chosen_point(pll, limits), pll, &candidate);
+        assign_candidate(pll, request, limits, chosen_point(pll, limits), &candidate);
 
     terms.m_cascades = score.m_cascade_penalty;
     terms.m_near_misses = near_miss_cost(score.m_relative_error);

@@ -4,6 +4,7 @@
 
 #include "filter/loop_filter.h"
 #include "loop/taps.h"
+#include "placing/neighbours.h"
 #include "platform/arith.h"
 #include "platform/host_state.h"
 #include "search/debug_log.h"
@@ -70,9 +71,8 @@ void take_closest_miss(const CLOSEST_MISS& miss, int taps_count, PLL* pll)
 }
 
 // A missed request is placed only now: its candidates were ranked by their frequencies alone.
-void finish_inexact(const SEARCH_LIMITS& limits, const PLL& best, const PLL_PROP& request, PLL* pll)
+void finish_inexact(const SEARCH_LIMITS& limits, const PLL_PROP& request, PLL* pll)
 {
-    *pll = best;
     pll->synthesize_best_phase_and_duty_cycle(pll, request);
     if (limits.m_wish.m_table_mode) {
         PLL::synthesize_best_bandwidth_using_table(pll, request);
@@ -91,9 +91,8 @@ void set_spread_counters(const PLL_PROP& request, PLL* pll)
 }
 
 // Returns whether the delays could be placed.
-bool finish_exact(const SEARCH_LIMITS& limits, const PLL& best, const PLL_PROP& request, PLL* pll)
+bool finish_exact(const SEARCH_LIMITS& limits, const PLL_PROP& request, PLL* pll)
 {
-    *pll = best;
     pll->correct_next_and_previous_values_for_ui();
     if (limits.m_spread) {
         set_spread_counters(request, pll);
@@ -105,14 +104,25 @@ bool finish_exact(const SEARCH_LIMITS& limits, const PLL& best, const PLL_PROP& 
     return pll->synthesize_delay_chains(request);
 }
 
+// The best candidate, with the neighbours that all candidates narrowed.
+void take_best(const SEARCH_RESULT& result, int taps_count, PLL* pll)
+{
+    *pll = result.m_best;
+    for (int i = 0; i < clamp_taps(taps_count); ++i) {
+        write_neighbours(result.m_neighbours[i], &pll->m_taps[i]);
+    }
+}
+
 bool finish_search(const SEARCH_LIMITS& limits, const SEARCH_RESULT& result,
                    const PLL_PROP& request, PLL* pll)
 {
     if (result.m_best_error == 0.0) {
-        return finish_exact(limits, result.m_best, request, pll);
+        take_best(result, request.m_taps_count, pll);
+        return finish_exact(limits, request, pll);
     }
     if (result.m_found) {
-        finish_inexact(limits, result.m_best, request, pll);
+        take_best(result, request.m_taps_count, pll);
+        finish_inexact(limits, request, pll);
     } else {
         take_closest_miss(result.m_miss, request.m_taps_count, pll);
     }

@@ -42,8 +42,8 @@ public:
         }
         const bool retained = sieve.retains(post_scale, m, n, cut_off, result);
         m_tells = sieve.tells(post_scale, m, n, cut_off, &result);
-        m_next_phase = result.m_best.m_taps[0].m_next_phase_degree;
-        m_previous_phase = result.m_best.m_taps[0].m_prev_phase_degree;
+        m_next_phase = result.m_neighbours[0].m_next_phase;
+        m_previous_phase = result.m_neighbours[0].m_previous_phase;
         return retained;
     }
 
@@ -173,8 +173,8 @@ TEST(CandidateSieve, TellsNoPhasesAHairBesideTheVcoRatioWishedFor)
     EVALUATION evaluation(box.m_pll, box.m_request, limits, nullptr, &walked);
     walk_rows(&evaluation);
     EXPECT_TRUE(box.synthesize());
-    EXPECT_EQ(walked.m_best.m_taps[0].m_prev_phase_degree, box.tap(0).m_prev_phase_degree);
-    EXPECT_EQ(walked.m_best.m_taps[0].m_next_phase_degree, box.tap(0).m_next_phase_degree);
+    EXPECT_EQ(walked.m_neighbours[0].m_previous_phase, box.tap(0).m_prev_phase_degree);
+    EXPECT_EQ(walked.m_neighbours[0].m_next_phase, box.tap(0).m_next_phase_degree);
 }
 
 TEST(CandidateSieve, HasNothingToSayOfOddRequests)

@@ -42,7 +42,7 @@ public:
         PLL candidate(m_request.m_taps_count, PLL_MAX_TAPS);
         candidate = *m_pll;
         const SEARCH_POINT point{1, m, n, 1000.0, 1000, 0};
-        return assign_candidate(*m_pll, m_request, m_limits, point, *m_pll, &candidate).m_error;
+        return assign_candidate(*m_pll, m_request, m_limits, point, &candidate).m_error;
     }
 
 private:

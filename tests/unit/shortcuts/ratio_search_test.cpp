@@ -35,12 +35,14 @@ std::string text_of(const SEARCH_RESULT& result)
          << result.m_best.m_cost << ' ' << result.m_best.m_vco_period << ' '
          << result.m_best.m_delta_phase << ' ' << result.m_best.m_i << '\n';
     for (const PLL_OUTPUT_TAP& tap : result.m_best.m_taps) {
-        text << tap.m_next_phase_degree << ' ' << tap.m_prev_phase_degree << ' '
-             << tap.m_next_duty_cycle << ' ' << tap.m_prev_duty_cycle << ' '
-             << tap.m_smallest_duty_cycle_min << ' ' << tap.m_largest_duty_cycle_max << ' '
-             << tap.m_delta_phase << ' ' << tap.m_score << tap.m_even << tap.m_bypass << ' '
+        text << tap.m_delta_phase << ' ' << tap.m_score << tap.m_even << tap.m_bypass << ' '
              << tap.m_count << ' ' << tap.m_high << ' ' << tap.m_low << ' ' << tap.m_max_count
              << ' ' << tap.m_initial << ' ' << tap.m_vco_tap << ' ' << tap.m_previous_tap << '\n';
+    }
+    for (const NEIGHBOURS& neighbours : result.m_neighbours) {
+        text << neighbours.m_next_phase << ' ' << neighbours.m_previous_phase << ' '
+             << neighbours.m_next_duty << ' ' << neighbours.m_previous_duty << ' '
+             << neighbours.m_smallest_duty << ' ' << neighbours.m_largest_duty << '\n';
     }
     result.m_best.dump(text, true, false);
     return text.str();
