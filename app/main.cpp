@@ -2,6 +2,9 @@
 
 #include "advice/why/miss.h"
 #include "app/command/command_line.h"
+#include "app/command/exit_status.h"
+#include "app/command/verify.h"
+#include "app/command/why.h"
 #include "app/devices/device.h"
 #include "app/devices/limit_sources.h"
 #include "app/devices/new_device.h"
@@ -25,16 +28,6 @@
 #include <vector>
 
 namespace {
-
-enum EXIT_STATUS
-{
-    STATUS_MET = 0,
-    STATUS_NOT_MET = 1,
-    STATUS_USAGE = 2,
-    STATUS_LINT_ERRORS = 3,
-    STATUS_IO_FAILED = 4,
-    STATUS_INTERNAL_ERROR = 5
-};
 
 // Messages quote words and names, which must not control a terminal.
 void write_error(const char* message)
@@ -149,7 +142,7 @@ EXIT_STATUS answer_on_real_device(const COMMAND_LINE& line, std::string* text)
         throw USAGE_ERROR("--device", "not together with limits by hand");
     }
     const ANSWER_FORM form = line.m_command == COMMAND::EXPORT     ? ANSWER_FORM::EXPORT
-                             : line.m_list_form == LIST_FORM::JSON ? ANSWER_FORM::JSON
+                             : line.m_list_form == LIST_FORM::JSON ? ANSWER_FORM::OBJECT
                              : line.m_is_summary                   ? ANSWER_FORM::SUMMARY
                                                                    : ANSWER_FORM::TEXT;
     return static_cast<EXIT_STATUS>(
@@ -170,10 +163,8 @@ EXIT_STATUS answer_request(const COMMAND_LINE& line, std::string* text)
     if (line.m_primitive.m_device) {
         return answer_on_real_device(line, text);
     }
-    if (line.m_list_form != LIST_FORM::TABLE) {
-        throw USAGE_ERROR("--format", "unknown option; of lists: ratios, devices, device, table, "
-                                      "limits, and of answers with --device; for one line see "
-                                      "--summary");
+    if (line.m_list_form == LIST_FORM::CSV) {
+        throw USAGE_ERROR("--format", "'csv' is not legal for one answer; expected table or json");
     }
     const std::unique_ptr<DEVICE> device = open_device(line.m_device);
     const REQUEST request = read_request(line.m_request, line.m_limits, device.get());
@@ -182,17 +173,23 @@ EXIT_STATUS answer_request(const COMMAND_LINE& line, std::string* text)
     const bool is_broken =
         std::any_of(judged.begin(), judged.end(),
                     [](const advice::JUDGED_LIMIT& limit) { return !limit.m_kept; });
-    if (is_broken && device != nullptr) {
+    const bool is_json = line.m_list_form == LIST_FORM::JSON;
+    if ((is_broken || is_json) && device != nullptr) {
         name_sources(*device, request.m_limits.get());
     }
     if (line.m_command == COMMAND::STEPS) {
         *text = report_steps(request, answer);
     } else if (line.m_command == COMMAND::DUMP) {
         *text = report_dump(request, answer, line.m_dump_form);
+    } else if (line.m_command == COMMAND::EXPLAIN) {
+        *text = explain(request, answer, line.m_device);
+    } else if (is_json) {
+        *text = write_json(request, answer, line.m_device);
     } else if (line.m_is_summary) {
         *text = report_summary(request, answer);
     } else {
-        *text = report_synthesis(request, answer) + note_unused_database(line.m_device);
+        *text = report_synthesis(request, answer) + note_unused_database(line.m_device) +
+                explain_shortly(request, answer, line.m_device);
     }
     return answer.is_met() ? STATUS_MET : STATUS_NOT_MET;
 }
@@ -254,10 +251,11 @@ EXIT_STATUS run_command(int count, const char* const* words, std::string* text)
     case COMMAND::LINT:
         return lint_database(line->m_lint, text);
     case COMMAND::VERIFY:
-        return static_cast<EXIT_STATUS>(verify_file(line->m_primitive, line->m_list_form, text));
+        return verify_any({line->m_primitive, line->m_device, line->m_list_form}, text);
     case COMMAND::EXPORT:
         return export_instance(*line, text);
     case COMMAND::SYNTH:
+    case COMMAND::EXPLAIN:
     case COMMAND::STEPS:
     case COMMAND::DUMP:
         break;

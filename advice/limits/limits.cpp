@@ -50,6 +50,17 @@ LIMITS::LIMITS() : m_prototype(std::make_unique<PROTOTYPE>())
 
 LIMITS::~LIMITS() = default;
 
+std::unique_ptr<LIMITS> LIMITS::copy() const
+{
+    auto limits = std::make_unique<LIMITS>();
+    *limits->m_prototype = *m_prototype;
+    limits->m_list = m_list;
+    limits->m_rules = m_rules;
+    limits->m_has_device = m_has_device;
+    limits->m_max_outputs = m_max_outputs;
+    return limits;
+}
+
 bool LIMITS::take_device(PLL_MANAGER* manager, const PLL_QUERY& query)
 {
     auto prototype = std::make_unique<PROTOTYPE>();

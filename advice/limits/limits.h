@@ -55,6 +55,9 @@ public:
     LIMITS(const LIMITS&) = delete;
     LIMITS& operator=(const LIMITS&) = delete;
 
+    // A copy that can be changed: of list, device and rules.
+    std::unique_ptr<LIMITS> copy() const;
+
     // Takes the limits of a device, combined with those that it must fit too. The manager must
     // outlive this. False, with nothing changed, when the query finds no part or memory is
     // exhausted.

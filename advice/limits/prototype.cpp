@@ -111,6 +111,17 @@ void take_post_scales(const std::vector<int>& legal, PLL* pll)
 
 LIMITS::PROTOTYPE::PROTOTYPE() : m_pll(0, PLL_MAX_TAPS) {}
 
+LIMITS::PROTOTYPE& LIMITS::PROTOTYPE::operator=(const PROTOTYPE& other)
+{
+    if (this != &other) {
+        m_pll = other.m_pll;
+        m_currents = other.m_currents;
+        m_resistors = other.m_resistors;
+        m_capacitors = other.m_capacitors;
+    }
+    return *this;
+}
+
 void LIMITS::PROTOTYPE::keep_components()
 {
     const PLL_IMPL& shared = *PLL::m_impl;

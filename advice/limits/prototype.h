@@ -14,6 +14,9 @@ namespace advice {
 struct LIMITS::PROTOTYPE
 {
     PROTOTYPE();
+    ~PROTOTYPE() = default;
+    PROTOTYPE(const PROTOTYPE&) = delete;
+    PROTOTYPE& operator=(const PROTOTYPE& other);
 
     void take_built_in();
     // False when the query finds nothing or memory is exhausted.

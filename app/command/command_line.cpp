@@ -84,9 +84,16 @@ const COMMAND_ENTRY COMMANDS[] = {
     {"synth", COMMAND::SYNTH, "the settings for a request, and what they achieve",
      "  pllcalc synth --in 27MHz --out 148.5MHz --out 74.25MHz,phase=90,duty=40 --out 49.5MHz\n"
      "  pllcalc synth --in 1001/37MHz --out ratio=11/2 --exact\n"
-     "  pllcalc synth --in 10ns --out 50MHz,delay=300 --bandwidth 1.2MHz --feedback 1\n",
+     "  pllcalc synth --in 10ns --out 50MHz,delay=300 --bandwidth 1.2MHz --feedback 1\n"
+     "  pllcalc synth --in 27MHz --out pix=148.5MHz --format json\n",
      "Computes the settings for a request and shows what they achieve.", true,
      DEVICE_OPTIONS::DEVICE, false},
+    {"explain", COMMAND::EXPLAIN, "why a request is not met, and what can be had instead",
+     "  pllcalc explain --in 25MHz --out 1kHz\n"
+     "  pllcalc explain --in 27MHz --out 148.5MHz --out 24.576MHz\n",
+     "Says why a request is not met: what ended, the smallest conflict, and the nearest requests "
+     "that\nare met, each with its command. Exit status as of synth.",
+     true, DEVICE_OPTIONS::DEVICE, false},
     {"steps", COMMAND::STEPS,
      "the legal phase steps and duty cycles around the answer to a request",
      "  pllcalc steps --in 100MHz --out 50MHz,phase=45 --out 25MHz,duty=30\n",
@@ -136,13 +143,18 @@ const COMMAND_ENTRY COMMANDS[] = {
      "Lists the error values and their texts.", false, DEVICE_OPTIONS::NONE, false},
     {"lint", COMMAND::LINT, "what is wrong with the files of a device database", LINT_EXAMPLES,
      "Looks for mistakes in the files of a device database.", false, DEVICE_OPTIONS::NONE, false},
-    {"verify", COMMAND::VERIFY,
-     "what the PLL primitives of a Verilog file do, and whether they may",
+    {"verify", COMMAND::VERIFY, "whether an answer in JSON or the PLLs of a Verilog file are right",
+     "  pllcalc synth --in 27MHz --out 148.5MHz --format json | pllcalc verify -\n"
      "  pllcalc verify top.v\n"
      "  pllcalc verify --input 25MHz --device ecp5 pll.v --format json\n",
-     "Recomputes the PLL primitives of a Verilog file and holds them against the limits of their\n"
-     "devices (exit status 1 when one is illegal, 2 when there is none).",
-     false, DEVICE_OPTIONS::NONE, true},
+     "Checks an answer that synth --format json wrote: the rules of the counters, every wish, "
+     "every\n"
+     "limit and every figure that it states. Or recomputes the PLL primitives of a Verilog file "
+     "and\n"
+     "holds them against the limits of their devices. Exit status: 0 clean, 1 something is "
+     "broken,\n"
+     "untrue or illegal, 2 no setting.",
+     false, DEVICE_OPTIONS::DEVICE, true},
     {"export", COMMAND::EXPORT, "the settings as an instance of the device's primitive",
      "  pllcalc export --as verilog --device ecp5 --in 25MHz --out pix=125MHz --out 250MHz\n"
      "  pllcalc export --as vhdl --device gw1nr-9c --in 27MHz --out 126MHz --module clocks\n"
@@ -486,7 +498,8 @@ bool parse(const COMMAND_ENTRY& entry, int count, const char* const* words, COMM
         require_lint_path(line->m_lint);
     }
     if (entry.m_command == COMMAND::VERIFY && !line->m_primitive.m_file) {
-        throw USAGE_ERROR("FILE", "missing; a Verilog file, or - for the standard input");
+        throw USAGE_ERROR("FILE", "missing; an answer in JSON or a Verilog file, or - for the "
+                                  "standard input");
     }
     return true;
 }

@@ -14,6 +14,7 @@
 enum class COMMAND
 {
     SYNTH,
+    EXPLAIN,
     STEPS,
     DUMP,
     RATIOS,

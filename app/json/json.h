@@ -1,6 +1,9 @@
 // JSON documents of the program. Keys keep the order in which they are written.
 #pragma once
 
+// Its LIST_FORM::JSON must stand before the name here, which would else shadow it.
+#include "app/output/record_list.h"
+
 #include <nlohmann/json.hpp>
 
 #include <string>

@@ -4,7 +4,6 @@
 #include "advice/sheets/catalog.h"
 #include "app/output/characters.h"
 #include "app/output/input_error.h"
-#include "app/output/input_file.h"
 #include "app/output/text_table.h"
 #include "app/primitive/device_report.h"
 #include "app/primitive/export.h"
@@ -13,9 +12,6 @@
 #include "app/words/usage_error.h"
 
 #include <cstdio>
-#include <fstream>
-#include <iostream>
-#include <iterator>
 
 namespace {
 
@@ -49,18 +45,6 @@ std::optional<advice::DEVICE_CHOICE> choose_device(const SHEET_CATALOG& catalog,
         throw USAGE_ERROR("--device", problem);
     }
     return choice;
-}
-
-std::string read_all(const std::string& file)
-{
-    if (file == STANDARD_INPUT) {
-        return {std::istreambuf_iterator<char>(std::cin), std::istreambuf_iterator<char>()};
-    }
-    if (const std::optional<std::string> reason = why_unreadable(file)) {
-        throw INPUT_ERROR("cannot read " + file + ": " + *reason);
-    }
-    std::ifstream stream(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
 }
 
 RATIONAL in_megahertz(const RATIONAL& hertz)
@@ -167,7 +151,8 @@ std::string range_of(const SHEET& sheet, FIGURE_KIND kind)
 
 }  // namespace
 
-int verify_file(const PRIMITIVE_WORDS& words, LIST_FORM form, std::string* text)
+int verify_description(const PRIMITIVE_WORDS& words, const std::string& description, LIST_FORM form,
+                       std::string* text)
 {
     const SHEET_CATALOG catalog = open_catalog();
     advice::VERIFY_OPTIONS options;
@@ -176,8 +161,7 @@ int verify_file(const PRIMITIVE_WORDS& words, LIST_FORM form, std::string* text)
         options.m_input = in_megahertz(read_clock("--input", *words.m_input).m_frequency);
     }
     const std::string file = words.m_file.value_or(STANDARD_INPUT);
-    const advice::VERILOG_VERDICT verdict =
-        advice::verify_verilog(read_all(file), catalog, options);
+    const advice::VERILOG_VERDICT verdict = advice::verify_verilog(description, catalog, options);
     const int status = status_of(verdict);
     if (form == LIST_FORM::JSON) {
         *text = write_json_verilog(verdict, status);
@@ -211,7 +195,7 @@ int answer_for_real_device(const PRIMITIVE_WORDS& words, const REQUEST_WORDS& re
     case ANSWER_FORM::SUMMARY:
         *text = summarise_device_answer(request, answer);
         break;
-    case ANSWER_FORM::JSON:
+    case ANSWER_FORM::OBJECT:
         *text = write_json_device_answer(request, answer, status);
         break;
     case ANSWER_FORM::EXPORT:

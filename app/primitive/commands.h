@@ -10,14 +10,15 @@
 // All receive their text in `text` and return the exit status. They throw a USAGE_ERROR for words
 // that they do not understand, an INPUT_ERROR for files that cannot be read.
 
-// verify FILE|-: the primitives of a hardware description.
-int verify_file(const PRIMITIVE_WORDS& words, LIST_FORM form, std::string* text);
+// verify FILE|-: the primitives of `description`, the text of the file.
+int verify_description(const PRIMITIVE_WORDS& words, const std::string& description, LIST_FORM form,
+                       std::string* text);
 
 enum class ANSWER_FORM
 {
     TEXT,
     SUMMARY,
-    JSON,
+    OBJECT,
     EXPORT  // the instance of its primitive; nothing when there is no setting
 };
 

@@ -24,11 +24,12 @@ const char* const WIDE_REQUESTS[] = {
     "--in 100MHz --out 50MHz --spread 0.1%",
 };
 
-// All but the texts of the library, which are quoted as they are.
+// All but the texts of the library, which are quoted as they are, and offered commands, which stay
+// on one line.
 void expect_width(const std::string& output)
 {
     for (const std::string& line : split(output, '\n')) {
-        const bool is_quoted = line.rfind("error ", 0) == 0;
+        const bool is_quoted = line.rfind("error ", 0) == 0 || line.rfind("  pllcalc ", 0) == 0;
         EXPECT_TRUE(is_quoted || line.size() <= TABLE_WIDTH) << line;
         EXPECT_TRUE(line.empty() || line.back() != ' ') << '"' << line << '"';
     }

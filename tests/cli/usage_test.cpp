@@ -15,8 +15,8 @@ struct USAGE_CASE
 // clang-format off
 constexpr USAGE_CASE USAGE_CASES[] = {
     // words                                            message
-    {"",                                                "command: missing; legal are synth, steps, dump, ratios, devices, device, table, limits, new-device, errors, lint, verify, export"},
-    {"sinth",                                           "sinth: unknown command; legal are synth, steps, dump, ratios, devices, device, table, limits, new-device, errors, lint, verify, export; did you mean synth?"},
+    {"",                                                "command: missing; legal are synth, explain, steps, dump, ratios, devices, device, table, limits, new-device, errors, lint, verify, export"},
+    {"sinth",                                           "sinth: unknown command; legal are synth, explain, steps, dump, ratios, devices, device, table, limits, new-device, errors, lint, verify, export; did you mean synth?"},
     {"ratio --in 5MHz",                                 "did you mean ratios?"},
     {"--hepl",                                          "--hepl: unknown option"},
     {"--hepl",                                          "did you mean --help?"},
@@ -40,7 +40,7 @@ constexpr USAGE_CASE USAGE_CASES[] = {
     {"-i 27 -o 5mHz",                                   "--out 1: '5mHz' is in millihertz; did you mean MHz"},
     {"-i 27 -o 5 --phase 90",                           "--phase: unknown option; a phase stands with its output: --out 100MHz,phase=90"},
     {"-i 27 -o 5 --duty 40",                            "--duty: unknown option; a duty cycle stands with its output: --out 100MHz,duty=40"},
-    {"-i 27 -o 5 --format json",                        "--format: unknown option; of lists: ratios, devices"},
+    {"-i 27 -o 5 --format csv",                         "--format: 'csv' is not legal for one answer; expected table or json"},
     {"help sinth",                                      "sinth: unknown command; legal are"},
     {"-i 27 -o phas=90",                                "unknown word 'phas=90'"},
     {"-i 27 -o a=5 -o a=6",                             "--out 2: the name 'a' is that of output 1"},
