@@ -4,7 +4,8 @@
 //
 // Settings are ranked as docs/search.md ranks them: met wishes first, then the sum of the errors
 // (or, on wish, the largest), then what phases and duty cycles miss, then the smaller N, M up to
-// 40, and the faster VCO.
+// 40, and the
+// faster VCO, with a bonus for an even M.
 #pragma once
 
 #include "advice/primitive/judge.h"

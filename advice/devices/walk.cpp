@@ -17,6 +17,8 @@ constexpr double COST_OF_NEARLY_MET = 8192.0;
 constexpr double COST_OF_DUTY = 0.01;
 constexpr double EXACT = 1e-13;  // what doubles may be wrong by
 constexpr double SMALL_M = 40.0;
+constexpr double EVEN_M_BONUS = 200.0;  // ps
+constexpr double PS_MHZ = 1e6;
 
 // Walks all settings of one plan.
 class WALK
@@ -239,8 +241,16 @@ private:
         rank.m_order = m_plan.m_order;
         rank.m_n = m_n.to_double();
         rank.m_has_large_m = SMALL_M < m_loop.to_double();
-        rank.m_vco_period = 1.0 / m_vco.to_double();
+        rank.m_has_even_m = (m_loop / RATIONAL(2)).is_integer();
+        rank.m_vco_period = PS_MHZ / m_vco.to_double();
         rank_frequencies(&rank);
+        if (rank.m_error > 0.0) {
+            // Of settings that miss alike the library takes the one with the smallest M.
+            rank.m_n = m_loop.to_double();
+            rank.m_has_large_m = false;
+            rank.m_has_even_m = false;
+            rank.m_vco_period = m_n.to_double();
+        }
         // What phases and duty cycles add can only make it worse.
         if (*m_best_rank < rank) {
             return;
@@ -371,7 +381,10 @@ bool RANK::operator<(const RANK& other) const
     if (m_has_large_m != other.m_has_large_m) {
         return other.m_has_large_m;
     }
-    return m_vco_period < other.m_vco_period;
+    const double bonus = m_has_even_m == other.m_has_even_m ? 0.0
+                         : m_has_even_m                     ? EVEN_M_BONUS
+                                                            : -EVEN_M_BONUS;
+    return m_vco_period < other.m_vco_period + bonus;
 }
 
 void walk_plan(const DEVICE_REQUEST& request, const PLAN& plan, DEVICE_ANSWER* best, RANK* rank)

@@ -18,7 +18,8 @@ struct RANK
     int m_order = 0;
     double m_n = 0.0;
     bool m_has_large_m = false;
-    double m_vco_period = 0.0;
+    bool m_has_even_m = false;  // worth EVEN_M_BONUS
+    double m_vco_period = 0.0;  // ps
 
     bool operator<(const RANK& other) const;
 };

@@ -66,9 +66,10 @@ std::string verilog_ports(const HDL_MODULE& hdl, const std::string& type)
     for (std::size_t i = 0; i < hdl.m_ports.size(); ++i) {
         const HDL_MODULE_PORT& port = hdl.m_ports[i];
         const bool is_last = i + 1 == hdl.m_ports.size();
-        text += INDENT + std::string(port.m_is_output ? "output " : "input  ") + type + " " +
-                port.m_name + (is_last ? "" : ",") +
-                (port.m_comment.empty() ? "" : "  // " + port.m_comment) + (is_last ? "" : "\n");
+        text.append(INDENT).append(port.m_is_output ? "output " : "input  ").append(type);
+        text.append(" ").append(port.m_name).append(is_last ? "" : ",");
+        text.append(port.m_comment.empty() ? "" : "  // ").append(port.m_comment);
+        text.append(is_last ? "" : "\n");
     }
     return text;
 }
@@ -202,9 +203,11 @@ std::string vhdl_ports(const HDL_MODULE& hdl)
     for (std::size_t i = 0; i < hdl.m_ports.size(); ++i) {
         const HDL_MODULE_PORT& port = hdl.m_ports[i];
         const bool is_last = i + 1 == hdl.m_ports.size();
-        text += DEEP_INDENT + port.m_name +
-                (port.m_is_output ? " : out std_logic" : " : in std_logic") + (is_last ? "" : ";") +
-                (port.m_comment.empty() ? "" : "  -- " + port.m_comment) + (is_last ? "" : "\n");
+        text.append(DEEP_INDENT).append(port.m_name);
+        text.append(port.m_is_output ? " : out std_logic" : " : in std_logic");
+        text.append(is_last ? "" : ";");
+        text.append(port.m_comment.empty() ? "" : "  -- ").append(port.m_comment);
+        text.append(is_last ? "" : "\n");
     }
     return text;
 }
@@ -218,9 +221,8 @@ void add_vhdl_declarations(const HDL_MODULE& hdl, TEMPLATE_FIELDS* fields)
     }
     std::vector<std::string> ports;
     for (const HDL_PORT& port : hdl.m_connections) {
-        const bool needs_default = !port.m_is_output;
         ports.push_back(std::string(DEEP_INDENT) + INDENT + port.m_name +
-                        (needs_default ? " : in " : " : out ") + vhdl_type(port));
+                        (port.m_is_output ? " : out " : " : in ") + vhdl_type(port));
     }
     std::vector<std::string> signals;
     for (const std::string& signal : hdl.m_signals) {

@@ -111,7 +111,7 @@ private:
         }
         ++m_depth;
         std::size_t at = constant->second;
-        const VERILOG_VALUE value = evaluate_at(&at);
+        VERILOG_VALUE value = evaluate_at(&at);
         --m_depth;
         m_values[word] = value;
         return value;

@@ -107,6 +107,18 @@ LEGALITY legality_of(const std::vector<JUDGED_FIGURE>& figures)
     return legality;
 }
 
+// The figures that a device refuses, with its name.
+void add_refusals(const CANDIDATE_DEVICE& device, const std::vector<JUDGED_FIGURE>& figures,
+                  std::vector<JUDGED_FIGURE>* list)
+{
+    for (const JUDGED_FIGURE& figure : figures) {
+        if (!figure.m_kept) {
+            list->push_back(figure);
+            list->back().m_device = device.m_sheet->m_name + ":" + device.m_grade;
+        }
+    }
+}
+
 }  // namespace
 
 std::vector<JUDGED_FIGURE> judge_for(const PRIMITIVE_SETTING& setting,
@@ -139,36 +151,27 @@ bool JUDGED_FIGURE::depends() const
     return !m_kept && sources_differ();
 }
 
-// The first device tells its figures unless a later one decides otherwise: what refuses there is
-// then told too.
+// The first device tells its figures; where a later one decides otherwise, what refuses there is
+// told too.
 void judge(JUDGED_INSTANCE* instance)
 {
-    bool is_first = true;
     const bool is_complete = instance->m_setting.m_input && instance->m_setting.m_problem.empty();
-    for (const CANDIDATE_DEVICE& device : instance->m_devices) {
+    for (std::size_t i = 0; i < instance->m_devices.size(); ++i) {
+        const CANDIDATE_DEVICE& device = instance->m_devices[i];
         std::vector<JUDGED_FIGURE> figures = judge_for(instance->m_setting, device);
         LEGALITY legality = legality_of(figures);
         if (legality == LEGALITY::LEGAL && !is_complete) {
             legality = LEGALITY::DEPENDS;
         }
-        if (is_first) {
+        if (i == 0) {
             instance->m_legality = legality;
             instance->m_figures = std::move(figures);
-            is_first = false;
-            continue;
-        }
-        if (legality == instance->m_legality) {
-            continue;
-        }
-        if (instance->m_legality == LEGALITY::LEGAL) {
-            for (JUDGED_FIGURE& figure : figures) {
-                if (!figure.m_kept) {
-                    figure.m_device = device.m_sheet->m_name + ":" + device.m_grade;
-                    instance->m_figures.push_back(std::move(figure));
-                }
+        } else if (legality != instance->m_legality) {
+            if (instance->m_legality == LEGALITY::LEGAL) {
+                add_refusals(device, figures, &instance->m_figures);
             }
+            instance->m_legality = LEGALITY::DEPENDS;
         }
-        instance->m_legality = LEGALITY::DEPENDS;
     }
 }
 

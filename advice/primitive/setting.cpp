@@ -100,8 +100,8 @@ private:
         if (m_parameters.is_written(PARAMETER_ROLE::PERIOD_NS, "")) {
             const std::optional<RATIONAL> period =
                 m_parameters.number_of(PARAMETER_ROLE::PERIOD_NS, "");
-            return period && period->is_positive() ? std::optional(rounded_period(*period))
-                                                   : std::nullopt;
+            const bool is_period = period && (RATIONAL(KILO) / *period).is_positive();
+            return is_period ? std::optional(rounded_period(*period)) : std::nullopt;
         }
         const auto attribute = m_instance.m_attributes.find(m_sheet.m_input_attribute);
         return attribute == m_instance.m_attributes.end() ? std::nullopt
@@ -111,7 +111,7 @@ private:
     RATIONAL rounded_period(const RATIONAL& period)
     {
         const RATIONAL frequency = frequency_of_period(period);
-        if (!(frequency * period == RATIONAL(KILO))) {
+        if (frequency.is_valid() && !(frequency * period == RATIONAL(KILO))) {
             note(m_parameters.line_of(PARAMETER_ROLE::PERIOD_NS, ""),
                  "the period of " + period.to_decimal(MAX_DECIMALS) + " ns is taken for " +
                      frequency.to_decimal(MAX_DECIMALS) + " MHz");

@@ -40,7 +40,7 @@ std::optional<advice::DEVICE_CHOICE> choose_device(const SHEET_CATALOG& catalog,
         return std::nullopt;
     }
     std::string problem;
-    const auto choice = catalog.choose(*words.m_device, &problem);
+    auto choice = catalog.choose(*words.m_device, &problem);
     if (!choice) {
         throw USAGE_ERROR("--device", problem);
     }

@@ -126,7 +126,7 @@ HDL_MODULE make_generic_hdl(const advice::REQUEST& request, const advice::ANSWER
 
 std::string name_of_module(const PRIMITIVE_WORDS& words)
 {
-    const std::string name = words.m_module.value_or("pll_clocks");
+    std::string name = words.m_module.value_or("pll_clocks");
     if (advice::to_identifier(name, "") != name) {
         throw USAGE_ERROR("--module", "'" + name +
                                           "' is no name of a module: letters, digits and "

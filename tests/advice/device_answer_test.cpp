@@ -1,6 +1,9 @@
 // Exact answers for real devices: every wish that people had of their settings is answered as well
 // as it can be, and what is answered keeps every limit.
+#include "advice/answer/answer.h"
 #include "advice/devices/device_answer.h"
+
+#include "pll_manager.h"
 
 #include <nlohmann/json.hpp>
 
@@ -261,6 +264,47 @@ TEST(DeviceAnswer, IsThatOfThePlainSearch)
         EXPECT_NEAR(plain_error(*request.m_device.m_sheet, "-1", input, wanted / 1000.0) * 1e6,
                     worst_ppm(answer_for_device(request)), 1e-6);
     }
+}
+
+// The library's own answer, within its whole picoseconds.
+TEST(DeviceAnswer, IsTheLibrarysWhereThatIsLegal)
+{
+    PLL_MANAGER manager;
+    ASSERT_TRUE(manager.read(PLL_DATA_DIR "/devices"));
+    PLL_QUERY query;
+    query.m_family = "xc7-plle2";
+    query.m_type = PLL_TYPE_ENUM::ENHANCED_PLL;
+    query.m_part = "xc7-plle2-1";
+    query.m_speed_grade = "-1";
+    LIMITS limits;
+    ASSERT_TRUE(limits.take_device(&manager, query));
+    std::mt19937 random(11);
+    int compared = 0;
+    int same = 0;
+    for (int i = 0; i < 200; ++i) {
+        // Clocks that some VCO of 800 MHz and more can make.
+        const int input = std::uniform_int_distribution<int>(20, 200)(random);
+        const int vco = (800 + input) / input * input;
+        const int first = std::uniform_int_distribution<int>(2, 40)(random);
+        const int second = std::uniform_int_distribution<int>(2, 40)(random);
+        const DEVICE_REQUEST request =
+            make_request("xc7-plle2:-1", std::to_string(input).c_str(),
+                         {std::to_string(vco) + "/" + std::to_string(first),
+                          std::to_string(vco) + "/" + std::to_string(second)});
+        const ANSWER library(request.m_request, limits, EFFORT::FIRST_ANSWER_ONLY);
+        const DEVICE_ANSWER ours = answer_for_device(request);
+        if (!library.is_met() || !ours.m_met) {
+            EXPECT_FALSE(library.is_met() && !ours.m_met) << input << " " << first << " " << second;
+            continue;
+        }
+        ++compared;
+        same += RATIONAL(library.get_pll().m_n.m_count) == ours.m_n &&
+                        RATIONAL(library.get_pll().m_m.m_count) == ours.m_m
+                    ? 1
+                    : 0;
+    }
+    EXPECT_GT(compared, 20);
+    EXPECT_EQ(compared, same);
 }
 
 }  // namespace

@@ -80,4 +80,6 @@ run "without the development link" "$work/by_compiler"
 # The program, if it was built, finds the library of its own tree.
 if [[ -f $build/app/pllcalc ]]; then
     step env -u LD_LIBRARY_PATH "$moved/bin/pllcalc" --help
+    # The real devices and the templates are found beside it.
+    step env -u LD_LIBRARY_PATH "$moved/bin/pllcalc" export --device ecp5 --in 25MHz --out 125MHz
 fi
