@@ -1,4 +1,7 @@
 // Text helpers for NUL-terminated texts, independent of the locale.
+//
+// Names in a device database are compared with these on every machine alike: the functions of C ask
+// the locale of the host, under which "i" and "I" may differ. None of them takes memory.
 #pragma once
 
 #include "pll_export.h"
@@ -9,7 +12,7 @@
 PLL_API std::size_t gen_strlen(const char* text);
 
 // Copies `source` with its NUL to `destination`, which must have room for it. Returns
-// `destination`; nothing is copied when either is null.
+// `destination`; nothing is copied when either is null. The two texts may overlap.
 PLL_API char* gen_strcpy(char* destination, const char* source);
 
 // Appends `source` to the text in `destination`, which must have room for both. Returns

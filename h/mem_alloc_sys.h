@@ -21,9 +21,14 @@ public:
     explicit MEM_TRACKER(const char* file = nullptr, int line = 0) : m_file(file), m_line(line) {}
 
     const char* m_file;
-    int m_line;
+    int m_line;  // 0: unknown
 };
 
+// The heap and its accounts. Everything is static: there is one heap to a process, and one thread
+// that uses it.
+//
+// A host that looks for leaks compares the accounts before and after; one that must not use the
+// heap of C, or wants to see what happens when there is none left, brings its own by set_heap.
 class PLL_API MEM_MANAGER
 {
 public:
@@ -51,7 +56,9 @@ public:
     static bool set_heap(ALLOCATE allocate, RELEASE release);
 };
 
-// Sets the accounts of a library up; one object per library, before its first allocation.
+// Sets the accounts of a library up; one object per library, before its first allocation. An
+// account that exists cannot fail for want of memory later, so the library's own are opened when it
+// is loaded.
 class PLL_API MEM_INITIALIZER
 {
 public:
@@ -78,6 +85,8 @@ public:
     {
     }
 
+    // Room for `count` objects, zeroed and not constructed. A size that no address can hold is
+    // refused like one that there is no memory for.
     T* allocate(std::size_t count)
     {
         if (count > std::numeric_limits<std::size_t>::max() / sizeof(T)) {
@@ -90,23 +99,27 @@ public:
         return static_cast<T*>(block);
     }
 
+    // Gives a block back to the heap, whatever account it is on.
     void deallocate(T* block, std::size_t) noexcept
     {
         MEM_MANAGER::delete_wrapper(block, m_source);
     }
 
+    // The account that containers of this allocator are booked on; copies of a container share it.
     const char* get_source() const noexcept { return m_source; }
 
 private:
     const char* m_source;
 };
 
+// All blocks come from one heap, so any allocator can release what another one gave.
 template <class T, class U>
 bool operator==(const MEM_ALLOCATOR<T>&, const MEM_ALLOCATOR<U>&) noexcept
 {
     return true;
 }
 
+// The containers of the interface.
 template <class T>
 using MEM_VECTOR = std::vector<T, MEM_ALLOCATOR<T>>;
 using MEM_STRING = std::basic_string<char, std::char_traits<char>, MEM_ALLOCATOR<char>>;

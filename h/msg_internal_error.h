@@ -3,6 +3,14 @@
 
 #include "pll_export.h"
 
+//
+// A promise can be broken by the library itself, or by a host that sets a member to what it cannot
+// be. The operation that finds it goes on with something harmless, so a report is all that shows
+// it: tests install a handler that fails, hosts one that logs.
+//
+//   MSG_INTERNAL_ERROR::set_handler(log_to_file, &file);
+//
+// One handler serves the whole process. Single-threaded, like the whole library.
 class PLL_API MSG_INTERNAL_ERROR
 {
 public:
@@ -11,7 +19,9 @@ public:
     typedef void (*HANDLER)(const char* condition, const char* component, const char* source,
                             int line, void* context);
 
-    // Passes the four items to the host's handler and returns to the caller.
+    // Passes the four items to the host's handler and returns to the caller. `condition` is what
+    // did not hold, word for word; `component` is "PLL"; `source` the area, such as "pll_util";
+    // `line` where in its sources, which changes from version to version.
     static void report(const char* condition, const char* component, const char* source, int line);
 
     // Installs the host's handler; a null handler restores the default, which writes nothing

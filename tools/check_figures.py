@@ -25,10 +25,10 @@ KINDS = (
 
 # Folders that are still below that: their share may only grow, and then leaves this table.
 GROWING = {
-    ("public headers", "h"): 0.28,
-    ("public headers", "include"): 0.41,
+    ("public headers", "h"): 0.41,
     ("private headers", "pll/database"): 0.15,
     ("private headers", "pll/database/watch"): 0.25,
+    ("private headers", "pll/platform"): 0.28,
     ("private headers", "pll/search"): 0.24,
     ("private headers", "pll/shortcuts"): 0.23,
     ("sources", "pll/database"): 0.05,
