@@ -21,9 +21,16 @@ struct SECTION
 };
 
 constexpr SECTION SECTIONS[] = {
-    {"grid", measure_grid},          {"calls", measure_calls},   {"worst", measure_worst_requests},
-    {"crowds", measure_crowds},      {"tables", measure_tables}, {"ratios", measure_ratios},
-    {"wide", measure_wide_counters}, {"files", measure_files},   {"processes", measure_processes},
+    {"grid", measure_grid},
+    {"calls", measure_calls},
+    {"worst", measure_worst_requests},
+    {"crowds", measure_crowds},
+    {"tables", measure_tables},
+    {"ratios", measure_ratios},
+    {"wide", measure_wide_counters},
+    {"corners", measure_corners},
+    {"files", measure_files},
+    {"processes", measure_processes},
 };
 
 bool is_section(std::string_view word)

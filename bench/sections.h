@@ -26,6 +26,9 @@ void measure_ratios(TARGET_TABLE* table);
 // Counters that count to a million.
 void measure_wide_counters(TARGET_TABLE* table);
 
+// Requests that are slow for one reason each.
+void measure_corners(TARGET_TABLE* table);
+
 // Reading family files.
 void measure_files(TARGET_TABLE* table);
 

@@ -22,7 +22,6 @@ using namespace pll_internal;
 namespace {
 
 constexpr double HERTZ_PER_INVERSE_PICOSECOND = 1e12;
-constexpr double NO_ROW_COST = 2147483647.0;
 constexpr double PFD_RULE_PENALTY = 8388608.0;
 constexpr double PRESET_PENALTY = 131072.0;
 
@@ -50,8 +49,13 @@ double preset_miss(double bandwidth, double preset)
     return PRESET_PENALTY + pll_get_bandwidth_diff_cost(bandwidth, preset);
 }
 
-double wish_penalty(const PLL& pll, const PLL_PROP& request, double bandwidth)
+}  // namespace
+
+namespace pll_internal {
+
+double row_wish_penalty(const PLL& pll, const PLL_PROP& request, const PLL_BANDWIDTH_SETTING& row)
 {
+    const double bandwidth = row.m_typical_bandwidth;
     switch (request.m_bandwidth_type) {
     case PLL_BANDWIDTH_HIGH:
         return bandwidth < pll.m_high_bandwidth ? preset_miss(bandwidth, pll.m_high_bandwidth)
@@ -74,6 +78,23 @@ double wish_penalty(const PLL& pll, const PLL_PROP& request, double bandwidth)
     }
 }
 
+const PLL_BANDWIDTH_SETTING_GROUP* find_row_group(const PLL& pll, int effective_m)
+{
+    if (!pll.m_info.has_info()) {
+        return nullptr;
+    }
+    const PLL_BASIC_INFO& info = *pll.m_info.m_basic_info;
+    if (effective_m < 0 || effective_m >= info.m_bandwidth_settings_table_size ||
+        info.m_bandwidth_settings_table == nullptr) {
+        return nullptr;
+    }
+    return &info.m_bandwidth_settings_table[effective_m];
+}
+
+}  // namespace pll_internal
+
+namespace {
+
 PLL_ROW_CHOICE cost_row(const PLL& pll, const PLL_PROP& request, const PFD_BANDWIDTH_LIMITS& limits,
                         const PLL_BANDWIDTH_SETTING& row)
 {
@@ -88,22 +109,8 @@ PLL_ROW_CHOICE cost_row(const PLL& pll, const PLL_PROP& request, const PFD_BANDW
         choice.m_cost += PFD_RULE_PENALTY;
         choice.m_cost += pll_get_bandwidth_diff_cost(fast, limits.m_second);
     }
-    choice.m_cost += wish_penalty(pll, request, row.m_typical_bandwidth);
+    choice.m_cost += row_wish_penalty(pll, request, row);
     return choice;
-}
-
-// The rows of an effective M; null when there are none.
-const PLL_BANDWIDTH_SETTING_GROUP* find_group(const PLL& pll, int effective_m)
-{
-    if (!pll.m_info.has_info()) {
-        return nullptr;
-    }
-    const PLL_BASIC_INFO& info = *pll.m_info.m_basic_info;
-    if (effective_m < 0 || effective_m >= info.m_bandwidth_settings_table_size ||
-        info.m_bandwidth_settings_table == nullptr) {
-        return nullptr;
-    }
-    return &info.m_bandwidth_settings_table[effective_m];
 }
 
 // Adds to `walked` how many rows were looked at.
@@ -172,7 +179,7 @@ int cost_rows(const PLL& pll, const PLL_PROP& request, const PLL_BANDWIDTH_SETTI
         cost.m_row = row;
         cost.m_cost = cost_row(pll, request, limits, *row).m_cost;
         cost.m_pfd_cost = cost_row(pll, without_wish, limits, *row).m_cost;
-        cost.m_wish_cost = wish_penalty(pll, request, row->m_typical_bandwidth);
+        cost.m_wish_cost = row_wish_penalty(pll, request, *row);
         cost.m_is_looked_at = is_open;
         is_open = is_open && !(cost.m_cost <= DBL_EPSILON);
         write(count++, cost);
@@ -189,7 +196,7 @@ bool PLL::synthesize_best_bandwidth_using_table(PLL* pll, const PLL_PROP& reques
         return false;
     }
     const int effective_m = effective_feedback_division(*pll);
-    const PLL_BANDWIDTH_SETTING_GROUP* group = find_group(*pll, effective_m);
+    const PLL_BANDWIDTH_SETTING_GROUP* group = find_row_group(*pll, effective_m);
     PLL_ROW_CHOICE choice = NO_ROW;
     if (group != nullptr) {
         int walked = 0;
@@ -203,7 +210,7 @@ namespace pll_internal {
 bool PLL_BANDWIDTH_CHOOSER::choose(PLL* candidate)
 {
     const int effective_m = effective_feedback_division(*candidate);
-    const PLL_BANDWIDTH_SETTING_GROUP* group = find_group(*candidate, effective_m);
+    const PLL_BANDWIDTH_SETTING_GROUP* group = find_row_group(*candidate, effective_m);
     return take_choice(group == nullptr ? NO_ROW : choose_row(*candidate, *group), effective_m,
                        candidate);
 }
@@ -244,9 +251,8 @@ void PLL_BANDWIDTH_CHOOSER::sort_rows(const PLL& candidate)
     int place = 0;
     for (const PLL_BANDWIDTH_SETTING* row : m_group->m_settings) {
         if (row != nullptr &&
-            !insert_row(
-                row->m_fast_bandwidth,
-                {row, place, wish_penalty(candidate, m_request, row->m_typical_bandwidth)})) {
+            !insert_row(row->m_fast_bandwidth,
+                        {row, place, row_wish_penalty(candidate, m_request, *row)})) {
             m_row_count = 0;
             return;
         }
@@ -291,7 +297,8 @@ bool PLL_BANDWIDTH_CHOOSER::is_better(const ROW_COST& a, const ROW_COST& b)
 int pll_get_row_costs(const PLL& pll, const PLL_PROP& request, PLL_ROW_COST* rows, int most)
 {
     const HOST_STATE state;
-    const PLL_BANDWIDTH_SETTING_GROUP* group = find_group(pll, effective_feedback_division(pll));
+    const PLL_BANDWIDTH_SETTING_GROUP* group =
+        find_row_group(pll, effective_feedback_division(pll));
     if (group == nullptr) {
         return 0;
     }

@@ -13,6 +13,16 @@
 
 namespace pll_internal {
 
+// What a candidate without a row costs, more than with any.
+inline constexpr double NO_ROW_COST = 2147483647.0;
+
+// The rows of an effective M; null when there are none.
+const PLL_BANDWIDTH_SETTING_GROUP* find_row_group(const PLL& pll, int effective_m);
+
+// What a row costs whatever the PFD allows: its typical bandwidth beside the one asked for. Reports
+// an unknown type of the request.
+double row_wish_penalty(const PLL& pll, const PLL_PROP& request, const PLL_BANDWIDTH_SETTING& row);
+
 struct PLL_ROW_CHOICE
 {
     const PLL_BANDWIDTH_SETTING* m_row;  // null: none

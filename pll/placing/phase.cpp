@@ -10,6 +10,7 @@
 
 #include "loop/taps.h"
 #include "loop/vco_phase.h"
+#include "placing/phase_steps.h"
 #include "placing/placement.h"
 #include "platform/arith.h"
 #include "platform/host_state.h"
@@ -22,8 +23,7 @@ using namespace pll_internal;
 namespace {
 
 constexpr const char* SOURCE = "pll";
-constexpr double FULL_TURN = 360.0;    // degrees
-constexpr double SAME_PHASE = 0.0001;  // degrees; closer phases are one
+constexpr double FULL_TURN = 360.0;  // degrees
 // More counters than any device feeds into each other; a host can close a circle of them.
 constexpr int MAX_CASCADE_STEPS = 10;
 
@@ -34,11 +34,6 @@ double smaller(double a, double b)
 }
 
 // The reference was moved by the largest advance that is wanted. Rounding may leave a trace of one.
-double at_least_zero(double value)
-{
-    return value < 0.0 ? 0.0 : value;
-}
-
 // What the feedback output divides by; 1 for feedback from the M counter.
 int feedback_count(const PLL& pll)
 {
@@ -49,14 +44,6 @@ int feedback_count(const PLL& pll)
           "pll->m_feedback_tap < pll->m_user_taps_count", SOURCE);
     const PLL_OUTPUT_TAP& tap = pll.m_taps[nearest_index(pll.m_feedback_tap, PLL_MAX_TAPS)];
     return tap.m_bypass ? 1 : wrap_add(tap.m_high, tap.m_low);
-}
-
-double vco_degrees(const PHASE_FRAME& frame, double phase)
-{
-    if (phase == 0.0 && frame.m_ordinary) {
-        return phase;  // spares the division
-    }
-    return frame.m_m * phase / frame.m_n;
 }
 
 double smallest_phase(const PLL_PROP& request, const PHASE_FRAME& frame)
@@ -70,32 +57,38 @@ double smallest_phase(const PLL_PROP& request, const PHASE_FRAME& frame)
     return smallest;
 }
 
+// Where the feedback path starts when it is delayed by `delay` VCO degrees.
+TAP_AND_START place_feedback(double delay, const PLL_COUNTER_M& counter, int m, bool through_output)
+{
+    const int max_start = m == 1 ? 1 : counter.m_max_count;
+    TAP_AND_START place = nearest_tap_and_start(delay, max_start);
+    // A tap that the counter cannot take becomes the first tap of the next period, if there is one.
+    if (!through_output && place.m_vco_tap > counter.m_max_vco_tap) {
+        place.m_vco_tap = 0;
+        if (place.m_start < max_start) {
+            place.m_start = wrap_add(place.m_start, 1);
+        }
+    }
+    return place;
+}
+
 // Delays the feedback path by `delay` VCO degrees and returns the reference that results.
 int delay_feedback(double delay, int m, PLL* pll)
 {
-    PLL_COUNTER_M& counter = pll->m_m;
-    const int max_start = m == 1 ? 1 : counter.m_max_count;
-    const TAP_AND_START nearest = nearest_tap_and_start(delay, max_start);
-    counter.m_vco_tap = nearest.m_vco_tap;
-    counter.m_initial = nearest.m_start;
-    // A tap that the counter cannot take becomes the first tap of the next period, if there is one.
-    if (pll->m_feedback_tap < 0 && counter.m_vco_tap > counter.m_max_vco_tap) {
-        counter.m_vco_tap = 0;
-        if (counter.m_initial < max_start) {
-            counter.m_initial = wrap_add(counter.m_initial, 1);
-        }
-    }
-    const int reference = TAP_AND_START{counter.m_vco_tap, counter.m_initial}.vco_degrees();
+    const bool through_output = pll->m_feedback_tap >= 0;
+    const TAP_AND_START place = place_feedback(delay, pll->m_m, m, through_output);
+    pll->m_m.m_initial = place.m_start;
+    pll->m_m.m_vco_tap = place.m_vco_tap;
     // With an output in the feedback it is that output which is delayed: M counts behind it, and
     // stays at its first start.
-    if (pll->m_feedback_tap >= 0) {
+    if (through_output) {
         PLL_OUTPUT_TAP& tap = pll->m_taps[nearest_index(pll->m_feedback_tap, PLL_MAX_TAPS)];
-        tap.m_initial = counter.m_initial;
-        tap.m_vco_tap = counter.m_vco_tap;
-        counter.m_initial = 1;
-        counter.m_vco_tap = 0;
+        tap.m_initial = place.m_start;
+        tap.m_vco_tap = place.m_vco_tap;
+        pll->m_m.m_initial = 1;
+        pll->m_m.m_vco_tap = 0;
     }
-    return reference;
+    return place.vco_degrees();
 }
 
 // The largest start of output `index`, its cascade included.
@@ -168,24 +161,6 @@ void place_cascade(TAP_AND_START chosen, PLL_OUTPUT_TAP* tap, PLL* pll)
     tap->m_initial = wrap_add(safe_div(wrap_sub(chosen.m_start, source.m_initial), count), 1);
 }
 
-// Takes the phases on either side of the wish that are nearer than the neighbours known.
-void narrow_phases(const PLL_USER_TAP& wish, double achieved, double step, NEIGHBOURS* neighbours)
-{
-    // What is achieved is a neighbour itself when it is not the wish; the other one is a step away.
-    const bool same = std::fabs(achieved - wish.m_phase) <= SAME_PHASE;
-    const bool above = achieved > wish.m_phase;
-    const double next = !same && above ? achieved : achieved + step;
-    const double previous = !same && !above ? achieved : achieved - step;
-
-    if (std::fabs(next - wish.m_phase) > SAME_PHASE && next < neighbours->m_next_phase) {
-        neighbours->m_next_phase = next;
-    }
-    if (std::fabs(wish.m_phase - previous) > SAME_PHASE &&
-        previous > neighbours->m_previous_phase) {
-        neighbours->m_previous_phase = previous;
-    }
-}
-
 }  // namespace
 
 namespace pll_internal {
@@ -240,16 +215,17 @@ void PHASE_PLACING::place(int index, NEIGHBOURS* neighbours)
                   wish.m_has_sclkout_phase ? m_frame.m_turn_step : m_frame.m_tap_step, neighbours);
 }
 
-double achieved_phase(const PLL_USER_TAP& wish, int m, int n, int max_start)
+int reference_without_feedback(const PLL_COUNTER_M& counter, double delay, int m)
 {
-    const double target = double(m) * wish.m_phase / n;
-    return input_degrees(n, m, nearest_tap_and_start(target, max_start).vco_degrees());
+    return place_feedback(delay, counter, m, false).vco_degrees();
 }
 
-void narrow_phases_around(const PLL_USER_TAP& wish, double ratio, double phase,
-                          NEIGHBOURS* neighbours)
+PLACED_PHASE place_serial_phase(const PLL_USER_TAP& wish, const PHASE_FRAME& frame, int max_start)
 {
-    narrow_phases(wish, phase, DEGREES_PER_VCO_TAP / ratio, neighbours);
+    const TAP_AND_START chosen = choose_tap_and_start(wish, frame, max_start);
+    const double achieved = phase_of(frame, chosen);
+    return {achieved, std::fabs(wish.m_phase - achieved) +
+                          std::fabs(wish.m_sclkout_phase - phase_of(frame, {chosen.m_vco_tap, 1}))};
 }
 
 }  // namespace pll_internal

@@ -42,14 +42,6 @@ private:
     PHASE_FRAME m_frame;
 };
 
-// The phase that placing an output at (m, n) achieves, degrees, when no phase is negative and
-// nothing is cascaded or fed back. The output starts at `max_start` at most.
-double achieved_phase(const PLL_USER_TAP& wish, int m, int n, int max_start);
-
-// Narrows the next and previous phases of the output, where it achieves `phase` at a ratio M / N.
-void narrow_phases_around(const PLL_USER_TAP& wish, double ratio, double phase,
-                          NEIGHBOURS* neighbours);
-
 // What a counter does for the duty cycle wished of it, and what the host will be told.
 struct DUTY_PLAN
 {

@@ -55,6 +55,14 @@ void EVALUATION::evaluate(const SEARCH_POINT& point)
     offer(point, &score);
 }
 
+void EVALUATION::give_row(int post_scale, int m, int n)
+{
+    m_candidate.m_vco_post_scale = post_scale;
+    m_candidate.m_m.m_count = m;
+    m_candidate.m_n.m_count = n;
+    m_ranking.give_row(&m_candidate);
+}
+
 bool EVALUATION::evaluate_if_met(const SEARCH_POINT& point)
 {
     CANDIDATE_SCORE score = assign(point);

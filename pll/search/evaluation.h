@@ -32,6 +32,9 @@ public:
     // ranking looked at it; `candidate` then is that setting.
     bool evaluate_if_met(const SEARCH_POINT& point);
 
+    // Gives the next candidate what a setting that is met would leave to it of the device's table.
+    void give_row(int post_scale, int m, int n);
+
     // Automatic bandwidth: nothing beyond four times the smallest M that was exact.
     bool is_cut_off(std::int64_t m) const
     {

@@ -39,6 +39,9 @@ public:
     // Returns whether the candidate was taken as the best.
     bool offer(PLL* candidate, CANDIDATE_SCORE* score, SEARCH_RESULT* result);
 
+    // Gives the candidate the row of the device's table that its counters call for.
+    void give_row(PLL* candidate) { m_chooser.choose(candidate); }
+
 private:
     bool offer_inexact(const PLL& candidate, const CANDIDATE_SCORE& score,
                        SEARCH_RESULT* result) const;

@@ -85,12 +85,6 @@ inline double vco_ratio_error(double ratio, const RATIO_WISH& wish)
     return error < EXACT_RATIO ? 0.0 : error;
 }
 
-// Whether M / N keeps every candidate with an output from being exact.
-inline bool misses_vco_wish(double ratio, const RATIO_WISH& wish)
-{
-    return has_wish(wish) && vco_ratio_error(ratio, wish) != 0.0;
-}
-
 // The wish for a VCO ratio, if any, counts once for every output, in the place of the output's own
 // error.
 inline double add_vco_ratio_error(const VCO_RATIO& vco, const RATIO_WISH& wish, double tap_error,

@@ -3,6 +3,8 @@
 #include "pll.h"
 #include "pll_prop.h"
 
+#include "loop/vco_phase.h"
+#include "placing/phase_steps.h"
 #include "placing/placement.h"
 #include "search/limits.h"
 #include "search/ratio_error.h"
@@ -12,7 +14,7 @@
 #include <algorithm>
 #include <cfloat>
 #include <cmath>
-#include <cstring>
+#include <limits>
 
 namespace pll_internal {
 
@@ -28,17 +30,15 @@ constexpr double SURELY_MISSED = MET_RELATIVE + ROUNDING;
 constexpr double SURELY_MET = MET_RELATIVE - ROUNDING;
 constexpr double SURELY_NEARER = 0.5 - 1e-6;  // of two counts
 
-// Whether the output's phase needs no delay of the feedback path, and its duty cycle makes no
-// reports.
+// Whether the output's duty cycle makes no reports.
 bool is_plain(const PLL_USER_TAP& wish)
 {
-    return wish.m_phase >= 0.0 && !wish.m_has_sclkout_phase && 0 <= wish.m_duty &&
-           wish.m_duty <= LARGEST_DUTY;
+    return 0 <= wish.m_duty && wish.m_duty <= LARGEST_DUTY;
 }
 
 bool can_tell(const PLL& pll, const PLL_PROP& request, const SEARCH_LIMITS& limits)
 {
-    bool plain = pll.m_feedback_tap < 0 && !limits.m_wish.m_table_mode;
+    bool plain = pll.m_feedback_tap < 0;
     for (int i = 0; i < limits.m_taps_count; ++i) {
         plain = plain && is_plain(request.m_taps[i]) &&
                 limits.m_wishes[i].m_ratio > SMALLEST_SURE_RATIO;
@@ -55,20 +55,33 @@ CANDIDATE_SIEVE::CANDIDATE_SIEVE(const PLL& pll, const PLL_PROP& request,
       m_limits(limits),
       m_rest(pll, limits),
       m_can_tell(can_tell(pll, request, limits)),
-      m_has_phases(false),
-      m_largest_ratio(0.0)
+      m_has_vco_wish(limits.m_taps_count > 0 && has_wish(limits.m_vco_wish)),
+      m_tells(false),
+      m_largest_ratio(0.0),
+      m_most_negative(0.0),
+      m_most_start(std::numeric_limits<int>::max()),
+      m_phased_count(0)
 {
     constexpr double TWICE = 2.0;
+    constexpr double NOTHING_TOLD = 0.0;
     for (int i = 0; i < limits.m_taps_count; ++i) {
         const RATIO_WISH& wish = limits.m_wishes[i];
         const int max_count = pll.m_taps[i].m_max_count;
         const double largest = max_count == 1 ? 1.0 : TWICE * max_count;
         m_outputs[i] = {wish.m_inverse,
                         std::max(TWICE * EXACT_RATIO / wish.m_ratio, TWICE * ROUNDING),
-                        std::min(largest, TOLD_COUNTS - 1.0)};
-        m_has_phases = m_has_phases || request.m_taps[i].m_phase != 0.0;
-        std::memset(m_told[i], 0, sizeof m_told[i]);
+                        NOTHING_TOLD};
+        m_most_counts[i] = largest;
+        const PLL_USER_TAP& tap = request.m_taps[i];
+        m_most_negative =
+            std::min(m_most_negative, tap.m_has_sclkout_phase ? tap.m_sclkout_phase : tap.m_phase);
+        if (tap.m_has_sclkout_phase || tap.m_phase != 0.0) {
+            m_phased[m_phased_count++] = i;
+        } else {
+            m_most_start = std::min(m_most_start, max_count);
+        }
     }
+    m_tells = m_phased_count > 0 || limits.m_wish.m_table_mode;
 }
 
 // Sure of nothing when the setting may tell something new of duty cycles or around phases of 0, or
@@ -80,7 +93,7 @@ CANDIDATE_SIEVE::VERDICT CANDIDATE_SIEVE::measure(int m, int n, std::int64_t cut
     if (!m_can_tell || ratio > m_largest_ratio) {
         return VERDICT::UNSURE;
     }
-    if (m_limits.m_taps_count > 0 && misses_vco_wish(ratio, m_limits.m_vco_wish)) {
+    if (m_has_vco_wish && vco_ratio_error(ratio, m_limits.m_vco_wish) != 0.0) {
         return VERDICT::MISSED;
     }
     double sum = 0.0;
@@ -96,7 +109,7 @@ CANDIDATE_SIEVE::VERDICT CANDIDATE_SIEVE::measure(int m, int n, std::int64_t cut
         if (relative > SURELY_MISSED) {
             return VERDICT::MISSED;
         }
-        if (relative > SURELY_MET || count > output.m_largest_count || !is_told(i, int(count))) {
+        if (relative > SURELY_MET || count > output.m_largest_count || !m_told[i].has(int(count))) {
             return VERDICT::UNSURE;
         }
         sum += relative > output.m_sure_error ? relative - ROUNDING : 0.0;
@@ -115,42 +128,62 @@ bool CANDIDATE_SIEVE::loses(double cost, int n, const SEARCH_RESULT& result)
            (cost == result.m_best_cost && n > result.m_best.m_n.m_count);
 }
 
-bool CANDIDATE_SIEVE::retains(int post_scale, int m, int n, std::int64_t cut_off,
-                              const SEARCH_RESULT& result) const
+bool CANDIDATE_SIEVE::is_in_vain(int post_scale, int m, int n, std::int64_t cut_off,
+                                 const SEARCH_RESULT& result) const
 {
-    if (m_rest.of(m, n) != 0.0) {
-        return true;
-    }
     MEASURE measured;
-    const VERDICT verdict = m_has_phases ? VERDICT::UNSURE : measure(m, n, cut_off, &measured);
+    const VERDICT verdict = measure(m, n, cut_off, &measured);
     return verdict == VERDICT::MISSED ||
            (verdict == VERDICT::MET &&
             loses(add_frequency_cost(measured.m_relative_error, post_scale, 0.0), n, result));
 }
 
-bool CANDIDATE_SIEVE::tells(int post_scale, int m, int n, std::int64_t cut_off,
-                            SEARCH_RESULT* result) const
+CANDIDATE_SIEVE::LOOK CANDIDATE_SIEVE::look_at(int post_scale, int m, int n, std::int64_t cut_off,
+                                               ROW_BOUND* rows, SEARCH_RESULT* result) const
 {
     MEASURE measured;
-    const VERDICT verdict = m_has_phases ? measure(m, n, cut_off, &measured) : VERDICT::UNSURE;
+    const VERDICT verdict = m_tells ? measure(m, n, cut_off, &measured) : VERDICT::UNSURE;
     if (verdict != VERDICT::MET) {
-        return verdict == VERDICT::MISSED;
+        return verdict == VERDICT::MISSED ? LOOK::MISSED : LOOK::UNSURE;
+    }
+    const PHASE_FRAME frame = frame_without_feedback(m_pll.m_m, m_most_negative, m, n);
+    if (frame.m_reference != 0 && !places_zero_phases(frame, measured)) {
+        return LOOK::UNSURE;
     }
     double achieved[PLL_MAX_TAPS];
-    double cost = add_frequency_cost(measured.m_relative_error, post_scale, 0.0);
-    for (int i = 0; i < m_limits.m_taps_count; ++i) {
-        const int max_start = measured.m_counts[i] == 1 ? 1 : m_pll.m_taps[i].m_max_count;
-        achieved[i] = achieved_phase(m_request.m_taps[i], m, n, max_start);
-        cost += std::fabs(m_request.m_taps[i].m_phase - achieved[i]);
+    double cost =
+        add_frequency_cost(measured.m_relative_error, post_scale, 0.0) + rows->of(post_scale, m);
+    for (int i = 0; i < m_phased_count; ++i) {
+        const int output = m_phased[i];
+        const int max_start = measured.m_counts[output] == 1 ? 1 : m_pll.m_taps[output].m_max_count;
+        const PLL_USER_TAP& wish = m_request.m_taps[output];
+        const PLACED_PHASE placed = wish.m_has_sclkout_phase
+                                        ? place_serial_phase(wish, frame, max_start)
+                                        : place_parallel_phase(wish, frame, max_start);
+        achieved[i] = placed.m_achieved;
+        cost += placed.m_miss;
     }
     if (!loses(cost, n, *result)) {
-        return false;
+        return LOOK::UNSURE;
     }
-    for (int i = 0; i < m_limits.m_taps_count; ++i) {
-        narrow_phases_around(m_request.m_taps[i], measured.m_ratio, achieved[i],
-                             &result->m_neighbours[i]);
+    for (int i = 0; i < m_phased_count; ++i) {
+        const int output = m_phased[i];
+        const PLL_USER_TAP& wish = m_request.m_taps[output];
+        narrow_phases(wish, achieved[i],
+                      wish.m_has_sclkout_phase ? frame.m_turn_step : frame.m_tap_step,
+                      &result->m_neighbours[output]);
     }
-    return true;
+    return LOOK::TOLD;
+}
+
+// Whether every output with a phase of 0 starts with the feedback path, which may be delayed for
+// phases below 0.
+bool CANDIDATE_SIEVE::places_zero_phases(const PHASE_FRAME& frame, const MEASURE& measured) const
+{
+    const int start = frame.m_reference / DEGREES_PER_VCO_PERIOD + 1;
+    const int* const end = measured.m_counts + m_limits.m_taps_count;
+    return 0 <= frame.m_reference && start <= m_most_start &&
+           (start == 1 || std::find(measured.m_counts, end, 1) == end);
 }
 
 void CANDIDATE_SIEVE::note_told(const SEARCH_POINT& point, const PLL& candidate)
@@ -159,12 +192,19 @@ void CANDIDATE_SIEVE::note_told(const SEARCH_POINT& point, const PLL& candidate)
     if (!m_can_tell || ratio > LARGEST_TELLING_RATIO) {
         return;
     }
-    m_largest_ratio = std::max(m_largest_ratio, ratio);
+    bool has_zero_phases = true;
     for (int i = 0; i < m_limits.m_taps_count; ++i) {
-        const int count = candidate.m_taps[i].m_count;
-        if (count < TOLD_COUNTS) {
-            m_told[i][count / WORD_BITS] |= std::uint64_t{1} << (count % WORD_BITS);
+        const PLL_OUTPUT_TAP& tap = candidate.m_taps[i];
+        const PLL_USER_TAP& wish = m_request.m_taps[i];
+        has_zero_phases = has_zero_phases && (wish.m_has_sclkout_phase || wish.m_phase != 0.0 ||
+                                              tap.m_delta_phase == 0.0);
+        if (tap.m_count <= TOLD_COUNTS::MOST) {
+            m_told[i].add(tap.m_count);
+            m_outputs[i].m_largest_count = std::min(m_most_counts[i], m_told[i].end() - 1.0);
         }
+    }
+    if (has_zero_phases) {
+        m_largest_ratio = std::max(m_largest_ratio, ratio);
     }
 }
 

@@ -35,11 +35,8 @@ int KEPT_CASCADES::find(int count, int max_count, int source_index)
     return factor_of(count, most);
 }
 
-bool KEPT_CASCADES::is_short(int m, int n)
+bool KEPT_CASCADES::has_short_output(int m, int n)
 {
-    if (!m_limits.m_may_cascade) {
-        return false;
-    }
     const VCO_RATIO vco(m, n);
     for (int i = 0; i < m_limits.m_taps_count; ++i) {
         const int max_count = m_pll.m_taps[i].m_max_count;

@@ -22,7 +22,7 @@ public:
 
     // Whether some output of (m, n) surely cannot divide by its count, not even with a second
     // counter. `m` and `n` make counts up to 10^9.
-    bool is_short(int m, int n);
+    bool is_short(int m, int n) { return m_limits.m_may_cascade && has_short_output(m, n); }
 
 private:
     static constexpr int SLOTS = 512;
@@ -36,6 +36,7 @@ private:
     };
 
     int factor_of(int count, int most);
+    bool has_short_output(int m, int n);
 
     const PLL& m_pll;
     const SEARCH_LIMITS& m_limits;

@@ -32,6 +32,13 @@ std::int64_t n_of(std::uint64_t fraction)
 
 }  // namespace
 
+inline void MET_SEARCH::visit(const WORK& work, std::int64_t m, std::int64_t n)
+{
+    if (!m_sifted.is_idle(work.m_post_scale, int(m), int(n)) && work.m_region.is_legal(m, n)) {
+        m_sifted.evaluate_if_met(work.m_post_scale, int(m), int(n));
+    }
+}
+
 void MET_SEARCH::search(int post_scale, const REGION& region)
 {
     if (region.is_empty()) {
@@ -57,16 +64,19 @@ void MET_SEARCH::search(int post_scale, const REGION& region)
     }
 }
 
-// Walks over the rows of M or over the columns of N, whichever are fewer. Columns with more than
-// can be put in order at once are walked over in halves.
+// Walks over the rows of M or over the columns of N, whichever are fewer. But what columns hold
+// must be put in order, which takes longer than a look at as many rows; what is more than can be
+// put in order at once is halved.
 void MET_SEARCH::search_block(const WORK& work, M_RANGE block)
 {
     const RATIO_RANGE ratios = work.m_region.ratios();
     const std::int64_t columns = work.m_region.n_between(ratios, block.m_last).m_last -
                                  work.m_region.n_between(ratios, block.m_first).m_first + 1;
-    if (columns > block.m_last - block.m_first) {
+    const std::int64_t rows = block.m_last - block.m_first + 1;
+    const bool is_gathered = columns < rows && gather(work, block);
+    if (columns >= rows || (is_gathered ? m_gathered > rows : CAPACITY > rows)) {
         visit_rows(work, block);
-    } else if (gather(work, block)) {
+    } else if (is_gathered) {
         visit_gathered(work);
     } else {
         const std::int64_t middle = block.m_first + (block.m_last - block.m_first) / 2;
@@ -143,13 +153,6 @@ void MET_SEARCH::visit_row(const WORK& work, std::int64_t m)
             visit(work, m, n);
         }
         next = std::max(next, range.m_last + 1);
-    }
-}
-
-void MET_SEARCH::visit(const WORK& work, std::int64_t m, std::int64_t n)
-{
-    if (!m_sifted.is_idle(work.m_post_scale, int(m), int(n)) && work.m_region.is_legal(m, n)) {
-        m_sifted.evaluate_if_met(work.m_post_scale, int(m), int(n));
     }
 }
 

@@ -5,6 +5,7 @@
 #include "search/result.h"
 #include "shortcuts/candidate_sieve.h"
 #include "shortcuts/kept_cascades.h"
+#include "shortcuts/row_bound.h"
 
 namespace pll_internal {
 
@@ -14,6 +15,7 @@ public:
     SIFTED_EVALUATION(EVALUATION* evaluation, KEPT_CASCADES* cascades)
         : m_evaluation(*evaluation),
           m_cascades(*cascades),
+          m_rows(evaluation),
           m_sieve(evaluation->pll(), evaluation->request(), evaluation->limits())
     {
     }
@@ -28,21 +30,12 @@ public:
     }
 
     // Offers a legal setting only when its error sum is 0.
-    void evaluate_if_met(int post_scale, int m, int n)
-    {
-        if (!m_evaluation.is_traced() &&
-            m_sieve.tells(post_scale, m, n, m_evaluation.cut_off(), &m_evaluation.result())) {
-            return;
-        }
-        const SEARCH_POINT point = m_evaluation.point(post_scale, m, n);
-        if (m_evaluation.evaluate_if_met(point)) {
-            m_sieve.note_told(point, m_evaluation.candidate());
-        }
-    }
+    void evaluate_if_met(int post_scale, int m, int n);
 
 private:
     EVALUATION& m_evaluation;
     KEPT_CASCADES& m_cascades;
+    ROW_BOUND m_rows;
     CANDIDATE_SIEVE m_sieve;
 };
 

@@ -17,6 +17,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cfloat>
 #include <cmath>
 #include <sstream>
 #include <string>
@@ -33,7 +34,9 @@ std::string text_of(const SEARCH_RESULT& result)
          << result.m_best_vco_deviation << ' ' << result.m_found << result.m_taken
          << result.m_clamped << '\n'
          << result.m_best.m_cost << ' ' << result.m_best.m_vco_period << ' '
-         << result.m_best.m_delta_phase << ' ' << result.m_best.m_i << '\n';
+         << result.m_best.m_delta_phase << ' ' << result.m_best.m_i << ' ' << result.m_best.m_r
+         << ' ' << result.m_best.m_c_high << ' ' << result.m_best.m_bandwidth_legal_for_mult_div
+         << result.m_best.m_bandwidth_legal_for_fin << '\n';
     for (const PLL_OUTPUT_TAP& tap : result.m_best.m_taps) {
         text << tap.m_delta_phase << ' ' << tap.m_score << tap.m_even << tap.m_bypass << ' '
              << tap.m_count << ' ' << tap.m_high << ' ' << tap.m_low << ' ' << tap.m_max_count
@@ -226,15 +229,17 @@ PLL_PROP crowded_request(RANDOM_RATIOS* random)
     request.m_bandwidth_type = random->chance(70) ? 3 : 4;
     request.m_bandwidth = 1e5 * random->number(20);
     const int division = 100 * random->number(8);
-    const bool phases = random->chance(40);
+    const bool phases = random->chance(60);
+    const bool negative = random->chance(50);
     for (int i = 0; i < request.m_taps_count; ++i) {
         const int off = random->chance(50) ? random->number(5) - 3 : 0;
         request.m_taps[i].m_mult = 1000;
         request.m_taps[i].m_div = 1000 * division + off * division;
         request.m_taps[i].m_duty = random->chance(50) ? 50 : random->number(101) - 1;
-        request.m_taps[i].m_phase = phases ? random->number(360) - 1 : 0;
+        request.m_taps[i].m_phase =
+            phases && random->chance(60) ? random->number(400) - (negative ? 200 : 1) : 0;
         request.m_taps[i].m_has_sclkout_phase = random->chance(10);
-        request.m_taps[i].m_sclkout_phase = random->number(90);
+        request.m_taps[i].m_sclkout_phase = random->number(90) - (random->chance(30) ? 45 : 1);
         request.m_taps[i].m_use_even_counter_mode = random->chance(10);
         request.m_taps[i].m_use_even_counter_value = random->chance(10);
     }
@@ -245,16 +250,64 @@ TEST(RatioSearch, LeavesWhatTheWalkLeavesInCrowds)
 {
     RANDOM_RATIOS random(35);
     TALLY tally;
-    for (int i = 0; i < 1500; ++i) {
+    for (int i = 0; i < 3000; ++i) {
         const PLL_PROP request = crowded_request(&random);
         const auto pll = random.pll(request, 2 + random.number(60), random.number(30));
         for (PLL_OUTPUT_TAP& tap : pll->m_taps) {
             tap.m_max_count = random.chance(90) ? 2000 : 300;
         }
+        pll->m_m.m_max_vco_tap = random.chance(30) ? random.number(7) - 1 : 9999;
         SCOPED_TRACE(i);
         expect_the_walk(*pll, request, &tally);
     }
-    EXPECT_GT(tally.m_exact, 700);
+    EXPECT_GT(tally.m_exact, 1400);
+}
+
+// Rows with and without capacitors, groups without rows or with ones that cost too much, and rows
+// of another group's M, which are reported.
+void fill_randomly(DEVICE* device, int groups, RANDOM_RATIOS* random)
+{
+    const int kind = random->number(4);
+    for (int m = 1; m < groups; ++m) {
+        const int rows = random->chance(20) ? 0 : random->number(4);
+        const bool has_capacitors = kind == 1 || (kind == 2 && random->chance(50));
+        for (int i = 0; i < rows; ++i) {
+            const double typical = 1e4 * random->number(200);
+            PLL_BANDWIDTH_SETTING* row = device->add_row(
+                m, random->chance(1) ? 1e14 : typical, typical * (1.0 + 0.1 * random->number(20)));
+            row->m_charge_pump_current = 10 * random->number(20);
+            row->m_loop_filter_resistor = 1000 * random->number(20);
+            const bool has_capacitor = kind == 3 ? random->chance(50) : has_capacitors;
+            row->m_loop_filter_capacitor = has_capacitor ? random->number(9) : -1;
+            row->m_m = random->chance(99) ? m : m + 1;
+        }
+    }
+}
+
+TEST(RatioSearch, LeavesWhatTheWalkLeavesInCrowdsWithATable)
+{
+    RANDOM_RATIOS random(38);
+    TALLY tally;
+    for (int i = 0; i < 2000; ++i) {
+        PLL_PROP request = crowded_request(&random);
+        request.m_bandwidth_type = random.number(5) - 1;
+        const auto pll = random.pll(request, 2 + random.number(60), random.number(30));
+        for (PLL_OUTPUT_TAP& tap : pll->m_taps) {
+            tap.m_max_count = 2000;
+        }
+        DEVICE device(20 + random.number(80));
+        fill_randomly(&device, device.m_info.m_bandwidth_settings_table_size, &random);
+        device.m_info.m_bandwidth_pfd_min_frequency_multiplier = random.number(12) - 2;
+        device.m_info.m_is_pfd_bandwidth_rule_an_error = random.chance(30);
+        device.m_info.m_spe_ratio_constant_x =
+            random.chance(30) ? 0.1 * random.number(20) : DBL_MAX;
+        device.describe(*pll);
+        EXPECTED_REPORTS reports;
+        reports.accept_all();
+        SCOPED_TRACE(i);
+        expect_the_walk(*pll, request, &tally);
+    }
+    EXPECT_GT(tally.m_exact, 900);
 }
 
 // At the first post-scale a counter of 126 nearly meets 1 / 42, next to the ratio 3. At the second
