@@ -33,6 +33,21 @@ std::string percent_of(const RATIONAL& error)
     return (error * RATIONAL(100)).to_decimal(DECIMALS) + " %";
 }
 
+std::string explain_no_setting(const DEVICE_REQUEST& request)
+{
+    const SHEET& sheet = *request.m_device.m_sheet;
+    const std::vector<PLAN> plans =
+        make_plans(request.m_request, sheet, request.m_device.m_grade, PLAN_OPTIONS());
+    if (!plans.empty()) {
+        return "no counters make these clocks within the limits of " + sheet.m_title;
+    }
+    const std::size_t wanted = request.m_request.m_outputs.size();
+    if (request.m_request.m_feedback != NO_OUTPUT) {
+        return sheet.m_title + " cannot feed that output back";
+    }
+    return sheet.m_title + " has no way to make " + std::to_string(wanted) + " outputs";
+}
+
 void explain(const DEVICE_REQUEST& request, DEVICE_ANSWER* answer)
 {
     const SHEET& sheet = *request.m_device.m_sheet;
@@ -44,8 +59,7 @@ void explain(const DEVICE_REQUEST& request, DEVICE_ANSWER* answer)
                 sheet.find_figure(FIGURE_KIND::INPUT, request.m_device.m_grade, "", "")->m_range) +
             " MHz");
     } else if (!answer->m_has_setting) {
-        answer->m_reasons.push_back("no counters make these clocks within the limits of " +
-                                    sheet.m_title);
+        answer->m_reasons.push_back(explain_no_setting(request));
     }
     for (const JUDGED_FIGURE& figure : answer->m_figures) {
         if (!figure.m_kept) {

@@ -223,7 +223,13 @@ TEST(DeviceAnswer, SaysWhyThereIsNone)
     const DEVICE_ANSWER outputs =
         answer_for_device(make_request("ice40", "12", {"48", "20", "16"}));
     EXPECT_FALSE(outputs.m_has_setting);
-    EXPECT_FALSE(outputs.m_reasons.empty());
+    ASSERT_FALSE(outputs.m_reasons.empty());
+    EXPECT_EQ("iCE40 PLL has no way to make 3 outputs", outputs.m_reasons[0]);
+    DEVICE_REQUEST feedback = make_request("xc7-plle2", "25", {"125"});
+    feedback.m_request.m_feedback = 0;
+    const DEVICE_ANSWER fed_back = answer_for_device(feedback);
+    EXPECT_FALSE(fed_back.m_has_setting);
+    EXPECT_EQ("7-series PLL cannot feed that output back", fed_back.m_reasons.at(0));
 }
 
 // The slow and obvious search: every N, M and count.
