@@ -208,10 +208,22 @@ EXIT_STATUS list_limits(const COMMAND_LINE& line, std::string* text)
     return STATUS_MET;
 }
 
+// Messages go out while files are read.
 EXIT_STATUS lint_database(const LINT_REQUEST& request, std::string* text)
 {
+    if (request.m_explain) {
+        *text = explain_rule(*request.m_explain == "all" ? "" : *request.m_explain);
+        return STATUS_MET;
+    }
     std::string problem;
-    switch (lint(request, text, &problem)) {
+    OUTPUT_STREAM output;
+    const LINT_VERDICT verdict = lint(request, &output, &problem);
+    std::string reason;
+    if (output.finish(&reason) == WRITE_RESULT::FAILED) {
+        write_error(("cannot write the output: " + reason).c_str());
+        return STATUS_IO_FAILED;
+    }
+    switch (verdict) {
     case LINT_VERDICT::CLEAN:
         break;
     case LINT_VERDICT::WARNINGS:

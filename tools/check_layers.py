@@ -39,7 +39,7 @@ include/  pll_info.h, pll_outcome.h < pll.h < pll_prop.h, pll_util.h, pll_manage
 pll/      platform < device < loop < clocks < placing, filter < search < shortcuts, listing < synthesis
 pll/      clocks < database
 advice/   numbers < sheets < request < limits < verdict < answer < verify, primitive < why, devices
-app/      numbers < output, words < devices < request < answer < json < reports, lint, primitive < command < main.cpp
+app/      numbers < output, words < source, devices < request < answer < json, lint < reports, primitive < command < main.cpp
 """
 
 # Headers with a name like those of C, which are of the system or of the compiler.

@@ -1,16 +1,15 @@
-// Lint: what is wrong with a device database, for those who write one. The readers of the library
-// tell an observer what they see; that becomes messages here, to which the checks of what reads
-// well but cannot work add theirs; a printer writes them.
+// Lint: what is wrong with a device database, for those who write one. Its readers know the format
+// as the library does, but go on after a mistake and keep no more than they need, so that one run
+// finds every mistake in files of any size.
 #pragma once
 
-#include <string>
+#include "app/lint/messages.h"
+#include "app/lint/print.h"
+#include "app/output/output.h"
 
-enum class LINT_FORMAT
-{
-    TEXT,
-    JSON,
-    SARIF
-};
+#include <optional>
+#include <string>
+#include <vector>
 
 // Whether the source line stands below a message, with a caret at the place.
 enum class LINT_CARET
@@ -30,11 +29,14 @@ enum class LINT_TARGET
 
 struct LINT_REQUEST
 {
-    std::string m_path;  // a database directory, a family file or a table file
+    std::vector<std::string> m_paths;  // database directories, family files, table files, "-"
     LINT_TARGET m_target = LINT_TARGET::BY_CONTENT;  // of a file
     LINT_FORMAT m_format = LINT_FORMAT::TEXT;
     LINT_CARET m_caret = LINT_CARET::ON_TERMINALS;
+    LINT_FILTER m_filter;
     bool m_warnings_are_errors = false;
+    std::optional<std::string> m_within;   // the family file that includes the files to look at
+    std::optional<std::string> m_explain;  // the rule that is asked for; empty: all
 };
 
 enum class LINT_VERDICT
@@ -42,8 +44,12 @@ enum class LINT_VERDICT
     CLEAN,     // nothing that counts
     WARNINGS,  // which count as errors
     ERRORS,
-    UNREADABLE  // nothing could be looked at
+    UNREADABLE  // something could not be looked at
 };
 
-// Looks at a database. `text` receives the messages; of UNREADABLE, `problem` receives why.
-LINT_VERDICT lint(const LINT_REQUEST& request, std::string* text, std::string* problem);
+// Looks at a database and writes the messages while it does. Of UNREADABLE, `problem` receives why.
+LINT_VERDICT lint(const LINT_REQUEST& request, OUTPUT_STREAM* output, std::string* problem);
+
+// What a rule is about, what causes it and what cures it; of an empty name, all rules in a list.
+// Throws a USAGE_ERROR for an unknown name.
+std::string explain_rule(const std::string& name);

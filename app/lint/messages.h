@@ -1,82 +1,115 @@
-// Messages on a database and the rules that they follow.
+// Messages on the files of a database: filtered by what the user allows, put in order, counted and
+// handed to a printer while the files are read.
 #pragma once
 
-#include "pll_observer.h"
+#include "app/lint/rules.h"
+#include "app/source/hash_set.h"
+#include "app/source/lines.h"
+#include "app/source/readings.h"
 
+#include <array>
+#include <bitset>
 #include <cstddef>
-#include <functional>
+#include <cstdint>
+#include <limits>
 #include <map>
 #include <string>
-#include <string_view>
+#include <unordered_map>
 #include <vector>
-
-// What reads well but cannot work.
-enum class DEVICE_FINDING
-{
-    NO_CHARGE_PUMP_CURRENT,
-    LOOP_FILTER_VALUE_MISSING,
-    LIMIT_UNSET,
-    LIMITS_CROSSED,
-    NO_HIGH_LOW_MAX,
-    TABLE_SIZE,
-    PRESET_OUTSIDE_TABLE,
-    ROW_OUTSIDE_LISTS,
-    INIT_FAILS,
-    DEVICE_SHEET
-};
-
-// A kind of message. Rules are known by their index: first those of the library's findings, then
-// those above.
-struct LINT_RULE
-{
-    std::string_view m_name;  // stable
-    bool m_is_error;
-    const char* m_description;
-};
-
-const std::vector<LINT_RULE>& lint_rules();
-
-std::size_t rule_of(PLL_FINDING finding);
-std::size_t rule_of(DEVICE_FINDING finding);
-
-// A place as it is shown.
-struct LINT_PLACE
-{
-    std::string m_file;
-    int m_line = 1;    // from 1
-    int m_column = 1;  // from 1, in bytes
-    int m_length = 1;  // in bytes, at least 1
-};
 
 struct LINT_MESSAGE
 {
-    std::size_t m_rule;
-    LINT_PLACE m_place;
+    LINT_RULE m_rule;
+    LINT_SEVERITY m_severity;
+    SOURCE_PLACE m_place;
     std::string m_text;
 };
 
-// The text of a message on what the reader found.
-std::string text_of(const PLL_READ_FINDING& finding);
+// What was looked at and what was found.
+struct LINT_SUMMARY
+{
+    std::array<std::size_t, 3> m_counts = {0, 0, 0};  // of messages, by severity
+    std::size_t m_not_shown = 0;                      // of those, beyond the most that are wanted
+    std::size_t m_files = 0;
+    std::size_t m_families = 0;
+    std::size_t m_parts = 0;
+    std::size_t m_statements = 0;
+    std::size_t m_rows = 0;
+    bool m_is_unreadable = false;  // something could not be looked at
+    int m_exit_status = 0;         // of the program
 
-// Messages in the order of files as they were met, lines and columns, each once.
+    std::size_t count(LINT_SEVERITY severity) const
+    {
+        return m_counts[static_cast<std::size_t>(severity)];
+    }
+};
+
+class LINT_PRINTER
+{
+public:
+    LINT_PRINTER() = default;
+    virtual ~LINT_PRINTER();
+    LINT_PRINTER(const LINT_PRINTER&) = delete;
+    LINT_PRINTER& operator=(const LINT_PRINTER&) = delete;
+
+    virtual void begin() = 0;
+    virtual void print(const LINT_MESSAGE& message) = 0;
+    virtual void end(const LINT_SUMMARY& summary) = 0;
+};
+
+// Which messages the user wants.
+struct LINT_FILTER
+{
+    std::bitset<NUMBER_OF_LINT_RULES> m_disabled;
+    std::bitset<NUMBER_OF_LINT_RULES> m_errors;  // count as errors, whatever they are
+    std::size_t m_most = std::numeric_limits<std::size_t>::max();  // that are shown
+    std::string m_only_file;                                       // empty: every file
+};
+
 class LINT_MESSAGES
 {
 public:
-    // Gives a file its place in the order; `add` does so too.
-    void meet(const std::string& file);
+    // Without a printer, messages are counted alone.
+    LINT_MESSAGES(const READINGS* readings, LINT_FILTER filter, LINT_PRINTER* printer);
 
-    void add(std::size_t rule, const LINT_PLACE& place, std::string text);
+    // A message of a file that is read several times is taken once for each place and rule.
+    void add(LINT_RULE rule, const SOURCE_PLACE& place, std::string text);
 
-    void remove_if(const std::function<bool(const LINT_MESSAGE&)>& is_unwanted);
+    // Heeds "# lint: allow RULE, ..." in a comment: in its line, and where nothing stands before
+    // it, in the next line too.
+    void heed_comment(std::uint32_t reading, const TEXT_LINE& line, std::string_view comment);
 
-    // Puts them in order; call it before they are read.
-    void sort();
+    // Takes no message of a rule on the files of a folder.
+    void allow_in_folder(const std::string& folder, LINT_RULE rule);
 
-    const std::vector<LINT_MESSAGE>& get() const { return m_messages; }
-    std::size_t count_errors() const;
-    bool has(std::size_t rule) const;
+    // How many messages came, those included that nobody wants.
+    std::size_t count_all() const { return m_number_of_messages; }
+
+    // Prints what is kept back.
+    void finish();
+
+    // Messages come in the order of files as they were met, of lines and of columns, as long as
+    // there are fewer than this; then that many are put in order at a time.
+    static constexpr std::size_t MOST_KEPT = 65536;
+
+    LINT_SUMMARY m_summary;
 
 private:
-    std::vector<LINT_MESSAGE> m_messages;
-    std::map<std::string, std::size_t> m_files;  // by name, the place in the order of meeting
+    typedef std::bitset<NUMBER_OF_LINT_RULES> RULES;
+
+    bool is_wanted(LINT_RULE rule, const SOURCE_PLACE& place);
+    bool is_allowed_in_folder(LINT_RULE rule, const SOURCE_PLACE& place) const;
+    bool is_repeated(LINT_RULE rule, const SOURCE_PLACE& place);
+    void allow(std::uint32_t reading, const TEXT_LINE& line, std::string_view word, bool is_alone);
+    std::uint64_t line_key(std::uint32_t reading, std::uint32_t line) const;
+    void print_kept();
+
+    const READINGS& m_readings;
+    LINT_FILTER m_filter;
+    LINT_PRINTER* m_printer;
+    std::size_t m_number_of_messages = 0;
+    std::vector<LINT_MESSAGE> m_kept;
+    std::unordered_map<std::uint64_t, RULES> m_allowed;  // by file and line
+    std::map<std::string, RULES> m_allowed_in_folders;
+    HASH_SET m_repeatable;  // hashes of messages
 };

@@ -7,7 +7,8 @@
 
 inline constexpr char LINT_EXAMPLES[] = "  pllcalc lint data/sample\n"
                                         "  pllcalc lint data/sample/sorrel/sorrel_pll.txt -Werror\n"
-                                        "  pllcalc lint data/sample --format sarif\n";
+                                        "  pllcalc lint data/sample --format sarif\n"
+                                        "  pllcalc lint --explain limits-crossed\n";
 
 void add_lint_options(CLI::App* app, LINT_REQUEST* request);
 

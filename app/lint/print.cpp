@@ -2,185 +2,220 @@
 
 #include "app/lint/sources.h"
 #include "app/output/characters.h"
-
-#include <nlohmann/json.hpp>
+#include "app/output/json_text.h"
 
 #include <algorithm>
+#include <string>
+#include <string_view>
 
 namespace {
 
-typedef nlohmann::ordered_json JSON;
-
-constexpr int INDENT = 2;
-constexpr char INDENT_CHARACTER = ' ';
-
-const char* severity_of(const LINT_RULE& rule)
+// "1 error", "2 errors"
+std::string counted(std::size_t count, const char* noun)
 {
-    return rule.m_is_error ? "error" : "warning";
+    return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
 }
 
-// ---- Text
-
-// What of a long line is shown, and where.
-struct EXCERPT
+std::string looked_at(const LINT_SUMMARY& summary)
 {
-    std::string m_text;
-    std::size_t m_start;  // in the line
-};
-
-EXCERPT cut_out(const std::string& line, std::size_t column)
-{
-    constexpr std::size_t WIDTH = 100;
-    constexpr std::size_t BEFORE = 60;
-    const std::size_t start = column > WIDTH ? column - BEFORE : 0;
-    return {start < line.size() ? line.substr(start, WIDTH) : std::string(), start};
-}
-
-// The line, and a caret with tildes below the word; tabs stay tabs, so that it stands there.
-std::string show_source(const LINT_PLACE& place, LINT_SOURCES* sources)
-{
-    const std::size_t column = static_cast<std::size_t>(place.m_column) - 1;
-    const EXCERPT excerpt = cut_out(sources->line(place.m_file, place.m_line), column);
-    std::string shown = "  ";
-    std::string marks = "  ";
-    for (std::size_t i = 0; i < excerpt.m_text.size(); ++i) {
-        const std::string character = excerpt.m_text.substr(i, 1);
-        const bool is_tab = character == "\t";
-        const std::string visible = is_tab ? character : make_visible(character);
-        const bool is_before = excerpt.m_start + i < column;
-        shown += visible;
-        if (is_before) {
-            marks += is_tab ? visible : std::string(visible.size(), ' ');
-        }
+    std::string text = counted(summary.m_files, "file");
+    if (summary.m_families > 0) {
+        text += ", " + std::to_string(summary.m_families) +
+                (summary.m_families == 1 ? " family" : " families");
     }
-    const std::size_t room = excerpt.m_start + excerpt.m_text.size();
-    const std::size_t end =
-        std::min(column + static_cast<std::size_t>(place.m_length), std::max(room, column + 1));
-    return shown + "\n" + marks + "^" + std::string(end - column - 1, '~') + "\n";
-}
-
-// ---- JSON
-
-// Bytes that are no UTF-8 become the replacement character.
-std::string dump(const JSON& json)
-{
-    return json.dump(INDENT, INDENT_CHARACTER, false, JSON::error_handler_t::replace) + "\n";
-}
-
-// ---- SARIF
-
-// A file name as a reference: relative ones stay relative.
-std::string uri_of(const std::string& file)
-{
-    const std::string LEGAL = "-._~/";
-    const char* const DIGITS = "0123456789ABCDEF";
-    std::string uri = file.substr(0, 1) == "/" ? "file://" : "";
-    for (const char c : file) {
-        const unsigned code = static_cast<unsigned char>(c);
-        const bool is_letter = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-        if (is_letter || (c >= '0' && c <= '9') || LEGAL.find(c) != std::string::npos) {
-            uri += c;
-        } else {
-            uri += '%';
-            uri += DIGITS[code / 16];
-            uri += DIGITS[code % 16];
-        }
+    if (summary.m_parts > 0) {
+        text += ", " + counted(summary.m_parts, "part");
     }
-    return uri;
-}
-
-JSON sarif_rule(const LINT_RULE& rule)
-{
-    JSON json;
-    json["id"] = rule.m_name;
-    json["shortDescription"]["text"] = rule.m_description;
-    json["defaultConfiguration"]["level"] = severity_of(rule);
-    return json;
-}
-
-JSON sarif_result(const LINT_MESSAGE& message, LINT_SOURCES* sources)
-{
-    const LINT_RULE& rule = lint_rules()[message.m_rule];
-    const LINT_PLACE& place = message.m_place;
-    const std::string& line = sources->line(place.m_file, place.m_line);
-    const auto column = static_cast<std::size_t>(place.m_column);
-    const auto length = static_cast<std::size_t>(place.m_length);
-    JSON region;
-    region["startLine"] = place.m_line;
-    region["startColumn"] = count_characters(line, column - 1) + 1;
-    region["endColumn"] = count_characters(line, column - 1 + length) + 1;
-    JSON location;
-    location["physicalLocation"]["artifactLocation"]["uri"] = uri_of(place.m_file);
-    location["physicalLocation"]["region"] = region;
-    JSON json;
-    json["ruleId"] = rule.m_name;
-    json["ruleIndex"] = message.m_rule;
-    json["level"] = severity_of(rule);
-    json["message"]["text"] = message.m_text;
-    json["locations"] = JSON::array({location});
-    return json;
-}
-
-}  // namespace
-
-std::string print_as_text(const LINT_MESSAGES& messages, bool carets)
-{
-    LINT_SOURCES sources;
-    std::string text;
-    for (const LINT_MESSAGE& message : messages.get()) {
-        const LINT_RULE& rule = lint_rules()[message.m_rule];
-        const LINT_PLACE& place = message.m_place;
-        text += make_visible(place.m_file) + ":" + std::to_string(place.m_line) + ":" +
-                std::to_string(place.m_column) + ": " + severity_of(rule) + ": " +
-                make_visible(message.m_text) + " [" + std::string(rule.m_name) + "]\n";
-        if (carets) {
-            text += show_source(place, &sources);
-        }
+    if (summary.m_statements > 0) {
+        text += ", " + counted(summary.m_statements, "statement");
+    }
+    if (summary.m_rows > 0) {
+        text += ", " + counted(summary.m_rows, "table row");
     }
     return text;
 }
 
-std::string print_as_json(const LINT_MESSAGES& messages)
+// ---- Text
+
+class TEXT_PRINTER : public LINT_PRINTER
 {
-    JSON json;
-    json["errors"] = messages.count_errors();
-    json["warnings"] = messages.get().size() - messages.count_errors();
-    json["messages"] = JSON::array();
-    for (const LINT_MESSAGE& message : messages.get()) {
-        const LINT_RULE& rule = lint_rules()[message.m_rule];
-        JSON entry;
-        entry["file"] = message.m_place.m_file;
-        entry["line"] = message.m_place.m_line;
-        entry["column"] = message.m_place.m_column;
-        entry["length"] = message.m_place.m_length;
-        entry["severity"] = severity_of(rule);
-        entry["name"] = rule.m_name;
-        entry["text"] = message.m_text;
-        json["messages"].push_back(entry);
+public:
+    TEXT_PRINTER(bool carets, const READINGS* readings, OUTPUT_STREAM* output)
+        : m_carets(carets), m_readings(*readings), m_output(output)
+    {
     }
-    return dump(json);
+
+    void begin() override {}
+    void print(const LINT_MESSAGE& message) override;
+    void end(const LINT_SUMMARY& summary) override;
+
+private:
+    void show_source(const SOURCE_PLACE& place);
+    void show_namers(std::uint32_t reading);
+
+    bool m_carets;
+    const READINGS& m_readings;
+    OUTPUT_STREAM* m_output;
+    LINT_SOURCES m_sources;
+};
+
+void TEXT_PRINTER::print(const LINT_MESSAGE& message)
+{
+    const SOURCE_PLACE& place = message.m_place;
+    std::string text = make_visible(m_readings.name_of(place.m_reading));
+    text.append(":").append(std::to_string(place.m_line));
+    text.append(":").append(std::to_string(place.m_column)).append(": ");
+    text.append(name_of(message.m_severity)).append(": ").append(make_visible(message.m_text));
+    text.append(" [").append(describe(message.m_rule).m_name).append("]\n");
+    m_output->append(text);
+    if (m_carets) {
+        show_source(place);
+    }
+    show_namers(place.m_reading);
 }
 
-std::string print_as_sarif(const LINT_MESSAGES& messages)
+void TEXT_PRINTER::show_namers(std::uint32_t reading)
 {
-    LINT_SOURCES sources;
-    JSON driver;
-    driver["name"] = "pllcalc";
-    driver["version"] = PLLCALC_VERSION;
-    driver["rules"] = JSON::array();
-    for (const LINT_RULE& rule : lint_rules()) {
-        driver["rules"].push_back(sarif_rule(rule));
+    while (m_readings.kind_of(reading) != READING_KIND::TOP) {
+        const bool is_table = m_readings.kind_of(reading) == READING_KIND::TABLE;
+        const SOURCE_PLACE& namer = m_readings.namer_of(reading);
+        m_output->append(std::string(is_table ? "  table of " : "  included from ") +
+                         make_visible(m_readings.name_of(namer.m_reading)) + ":" +
+                         std::to_string(namer.m_line) + "\n");
+        reading = namer.m_reading;
     }
-    JSON run;
-    run["tool"]["driver"] = driver;
-    run["columnKind"] = "unicodeCodePoints";
-    run["results"] = JSON::array();
-    for (const LINT_MESSAGE& message : messages.get()) {
-        run["results"].push_back(sarif_result(message, &sources));
+}
+
+// The characters of a long line around a column.
+std::string_view cut_out(std::string_view line, std::size_t column, std::size_t* first)
+{
+    constexpr std::size_t WIDTH = 100;
+    constexpr std::size_t BEFORE = 60;
+    *first = column > WIDTH ? column - BEFORE : 0;
+    const std::size_t start = byte_of_character(line, *first);
+    return line.substr(start, byte_of_character(line, *first + WIDTH) - start);
+}
+
+// The line, and a caret with tildes below the word; tabs stay tabs, so that it stands there.
+void TEXT_PRINTER::show_source(const SOURCE_PLACE& place)
+{
+    std::string_view line = m_sources.line(m_readings.name_of(place.m_reading), place.m_line);
+    const std::size_t column = place.m_column - 1;
+    std::size_t first = 0;
+    line = cut_out(line, column, &first);
+    std::string shown = "  ";
+    std::string marks = "  ";
+    std::size_t at = first;
+    for (std::size_t i = 0; i < line.size(); ++at) {
+        const std::size_t end = byte_of_character(line.substr(i), 1) + i;
+        const std::string character(line.substr(i, end - i));
+        const bool is_tab = character == "\t";
+        const std::string visible = is_tab ? character : make_visible(character);
+        const std::size_t width = is_tab ? 1 : width_of_text(visible);
+        const bool is_marked = at >= column && at < column + place.m_length;
+        shown += visible;
+        if (at < column) {
+            marks += is_tab ? visible : std::string(width, ' ');
+        } else if (is_marked) {
+            marks += std::string(at == column ? "^" : "") +
+                     std::string(width - std::min<std::size_t>(width, at == column ? 1 : 0), '~');
+        }
+        i = end;
     }
-    JSON json;
-    json["$schema"] = "https://json.schemastore.org/sarif-2.1.0.json";
-    json["version"] = "2.1.0";
-    json["runs"] = JSON::array({run});
-    return dump(json);
+    marks += at <= column ? "^" : "";
+    m_output->append(shown + "\n" + marks + "\n");
+}
+
+void TEXT_PRINTER::end(const LINT_SUMMARY& summary)
+{
+    std::string text;
+    for (const LINT_SEVERITY severity :
+         {LINT_SEVERITY::ERROR, LINT_SEVERITY::WARNING, LINT_SEVERITY::NOTE}) {
+        const std::size_t count = summary.count(severity);
+        if (count > 0) {
+            text += (text.empty() ? "" : ", ") + counted(count, name_of(severity));
+        }
+    }
+    if (summary.m_not_shown > 0) {
+        text += ", of which " + std::to_string(summary.m_not_shown) + " are not shown";
+    }
+    m_output->append((text.empty() ? "nothing wrong" : text) + " in " + looked_at(summary) + "\n");
+}
+
+// ---- JSON
+
+class JSON_PRINTER : public LINT_PRINTER
+{
+public:
+    JSON_PRINTER(const READINGS* readings, OUTPUT_STREAM* output)
+        : m_readings(*readings), m_output(output)
+    {
+    }
+
+    void begin() override { m_output->append("{\n  \"messages\": ["); }
+    void print(const LINT_MESSAGE& message) override;
+    void end(const LINT_SUMMARY& summary) override;
+
+private:
+    const READINGS& m_readings;
+    OUTPUT_STREAM* m_output;
+    bool m_has_message = false;
+};
+
+void JSON_PRINTER::print(const LINT_MESSAGE& message)
+{
+    const SOURCE_PLACE& place = message.m_place;
+    std::string text = m_has_message ? "," : "";
+    m_has_message = true;
+    text.append("\n    {\n      \"file\": ").append(json_text(m_readings.name_of(place.m_reading)));
+    text.append(",\n      \"line\": ").append(std::to_string(place.m_line));
+    text.append(",\n      \"column\": ").append(std::to_string(place.m_column));
+    text.append(",\n      \"length\": ").append(std::to_string(place.m_length));
+    text.append(",\n      \"severity\": \"").append(name_of(message.m_severity));
+    text.append("\",\n      \"name\": \"").append(describe(message.m_rule).m_name);
+    text.append("\",\n      \"text\": ").append(json_text(message.m_text));
+    const char* separator = ",\n      \"included_from\": [";
+    std::uint32_t reading = place.m_reading;
+    for (; m_readings.kind_of(reading) != READING_KIND::TOP;
+         reading = m_readings.namer_of(reading).m_reading) {
+        const SOURCE_PLACE& namer = m_readings.namer_of(reading);
+        text.append(separator).append("{\"file\": ");
+        text.append(json_text(m_readings.name_of(namer.m_reading)));
+        text.append(", \"line\": ").append(std::to_string(namer.m_line)).append("}");
+        separator = ", ";
+    }
+    text += reading == place.m_reading ? "" : "]";
+    m_output->append(text + "\n    }");
+}
+
+void JSON_PRINTER::end(const LINT_SUMMARY& summary)
+{
+    const auto entry = [](const char* key, std::size_t count) {
+        return std::string("\"") + key + "\": " + std::to_string(count);
+    };
+    m_output->append(
+        std::string(m_has_message ? "\n  " : "") + "],\n  " +
+        entry("errors", summary.count(LINT_SEVERITY::ERROR)) + ",\n  " +
+        entry("warnings", summary.count(LINT_SEVERITY::WARNING)) + ",\n  " +
+        entry("notes", summary.count(LINT_SEVERITY::NOTE)) + ",\n  " +
+        entry("not_shown", summary.m_not_shown) + ",\n  \"looked_at\": {" +
+        entry("files", summary.m_files) + ", " + entry("families", summary.m_families) + ", " +
+        entry("parts", summary.m_parts) + ", " + entry("statements", summary.m_statements) + ", " +
+        entry("rows", summary.m_rows) + "}\n}\n");
+}
+
+}  // namespace
+
+std::unique_ptr<LINT_PRINTER> make_lint_printer(LINT_FORMAT format, bool carets,
+                                                const READINGS* readings, OUTPUT_STREAM* output)
+{
+    switch (format) {
+    case LINT_FORMAT::TEXT:
+        return std::make_unique<TEXT_PRINTER>(carets, readings, output);
+    case LINT_FORMAT::JSON:
+        return std::make_unique<JSON_PRINTER>(readings, output);
+    case LINT_FORMAT::SARIF:
+        return make_sarif_printer(readings, output);
+    }
+    return nullptr;
 }

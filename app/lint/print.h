@@ -1,15 +1,20 @@
-// Prints messages on a database.
+// Writes messages for people and for programs, one after the other as they come.
 #pragma once
 
 #include "app/lint/messages.h"
+#include "app/output/output.h"
 
-#include <string>
+#include <memory>
 
-// FILE:LINE:COLUMN: error|warning: TEXT [NAME], one a line; with `carets` also the source line and
-// a caret below its column.
-std::string print_as_text(const LINT_MESSAGES& messages, bool carets);
+enum class LINT_FORMAT
+{
+    TEXT,
+    JSON,
+    SARIF
+};
 
-std::string print_as_json(const LINT_MESSAGES& messages);
+// `carets`: in a text, the source line stands below each message.
+std::unique_ptr<LINT_PRINTER> make_lint_printer(LINT_FORMAT format, bool carets,
+                                                const READINGS* readings, OUTPUT_STREAM* output);
 
-// Static Analysis Results Interchange Format 2.1.0, for review tools.
-std::string print_as_sarif(const LINT_MESSAGES& messages);
+std::unique_ptr<LINT_PRINTER> make_sarif_printer(const READINGS* readings, OUTPUT_STREAM* output);

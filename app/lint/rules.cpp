@@ -1,250 +1,362 @@
-// The rules of lint: for each finding what it means and how a message says it.
-#include "app/lint/messages.h"
-
-#include "app/output/input_file.h"
-#include "app/words/suggestion.h"
-
-#include "pll_manager.h"
+#include "app/lint/rules.h"
 
 #include <iterator>
 
 namespace {
 
-// In texts, {word}, {keyword} and so on stand for what the finding holds; {suggestion} is the
-// nearest word of the right ones, {words} are all of them. The second text is for a missing word.
-struct READER_RULE
-{
-    PLL_FINDING m_finding;
-    const char* m_description;
-    const char* m_text;
-    const char* m_text_without_word;
-};
-
+// In the order of LINT_RULE.
 // clang-format off
-const READER_RULE READER_RULES[] = {
-    {PLL_FINDING::PATH_FILE_NOT_OPENED, "The path file of the database cannot be opened.",
-     "cannot open the path file '{word}'", nullptr},
-    {PLL_FINDING::NO_FAMILY, "The path file names no family.",
-     "the path file names no family; a line holds a family, its sub-directory and its file", nullptr},
-    {PLL_FINDING::FAMILY_WITHOUT_FILE, "The path file gives a family no file.",
-     "family '{word}' has no file; a line holds a family, its sub-directory and its file", nullptr},
-    {PLL_FINDING::FAMILY_FILE_NOT_OPENED, "A family file cannot be opened.",
-     "cannot open the family file '{word}'", nullptr},
-    {PLL_FINDING::NO_STATEMENT, "A family file holds no statement.",
-     "the file holds no statement; a family file begins with 'family NAME'", nullptr},
-    {PLL_FINDING::UNKNOWN_KEYWORD, "A statement begins with a word that is no keyword.",
-     "unknown keyword '{word}'{suggestion}", nullptr},
-    {PLL_FINDING::UNKNOWN_PLL_TYPE, "A PLL type is unknown or missing.",
-     "unknown PLL type '{word}'; legal are {words}{suggestion}",
-     "'{keyword}' needs a PLL type; legal are {words}"},
-    {PLL_FINDING::NAME_MISSING, "A keyword lacks its name.",
-     "'{keyword}' needs a name", "'{keyword}' needs a name"},
-    {PLL_FINDING::NUMBER_EXPECTED, "A whole number is missing or malformed.",
-     "'{keyword}' takes a whole number of digits alone, not '{word}'",
-     "'{keyword}' needs a whole number"},
-    {PLL_FINDING::REAL_EXPECTED, "A real number is missing, malformed or zero.",
-     "'{keyword}' takes a number other than zero, not '{word}'",
-     "'{keyword}' needs a number other than zero"},
-    {PLL_FINDING::LIST_EMPTY, "A list holds no value.",
-     "'{keyword}' takes one value or more, and '{word}' is none",
-     "'{keyword}' needs one value or more"},
-    {PLL_FINDING::INCLUDE_TOO_DEEP, "Files include each other too deep.",
-     "'{word}' cannot be included: eight files are open already, each including the next",
-     "a file cannot be included: eight files are open already, each including the next"},
-    {PLL_FINDING::TOO_MANY_FILES, "One reading opens too many files.",
-     "'{word}' cannot be included: a thousand files were read already",
-     "a file cannot be included: a thousand files were read already"},
-    {PLL_FINDING::TABLE_NOT_OPENED, "A bandwidth table cannot be opened.",
-     "cannot open the bandwidth table '{word}'; a PLL type without one says 'unused'", nullptr},
-    {PLL_FINDING::TABLE_TOO_LARGE, "The counters ask for a bandwidth table that cannot be.",
-     "vco_post_scale_counter_max x m_counter_max + 1 asks for a bandwidth table of {value} groups; "
-     "0 to {limit} are possible", nullptr},
-    {PLL_FINDING::TABLE_FORMAT_MISSING, "No blank ends the format word of a bandwidth table.",
-     "no blank ends the format word '{word}'; line 1 begins with 'V2 ', 'SIMPLE_V1 ' or 'V1 '",
-     "no format word; line 1 begins with 'V2 ', 'SIMPLE_V1 ' or 'V1 '"},
-    {PLL_FINDING::TABLE_NUMBER_EXPECTED, "A column of a bandwidth table is missing or no number.",
-     "'{word}' is no number that this column can hold",
-     "a row lacks columns; an empty line would end the table, a line of blanks does not"},
-    {PLL_FINDING::TABLE_LINE_UNFINISHED, "The last row of a bandwidth table lacks its line break.",
-     "no line break follows the last row", nullptr},
-    {PLL_FINDING::TABLE_WITHOUT_ROWS, "A bandwidth table stores no row.",
-     "the table has no row; rows begin on line 3, and an empty line ends them",
-     "the table has no row; rows begin on line 3, and an empty line ends them"},
-    {PLL_FINDING::READ_FAILED, "The system cannot read on in a file.",
-     "the system cannot read on from this line: {reason}",
-     "the system cannot read on from this line: {reason}"},
-    {PLL_FINDING::OUT_OF_MEMORY, "Memory is exhausted.", "out of memory", nullptr},
-
-    {PLL_FINDING::OUT_OF_SCOPE, "A keyword stands before the one that gives it a place.",
-     "'{word}' has no effect here: no '{needed}' before it", nullptr},
-    {PLL_FINDING::INCLUDE_NOT_OPENED, "A file to include cannot be opened.",
-     "cannot open '{word}'; nothing is included",
-     "'{keyword}' needs a file; nothing is included"},
-    {PLL_FINDING::UNKNOWN_RECONFIG_TYPE, "A reconfiguration type is unknown or missing.",
-     "unknown reconfiguration type '{word}'; legal are {words}{suggestion}",
-     "'{keyword}' needs a reconfiguration type; legal are {words}"},
-    {PLL_FINDING::QUOTED_RECONFIG_TYPE, "A reconfiguration type stands in quotes.",
-     "{word} is unknown because of its quotes; a reconfiguration type stands without", nullptr},
-    {PLL_FINDING::UNKNOWN_COUNTER, "A scan chain names a counter that does not exist.",
-     "unknown counter '{word}'; legal are {words}{suggestion}", nullptr},
-    {PLL_FINDING::UNKNOWN_FLAG, "A flag has a value that counts as false.",
-     "'{word}' counts as false; write one of {words}",
-     "no value counts as false; write one of {words}"},
-    {PLL_FINDING::EXTRA_WORDS, "A line goes on after its last operand.",
-     "'{word}' has no effect: it stands after the last operand; '#' begins a comment", nullptr},
-    {PLL_FINDING::LIST_CUT_SHORT, "A word that is no number ends a list.",
-     "'{word}' ends the list: it and what follows are dropped", nullptr},
-    {PLL_FINDING::NUMBER_CUT, "A number does not fit 32 bits.",
-     "'{word}' becomes {value}: the largest number is {limit}", nullptr},
-    {PLL_FINDING::POST_SCALE_TOO_LARGE, "There is no such VCO post-scale.",
-     "there is no VCO post-scale {value}: the largest is {limit}", nullptr},
-    {PLL_FINDING::LINE_CUT, "A line is too long.",
-     "the line is cut here: it has {value} characters, of which {limit} are read",
-     "the line is cut here: it has {value} characters, of which {limit} are read"},
-    {PLL_FINDING::LINE_WITH_NUL, "A NUL character ends a line.",
-     "a NUL character ends the line here", "a NUL character ends the line here"},
-    {PLL_FINDING::PART_IN_OTHER_GRADE, "A part is met again in another speed grade.",
-     "part '{word}' is known in speed grade '{grade}' and stays there; the limits that follow "
-     "overwrite its first ones", nullptr},
-    {PLL_FINDING::FOREIGN_FAMILY, "A family is loaded through the file of another one.",
-     "part '{word}' makes family '{family}' count as loaded: its own file will not be read", nullptr},
-    {PLL_FINDING::TABLE_FORMAT_UNENDED, "The format word of a bandwidth table runs on.",
-     "'{word}' is not taken for the format word: that runs on to the next blank, in line 1", nullptr},
-    {PLL_FINDING::ROW_OVER_LINES, "A row of a bandwidth table goes on in the next line.",
-     "the row lacks columns and takes them from the lines below", nullptr},
-    {PLL_FINDING::ROW_WITHOUT_GROUP, "A row of a bandwidth table has an M that cannot be.",
-     "the row is dropped: M is {value}, and vco_post_scale_counter_max x m_counter_max is {limit}",
-     nullptr},
-    {PLL_FINDING::ROWS_AFTER_EMPTY_LINE, "Rows stand after the empty line that ends a table.",
-     "this row is not read: an empty line above ends the table", nullptr},
-    {PLL_FINDING::CARRIAGE_RETURN_LINE, "A line of a carriage return does not end a table.",
-     "this line looks empty, but holds a carriage return and does not end the table",
-     "this line looks empty, but holds a carriage return and does not end the table"},
-};
-
-struct DEVICE_RULE
-{
-    DEVICE_FINDING m_finding;
-    const char* m_name;
-    const char* m_description;
-};
-
-const DEVICE_RULE DEVICE_RULES[] = {
-    {DEVICE_FINDING::NO_CHARGE_PUMP_CURRENT, "no-charge-pump-current",
-     "A PLL type lists no charge-pump current."},
-    {DEVICE_FINDING::LOOP_FILTER_VALUE_MISSING, "loop-filter-value-missing",
-     "A PLL type lacks a value of its loop filter."},
-    {DEVICE_FINDING::LIMIT_UNSET, "limit-unset", "A limit that a synthesis needs is not given."},
-    {DEVICE_FINDING::LIMITS_CROSSED, "limits-crossed", "A lower limit lies above the upper one."},
-    {DEVICE_FINDING::NO_HIGH_LOW_MAX, "no-high-low-max",
-     "The halves of the output counters have no limit."},
-    {DEVICE_FINDING::TABLE_SIZE, "table-size",
-     "A bandwidth table does not have the size that the counters ask for."},
-    {DEVICE_FINDING::PRESET_OUTSIDE_TABLE, "preset-outside-table",
-     "No row of the bandwidth table reaches a preset."},
-    {DEVICE_FINDING::ROW_OUTSIDE_LISTS, "row-outside-lists",
-     "A row of a bandwidth table has a component that the PLL type does not list."},
-    {DEVICE_FINDING::INIT_FAILS, "init-fails", "A PLL cannot be initialised."},
-    {DEVICE_FINDING::DEVICE_SHEET, "device-sheet", "A device sheet cannot be used."},
+const LINT_RULE_TEXT RULES[] = {
+    {"path-file-not-opened", LINT_SEVERITY::ERROR,
+     "The path file of the database cannot be opened.",
+     "The folder is no database, or its ddb_pll_path.txt is missing or unreadable.",
+     "Name the folder that holds ddb_pll_path.txt, or write that file."},
+    {"file-not-opened", LINT_SEVERITY::ERROR,
+     "A file that was to be looked at cannot be opened.",
+     "The path on the command line is misspelled, or the file is no regular file or unreadable.",
+     "Correct the path."},
+    {"no-family", LINT_SEVERITY::ERROR,
+     "The path file names no family.",
+     "It holds comments and blank lines alone.",
+     "Write a line for each family: its name, its folder and its family file."},
+    {"family-without-file", LINT_SEVERITY::ERROR,
+     "The path file gives a family no file.",
+     "The line stops behind the name or the folder.",
+     "Add the folder and the family file to the line."},
+    {"family-file-not-opened", LINT_SEVERITY::ERROR,
+     "A family file cannot be opened.",
+     "Folder or file of the line in the path file are misspelled, or the file is missing or unreadable.",
+     "Correct the line; the folder is relative to that of the path file."},
+    {"family-twice", LINT_SEVERITY::WARNING,
+     "A family is named twice.",
+     "A line or a statement was copied. Of two lines of the path file the later one counts.",
+     "Remove one of them, or correct its name."},
+    {"byte-order-mark", LINT_SEVERITY::ERROR,
+     "A file begins with a byte-order mark.",
+     "An editor saved the file as \"UTF-8 with BOM\"; the mark becomes part of the first word.",
+     "Save the file as UTF-8 without a byte-order mark."},
+    {"utf-16", LINT_SEVERITY::ERROR,
+     "A file is encoded as UTF-16.",
+     "An editor saved the file as \"Unicode\"; every second character is a NUL.",
+     "Save the file as UTF-8 without a byte-order mark."},
+    {"no-utf-8", LINT_SEVERITY::WARNING,
+     "A file holds characters that are no UTF-8.",
+     "The file is saved as Latin-1 or in another old encoding; names of it match no name in UTF-8.",
+     "Save the file as UTF-8."},
+    {"no-statement", LINT_SEVERITY::ERROR,
+     "A family file holds no statement.",
+     "It is empty, or all of it is commented out.",
+     "Write its statements, beginning with 'family NAME'."},
+    {"unknown-keyword", LINT_SEVERITY::ERROR,
+     "A statement begins with a word that is no keyword.",
+     "A keyword is misspelled, or the line belongs to a comment or another file.",
+     "Correct the word; 'pllcalc keywords' lists all."},
+    {"unknown-pll-type", LINT_SEVERITY::ERROR,
+     "A PLL type is unknown or missing.",
+     "The name behind 'pll' is misspelled or left out.",
+     "Write ENHANCED_PLL, FAST_PLL, FAST_PLL_HIGH_SPEED or VESTRA_PLL."},
+    {"name-missing", LINT_SEVERITY::ERROR,
+     "A keyword lacks its name.",
+     "The line stops behind the keyword, or a comment begins there.",
+     "Write the name behind the keyword."},
+    {"number-expected", LINT_SEVERITY::ERROR,
+     "A whole number is missing or malformed.",
+     "A sign, a decimal point, an exponent, a unit or a comment stands in the number, or it is left out.",
+     "Write digits alone, in the unit of the keyword."},
+    {"real-expected", LINT_SEVERITY::ERROR,
+     "A real number is missing, malformed or zero.",
+     "The number is left out, is a word, or is zero, which counts as missing.",
+     "Write a number other than zero with a decimal point, or leave the statement out."},
+    {"list-empty", LINT_SEVERITY::ERROR,
+     "A list holds no value.",
+     "The line stops behind the keyword, or its first word is no number.",
+     "Write one value or more, with blanks between them."},
+    {"include-too-deep", LINT_SEVERITY::ERROR,
+     "Files include each other too deep.",
+     "A file includes itself, directly or through others, or more than eight are open at a time.",
+     "Include the file where it is needed, once."},
+    {"too-many-files", LINT_SEVERITY::ERROR,
+     "One reading opens too many files.",
+     "Files that include each other many times.",
+     "Include each file where it is needed, once."},
+    {"include-not-opened", LINT_SEVERITY::ERROR,
+     "A file to include cannot be opened.",
+     "Its name is misspelled, missing, or not relative to the folder of the family.",
+     "Correct the name; the folder is that of the family, whichever file includes it."},
+    {"out-of-scope", LINT_SEVERITY::WARNING,
+     "Statements stand before the one that gives them a place.",
+     "'family', 'pll', 'speed_grade', 'part' or 'reconfig_type' is missing above them, or stands below.",
+     "Put the missing statement in front of the first of them."},
+    {"stale-part", LINT_SEVERITY::WARNING,
+     "Limits follow a new speed grade or PLL type without a new part.",
+     "A 'part' statement is missing; the limits overwrite those of the part before.",
+     "Put a 'part' in front of the first of them."},
+    {"fragment", LINT_SEVERITY::NOTE,
+     "A file selects no family.",
+     "It is a part of a family file, to be included.",
+     "Look at it with --within FAMILY_FILE."},
+    {"unknown-reconfig-type", LINT_SEVERITY::WARNING,
+     "A reconfiguration type is unknown or missing.",
+     "The word is misspelled or left out; the scan chain that follows has no effect.",
+     "Write none, short, long or enhanced."},
+    {"quoted-reconfig-type", LINT_SEVERITY::WARNING,
+     "A reconfiguration type stands in quotes.",
+     "A word takes no quotes: they become part of it, and it is unknown.",
+     "Remove the quotes."},
+    {"unknown-counter", LINT_SEVERITY::WARNING,
+     "A scan chain names a counter that does not exist.",
+     "The name is misspelled.",
+     "Write L0, L1, G0 to G3, E0 to E3, C0 to C5, M, N, L0TAP or L1TAP."},
+    {"unknown-flag", LINT_SEVERITY::WARNING,
+     "A flag has a value that counts as false.",
+     "The word is none of true, yes, on, false, no and off, or is missing.",
+     "Write yes or no."},
+    {"extra-words", LINT_SEVERITY::WARNING,
+     "A line goes on after its last operand.",
+     "A name with blanks stands without quotes, a '#' is missing before a comment, or two statements stand in one line.",
+     "Quote the name, begin the comment with '#', or use a line of its own."},
+    {"comment-in-name", LINT_SEVERITY::WARNING,
+     "A '#' stands within a word.",
+     "No blank stands before the '#', so that it begins no comment.",
+     "Put a blank before the '#'; quote a name that holds one."},
+    {"quote-not-closed", LINT_SEVERITY::WARNING,
+     "A name has an opening quote alone.",
+     "The second quote is missing: the name reaches to the end of the line.",
+     "Put a quote behind the name."},
+    {"list-cut-short", LINT_SEVERITY::WARNING,
+     "A word that is no number ends a list.",
+     "A number of the list is malformed; it and all behind it are dropped.",
+     "Correct the number; lists hold whole numbers with blanks between them."},
+    {"number-cut", LINT_SEVERITY::WARNING,
+     "A number does not fit 32 bits.",
+     "A digit too many, or another unit.",
+     "Write at most 2147483647."},
+    {"post-scale-too-large", LINT_SEVERITY::ERROR,
+     "There is no such VCO post-scale.",
+     "The post-scale is above 2, or the value stands before it.",
+     "Write 1 or 2."},
+    {"line-cut", LINT_SEVERITY::WARNING,
+     "A line is too long.",
+     "Of a line, 1023 characters are read.",
+     "Shorten it; lists may be given as _bit lists or fewer values."},
+    {"line-with-nul", LINT_SEVERITY::WARNING,
+     "A NUL character ends a line.",
+     "The file is damaged, or is no text.",
+     "Remove the NUL."},
+    {"statement-twice", LINT_SEVERITY::WARNING,
+     "A statement overwrites what stands in the same file.",
+     "A line was copied and its keyword kept, or a 'part' or 'pll' is missing above it.",
+     "Remove one of the statements, or put the missing one in front."},
+    {"part-in-other-grade", LINT_SEVERITY::WARNING,
+     "A part is met again in another speed grade.",
+     "A part name is one record, with the speed grade in which it was first met.",
+     "Give each part and speed grade a name of its own."},
+    {"part-twice", LINT_SEVERITY::WARNING,
+     "A part is met again in the same speed grade.",
+     "A line was copied and the name kept: the limits that follow overwrite the first ones.",
+     "Correct the name, or put the limits together."},
+    {"grade-without-part", LINT_SEVERITY::WARNING,
+     "No part stands in a speed grade.",
+     "Its parts are missing, or the statement stands in the wrong place.",
+     "Add the parts, or remove the statement."},
+    {"two-families", LINT_SEVERITY::WARNING,
+     "A family file describes a second family.",
+     "The tables and the list of speed grades go to the last family of a file alone.",
+     "Give each family a file of its own."},
+    {"foreign-family", LINT_SEVERITY::WARNING,
+     "A family is loaded through the file of another one.",
+     "A part of it makes it count as read: its own file is never opened then.",
+     "Move the statements into the file of that family."},
+    {"family-name-differs", LINT_SEVERITY::ERROR,
+     "A family file is about another family than the path file says.",
+     "The name is misspelled in one of the two files.",
+     "Write the same name in both."},
+    {"init-fails", LINT_SEVERITY::ERROR,
+     "A family or a PLL type has no part.",
+     "'part' statements are missing, or have no effect where they stand.",
+     "Add a 'part' behind 'family', 'pll' and 'speed_grade'."},
+    {"value-out-of-range", LINT_SEVERITY::WARNING,
+     "A value lies outside the range of its keyword.",
+     "A digit too many or too few, or a count in the place of another.",
+     "Write a value of the range that 'pllcalc keywords' states."},
+    {"unit-doubtful", LINT_SEVERITY::WARNING,
+     "A value cannot be meant in the unit of its keyword.",
+     "Periods are in ps, bandwidths in Hz, spreads are fractions; another unit was meant.",
+     "Convert the value; a period in ps is 1000000 over the frequency in MHz."},
+    {"limits-crossed", LINT_SEVERITY::ERROR,
+     "A lower limit lies above the upper one: nothing is legal.",
+     "The two are exchanged: the smallest period belongs to the highest frequency.",
+     "Exchange them."},
+    {"limits-out-of-order", LINT_SEVERITY::WARNING,
+     "A lower value lies above the one that should be larger.",
+     "The two are exchanged, or one is in another unit.",
+     "Exchange or correct them."},
+    {"limit-unset", LINT_SEVERITY::ERROR,
+     "A limit that a synthesis needs is not given.",
+     "A missing limit is no freedom: nothing is legal without it.",
+     "Add the statements that the message names."},
+    {"center-outside", LINT_SEVERITY::WARNING,
+     "A VCO centre lies outside the VCO range.",
+     "The centre is a frequency, or that of another part.",
+     "Write a period between vco_min and vco_max."},
+    {"center-missing", LINT_SEVERITY::WARNING,
+     "A part has no VCO centre.",
+     "'vco_center' was left out: every VCO period costs as far as it lies from an unset one.",
+     "Add 'vco_center', in ps."},
+    {"input-pfd-exclude", LINT_SEVERITY::ERROR,
+     "No input period gives a legal PFD period.",
+     "The PFD runs at the input period times N; the two ranges never meet.",
+     "Correct the ranges or n_counter_max."},
+    {"vco-pfd-exclude", LINT_SEVERITY::ERROR,
+     "No VCO period fits a legal PFD period.",
+     "The PFD period is M VCO periods; with every M of the device the two ranges never meet.",
+     "Correct the ranges or m_counter_max."},
+    {"default-not-listed", LINT_SEVERITY::WARNING,
+     "A default is none of the listed values.",
+     "The default or the list was changed alone.",
+     "List the value, or take one of the list."},
+    {"no-charge-pump-current", LINT_SEVERITY::ERROR,
+     "A PLL type lists no charge-pump current.",
+     "'charge_pump_current' is missing.",
+     "List the currents, in uA."},
+    {"loop-filter-value-missing", LINT_SEVERITY::WARNING,
+     "A PLL type lacks a value of its loop filter.",
+     "A component, its default or the VCO gain is never given, and counts as 0.",
+     "Add the statements that the message names."},
+    {"no-high-low-max", LINT_SEVERITY::ERROR,
+     "The halves of the output counters have no limit.",
+     "'output_counter_max' resets it to 0, and no output counter can divide then.",
+     "Write 'output_counter_high_low_max', with half the value."},
+    {"preset-outside-table", LINT_SEVERITY::WARNING,
+     "No row of the bandwidth table reaches a preset.",
+     "The preset is in another unit, or belongs to another table.",
+     "Write the preset in Hz, within the typical bandwidths of the table."},
+    {"multiplier-too-large", LINT_SEVERITY::WARNING,
+     "The PFD rule makes every row of the bandwidth table illegal.",
+     "'bandwidth_pfd_min_frequency_multiplier' times the lowest bandwidth lies above the fastest PFD.",
+     "Lower the multiplier, or correct 'pfd_min'."},
+    {"table-not-opened", LINT_SEVERITY::ERROR,
+     "A bandwidth table cannot be opened.",
+     "Its name is misspelled, or it does not lie in the folder of the family.",
+     "Correct the name; a PLL type without a table says 'unused'."},
+    {"table-too-large", LINT_SEVERITY::ERROR,
+     "The counters ask for a bandwidth table that cannot be.",
+     "vco_post_scale_counter_max x m_counter_max is too large.",
+     "Correct the counters."},
+    {"table-format-missing", LINT_SEVERITY::ERROR,
+     "No blank ends the format word of a bandwidth table.",
+     "The word ends its line, or the file holds no blank at all.",
+     "Write a blank behind V2, V1 or SIMPLE_V1."},
+    {"table-format-unended", LINT_SEVERITY::ERROR,
+     "The format word of a bandwidth table runs on.",
+     "A tab or a line break stands behind it, where a blank should.",
+     "Write a blank behind V2, V1 or SIMPLE_V1."},
+    {"table-format-unknown", LINT_SEVERITY::WARNING,
+     "The format word of a bandwidth table is unknown.",
+     "It is misspelled, and read as V1.",
+     "Write V2, V1 or SIMPLE_V1."},
+    {"table-format-mismatch", LINT_SEVERITY::ERROR,
+     "The rows of a bandwidth table are those of another format.",
+     "The format word or the table was taken from another file: every column is shifted.",
+     "Write the format word that fits the rows."},
+    {"table-title-missing", LINT_SEVERITY::WARNING,
+     "A row stands where the titles of a bandwidth table should.",
+     "Line 2 is skipped, whatever it holds.",
+     "Put a line with the titles of the columns in front."},
+    {"table-number-expected", LINT_SEVERITY::ERROR,
+     "A column of a bandwidth table is missing or no number.",
+     "A word, a comment or a decimal point in a whole number; or a line of blanks at the end.",
+     "Write numbers with blanks between them; a table has no comments but behind the last column."},
+    {"table-line-unfinished", LINT_SEVERITY::ERROR,
+     "The last row of a bandwidth table lacks its line break.",
+     "An editor does not end the last line.",
+     "End it."},
+    {"table-without-rows", LINT_SEVERITY::ERROR,
+     "A bandwidth table stores no row.",
+     "The file stops before line 3, or line 3 is empty.",
+     "Write the rows from line 3 on, without empty lines."},
+    {"row-over-lines", LINT_SEVERITY::ERROR,
+     "A row of a bandwidth table is too short.",
+     "A column is missing: it is taken from the next line, and the rest of that line is lost.",
+     "Add the missing columns."},
+    {"extra-column", LINT_SEVERITY::WARNING,
+     "A row of a bandwidth table has numbers after its last column.",
+     "A column too many, or a row of another format.",
+     "Remove the number; a remark begins with '#' or a letter."},
+    {"row-without-group", LINT_SEVERITY::WARNING,
+     "A row of a bandwidth table has an M that cannot be.",
+     "M lies above vco_post_scale_counter_max x m_counter_max: the row is dropped.",
+     "Correct M, or the counters."},
+    {"row-m-zero", LINT_SEVERITY::WARNING,
+     "A row of a bandwidth table is for M 0.",
+     "No feedback divides by 0: the row is never taken.",
+     "Correct M."},
+    {"row-twice", LINT_SEVERITY::WARNING,
+     "A row of a bandwidth table stands there twice.",
+     "A line was copied: the second is never taken.",
+     "Remove or correct it."},
+    {"row-outside-lists", LINT_SEVERITY::WARNING,
+     "A row of a bandwidth table has a component that the PLL type does not list.",
+     "The list or the row is wrong, or a column is missing.",
+     "List the value, or correct the row."},
+    {"corners-out-of-order", LINT_SEVERITY::WARNING,
+     "The corners of a row are not in order.",
+     "The columns are typical, fast, slow: the fast bandwidth is the largest, the slow one the smallest.",
+     "Exchange the columns."},
+    {"result-implausible", LINT_SEVERITY::WARNING,
+     "A result of a row cannot be meant.",
+     "A bandwidth is not in MHz, a phase margin not in degrees, or columns are exchanged.",
+     "Convert the value, or exchange the columns."},
+    {"rows-after-empty-line", LINT_SEVERITY::WARNING,
+     "Rows stand after the empty line that ends a table.",
+     "An empty line separates groups of rows, but ends the table.",
+     "Remove the empty line."},
+    {"carriage-return-line", LINT_SEVERITY::WARNING,
+     "A line of a carriage return does not end a table.",
+     "The line looks empty, but only a line feed alone makes it so.",
+     "Remove the line, or its carriage return."},
+    {"unknown-rule", LINT_SEVERITY::WARNING,
+     "A comment allows a rule that does not exist.",
+     "The name behind '# lint: allow' is misspelled.",
+     "Write a rule of 'pllcalc lint --explain'."},
+    {"device-sheet", LINT_SEVERITY::ERROR,
+     "A device sheet cannot be used.",
+     "A key is unknown or missing, or its value is none that it can have.",
+     "Correct the line; docs/device-sheets.md describes the keys."},
 };
 // clang-format on
 
-constexpr std::size_t NUMBER_OF_READER_RULES = static_cast<std::size_t>(PLL_FINDING::NONE);
-static_assert(std::size(READER_RULES) == NUMBER_OF_READER_RULES);
+static_assert(std::size(RULES) == NUMBER_OF_LINT_RULES);
 
-std::vector<std::string_view> words_of(PLL_VOCABULARY vocabulary)
-{
-    std::vector<std::string_view> words;
-    for (int i = 0; pll_get_word(vocabulary, i) != nullptr; ++i) {
-        words.emplace_back(pll_get_word(vocabulary, i));
-    }
-    return words;
-}
-
-std::string join(const std::vector<std::string_view>& words)
-{
-    std::string text;
-    for (const std::string_view word : words) {
-        text.append(text.empty() ? "" : ", ").append(word);
-    }
-    return text;
-}
-
-// What a word stands for in a text.
-std::string value_of(std::string_view name, const PLL_READ_FINDING& finding)
-{
-    const std::vector<std::string_view> words = words_of(finding.m_vocabulary);
-    const std::pair<std::string_view, std::string> VALUES[] = {
-        {"word", finding.m_word},
-        {"keyword", finding.m_keyword},
-        {"needed", finding.m_needed},
-        {"value", std::to_string(finding.m_value)},
-        {"limit", std::to_string(finding.m_limit)},
-        {"family", finding.m_family == nullptr ? "" : finding.m_family->m_name},
-        {"grade", finding.m_part == nullptr ? "" : finding.m_part->m_speed_grade},
-        {"words", join(words)},
-        {"suggestion", suggest(finding.m_word, words)},
-        {"reason", describe_system_error(finding.m_system_error)},
-    };
-    for (const auto& [value_name, value] : VALUES) {
-        if (value_name == name) {
-            return value;
-        }
-    }
-    return std::string();
-}
-
-// An editor's mark at the start of a file is part of its first word.
-bool has_byte_order_mark(std::string_view word)
-{
-    return word.substr(0, 3) == "\xEF\xBB\xBF";
-}
+const char* const SEVERITIES[] = {"error", "warning", "note"};
 
 }  // namespace
 
-const std::vector<LINT_RULE>& lint_rules()
+const LINT_RULE_TEXT& describe(LINT_RULE rule)
 {
-    static const std::vector<LINT_RULE> RULES = [] {
-        std::vector<LINT_RULE> rules;
-        for (const READER_RULE& rule : READER_RULES) {
-            rules.push_back({pll_get_finding_name(rule.m_finding),
-                             pll_is_read_error(rule.m_finding), rule.m_description});
+    return RULES[static_cast<std::size_t>(rule)];
+}
+
+std::optional<LINT_RULE> find_rule(std::string_view name)
+{
+    for (std::size_t i = 0; i < NUMBER_OF_LINT_RULES; ++i) {
+        if (name == RULES[i].m_name) {
+            return static_cast<LINT_RULE>(i);
         }
-        for (const DEVICE_RULE& rule : DEVICE_RULES) {
-            rules.push_back(
-                {rule.m_name, rule.m_finding == DEVICE_FINDING::DEVICE_SHEET, rule.m_description});
-        }
-        return rules;
-    }();
-    return RULES;
-}
-
-std::size_t rule_of(PLL_FINDING finding)
-{
-    return static_cast<std::size_t>(finding);
-}
-
-std::size_t rule_of(DEVICE_FINDING finding)
-{
-    return NUMBER_OF_READER_RULES + static_cast<std::size_t>(finding);
-}
-
-std::string text_of(const PLL_READ_FINDING& finding)
-{
-    if (finding.m_finding == PLL_FINDING::UNKNOWN_KEYWORD && has_byte_order_mark(finding.m_word)) {
-        return "the file begins with a byte-order mark, which makes its first keyword unknown";
     }
-    const READER_RULE& rule = READER_RULES[rule_of(finding.m_finding)];
-    const bool has_word = *finding.m_word != '\0' || rule.m_text_without_word == nullptr;
-    const std::string_view pattern = has_word ? rule.m_text : rule.m_text_without_word;
-    std::string text;
-    std::size_t done = 0;
-    for (std::size_t open = pattern.find('{'); open != std::string_view::npos;
-         open = pattern.find('{', done)) {
-        const std::size_t close = pattern.find('}', open);
-        text += pattern.substr(done, open - done);
-        text += value_of(pattern.substr(open + 1, close - open - 1), finding);
-        done = close + 1;
+    return std::nullopt;
+}
+
+std::vector<std::string_view> list_rules()
+{
+    std::vector<std::string_view> names;
+    for (const LINT_RULE_TEXT& rule : RULES) {
+        names.emplace_back(rule.m_name);
     }
-    return text.append(pattern.substr(done));
+    return names;
+}
+
+const char* name_of(LINT_SEVERITY severity)
+{
+    return SEVERITIES[static_cast<std::size_t>(severity)];
 }

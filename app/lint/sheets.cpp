@@ -12,20 +12,15 @@ namespace fs = std::filesystem;
 constexpr const char* SHEET_SUFFIX = ".toml";
 constexpr const char* NOT_PUBLISHED = "not published";
 
-bool is_about_the_filter(const LINT_MESSAGE& message)
-{
-    return message.m_rule == rule_of(DEVICE_FINDING::NO_CHARGE_PUMP_CURRENT) ||
-           message.m_rule == rule_of(DEVICE_FINDING::LOOP_FILTER_VALUE_MISSING);
-}
-
-void add_problems(const std::vector<advice::SHEET_PROBLEM>& problems, LINT_MESSAGES* messages)
+void add_problems(const std::vector<advice::SHEET_PROBLEM>& problems, READINGS* readings,
+                  LINT_MESSAGES* messages)
 {
     for (const advice::SHEET_PROBLEM& problem : problems) {
-        LINT_PLACE place;
-        place.m_file = problem.m_file;
-        place.m_line = std::max(problem.m_line, 1);
-        place.m_column = std::max(problem.m_column, 1);
-        messages->add(rule_of(DEVICE_FINDING::DEVICE_SHEET), place, problem.m_text);
+        SOURCE_PLACE place;
+        place.m_reading = readings->add(problem.m_file);
+        place.m_line = static_cast<std::uint32_t>(std::max(problem.m_line, 1));
+        place.m_column = static_cast<std::uint32_t>(std::max(problem.m_column, 1));
+        messages->add(LINT_RULE::DEVICE_SHEET, place, problem.m_text);
     }
 }
 
@@ -36,22 +31,21 @@ bool is_sheet(const std::string& file)
     return fs::path(file).extension() == SHEET_SUFFIX;
 }
 
-void lint_sheet(const std::string& file, LINT_MESSAGES* messages)
+void lint_sheet(const std::string& file, READINGS* readings, LINT_MESSAGES* messages)
 {
-    add_problems(advice::read_sheet(file).m_problems, messages);
+    readings->add(file);
+    add_problems(advice::read_sheet(file).m_problems, readings, messages);
 }
 
-void lint_sheets(const std::string& directory, LINT_MESSAGES* messages)
+void lint_sheets(const std::string& directory, READINGS* readings, LINT_MESSAGES* messages)
 {
     const advice::SHEET_CATALOG catalog(directory);
     for (const advice::SHEET* sheet : catalog.get_sheets()) {
-        const fs::path folder = fs::path(sheet->m_file).parent_path().lexically_normal();
+        const std::string folder = fs::path(sheet->m_file).parent_path().lexically_normal();
         if (sheet->m_filter == NOT_PUBLISHED) {
-            messages->remove_if([&](const LINT_MESSAGE& message) {
-                return is_about_the_filter(message) &&
-                       fs::path(message.m_place.m_file).parent_path().lexically_normal() == folder;
-            });
+            messages->allow_in_folder(folder, LINT_RULE::NO_CHARGE_PUMP_CURRENT);
+            messages->allow_in_folder(folder, LINT_RULE::LOOP_FILTER_VALUE_MISSING);
         }
     }
-    add_problems(catalog.get_problems(), messages);
+    add_problems(catalog.get_problems(), readings, messages);
 }

@@ -1,34 +1,31 @@
 #include "app/lint/sources.h"
 
-#include "app/output/input_file.h"
+#include "app/source/text_file.h"
 
-#include <fstream>
+#include <algorithm>
 
-namespace {
-
-// None of what is no file: reading a pipe or a device need not end.
-std::vector<std::string> read_lines(const std::string& file)
+// The standard input is read once only: its lines are not shown.
+void LINT_SOURCES::open(const std::string& file)
 {
-    std::vector<std::string> lines;
-    if (why_unreadable(file)) {
-        return lines;
-    }
-    std::ifstream stream(file, std::ios::binary);
-    for (std::string line; std::getline(stream, line);) {
-        lines.push_back(line);
-    }
-    return lines;
+    std::string ignored;
+    m_file = file;
+    m_text = file == STANDARD_INPUT ? "" : read_text(file, &ignored).value_or("");
+    m_at = 0;
+    m_line = 1;
 }
 
-}  // namespace
-
-const std::string& LINT_SOURCES::line(const std::string& file, int line)
+std::string_view LINT_SOURCES::line(const std::string& file, std::uint32_t line)
 {
-    static const std::string NO_LINE;
-    const auto known = m_lines.find(file);
-    const std::vector<std::string>& lines =
-        known != m_lines.end() ? known->second
-                               : m_lines.emplace(file, read_lines(file)).first->second;
-    const std::size_t index = static_cast<std::size_t>(line) - 1;
-    return index < lines.size() ? lines[index] : NO_LINE;
+    if (file != m_file) {
+        open(file);
+    }
+    if (line < m_line) {
+        m_at = 0;
+        m_line = 1;
+    }
+    for (; m_line < line && m_at < m_text.size(); ++m_line) {
+        m_at = std::min(m_text.find('\n', m_at), m_text.size() - 1) + 1;
+    }
+    const std::string_view rest = std::string_view(m_text).substr(m_at);
+    return m_line == line ? rest.substr(0, rest.find('\n')) : std::string_view();
 }

@@ -1,16 +1,22 @@
 // The files that messages are about, for showing their lines.
 #pragma once
 
-#include <map>
+#include <cstdint>
 #include <string>
-#include <vector>
+#include <string_view>
 
 class LINT_SOURCES
 {
 public:
-    // A line of a file, from 1; empty outside it. The file is read once.
-    const std::string& line(const std::string& file, int line);
+    // A line of a file, from 1; empty outside it. Lines are best asked for in their order: going
+    // back reads the file anew.
+    std::string_view line(const std::string& file, std::uint32_t line);
 
 private:
-    std::map<std::string, std::vector<std::string>> m_lines;  // by file
+    void open(const std::string& file);
+
+    std::string m_file;
+    std::string m_text;
+    std::size_t m_at = 0;  // where m_line begins
+    std::uint32_t m_line = 1;
 };

@@ -26,3 +26,27 @@ WRITE_RESULT write_output(const std::string& text, std::string* reason)
     }
     return WRITE_RESULT::DONE;
 }
+
+void OUTPUT_STREAM::append(std::string_view text)
+{
+    constexpr std::size_t PIECE = 65536;
+    m_text.append(text);
+    if (m_text.size() >= PIECE) {
+        write();
+    }
+}
+
+void OUTPUT_STREAM::write()
+{
+    if (m_result == WRITE_RESULT::DONE) {
+        m_result = write_output(m_text, &m_reason);
+    }
+    m_text.clear();
+}
+
+WRITE_RESULT OUTPUT_STREAM::finish(std::string* reason)
+{
+    write();
+    *reason = m_reason;
+    return m_result;
+}

@@ -160,7 +160,7 @@ TEST(RealDevices, LintCleanAndTheirSheetsAreLinted)
 {
     const RUN clean = run_pllcalc("lint -Werror @DATA@/devices");
     EXPECT_EQ(MET, clean.m_status) << clean.m_output;
-    EXPECT_EQ("", clean.m_output);
+    EXPECT_THAT(clean.m_output, HasSubstr("nothing wrong in "));
     EXPECT_EQ(MET, run_pllcalc("lint @DATA@/devices/ecp5/ecp5.toml").m_status);
     EXPECT_EQ(3, run_pllcalc("lint @DATA@/broken/device-sheet/small/small.toml").m_status);
 }
