@@ -45,6 +45,7 @@ void lint_sheets(const std::string& directory, READINGS* readings, LINT_MESSAGES
         if (sheet->m_filter == NOT_PUBLISHED) {
             messages->allow_in_folder(folder, LINT_RULE::NO_CHARGE_PUMP_CURRENT);
             messages->allow_in_folder(folder, LINT_RULE::LOOP_FILTER_VALUE_MISSING);
+            messages->allow_in_folder(folder, LINT_RULE::CENTER_MISSING);
         }
     }
     add_problems(catalog.get_problems(), readings, messages);

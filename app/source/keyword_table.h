@@ -207,7 +207,7 @@ inline constexpr KEYWORD KEYWORDS[] = {
      "Shortest period at the phase-frequency detector: input period times N."},
     {"pfd_max", KEYWORD_SCOPE::PART, OPERAND::NUMBER, "ps", "1 and up", {1.0, MOST}, {1000.0, 2e9}, "none",
      "Longest period there."},
-    {"input_min", KEYWORD_SCOPE::PART, OPERAND::NUMBER, "ps", "1 and up", {1.0, MOST}, {100.0, 1e8}, "none",
+    {"input_min", KEYWORD_SCOPE::PART, OPERAND::NUMBER, "ps", "1 and up", {1.0, MOST}, {20.0, 1e8}, "none",
      "Shortest period of the input clock."},
     {"input_max", KEYWORD_SCOPE::PART, OPERAND::NUMBER, "ps", "1 and up", {1.0, MOST}, {500.0, 2e9}, "none",
      "Longest period of the input clock; for hosts."},
