@@ -125,7 +125,7 @@ void DATABASE_CHECK::check_path_family(const std::string& directory, PATH_FILE_R
 void DATABASE_CHECK::check_family_text(std::uint32_t reading, const std::string& folder,
                                        std::string text, const FAMILY_NAMES& names)
 {
-    FAMILY_FILE file(m_readings, m_messages, &m_lines, &m_undecided, &names, folder);
+    FAMILY_FILE file(&m_run, &names, folder);
     file.read(reading, std::move(text));
     check_families(file, m_readings, m_messages);
     const bool is_alone = names.expected().empty();
@@ -188,12 +188,12 @@ bool DATABASE_CHECK::check_file(const std::string& file)
 
 void DATABASE_CHECK::finish()
 {
-    for (const WAITING& waiting : m_undecided) {
+    for (const WAITING& waiting : m_run.m_undecided) {
         const std::uint32_t file = m_readings->file_of(waiting.m_place.m_reading);
-        if (!m_lines.has(file, waiting.m_place.m_line)) {
+        if (!m_run.m_lines.has(file, waiting.m_place.m_line)) {
             tell_of_waiting(waiting, m_messages);
         }
     }
-    m_undecided.clear();
+    m_run.m_undecided.clear();
     m_messages->finish();
 }

@@ -14,7 +14,7 @@ class DATABASE_CHECK
 {
 public:
     DATABASE_CHECK(READINGS* readings, LINT_MESSAGES* messages)
-        : m_readings(readings), m_messages(messages)
+        : m_readings(readings), m_messages(messages), m_run{readings, messages, {}, {}, {}}
     {
     }
 
@@ -42,6 +42,5 @@ private:
 
     READINGS* m_readings;
     LINT_MESSAGES* m_messages;
-    EFFECTIVE_LINES m_lines;
-    std::vector<WAITING> m_undecided;
+    LINT_RUN m_run;
 };

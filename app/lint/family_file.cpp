@@ -13,34 +13,34 @@ constexpr int MOST_FILES = 1000;
 
 }  // namespace
 
-FAMILY_FILE::FAMILY_FILE(READINGS* readings, LINT_MESSAGES* messages, EFFECTIVE_LINES* lines,
-                         std::vector<WAITING>* undecided, const FAMILY_NAMES* names,
-                         const std::string& folder)
-    : m_readings(readings),
-      m_messages(messages),
+FAMILY_FILE::FAMILY_FILE(LINT_RUN* run, const FAMILY_NAMES* names, const std::string& folder)
+    : m_texts(&run->m_texts),
+      m_readings(run->m_readings),
+      m_messages(run->m_messages),
       m_folder(folder),
-      m_scopes(readings, lines, undecided),
-      m_statements(readings, messages, &m_model, &m_scopes, names)
+      m_scopes(run->m_readings, &run->m_lines, &run->m_undecided),
+      m_statements(run->m_readings, run->m_messages, &m_model, &m_scopes, names)
 {
 }
 
-void FAMILY_FILE::open(std::uint32_t reading, const std::string& shown, std::string text)
+void FAMILY_FILE::open(std::uint32_t reading, const std::string& shown,
+                       std::shared_ptr<const std::string> text)
 {
     ++m_number_of_files;
-    auto kept = std::make_unique<const std::string>(std::move(text));
-    std::string_view rest = *kept;
+    std::string_view rest = *text;
     if (!check_encoding(reading, &rest, m_messages)) {
         m_has_lost_file = true;
         rest = std::string_view();
     }
-    m_stack.push_back({reading, shown, std::move(kept), TEXT_LINES(rest)});
+    m_stack.push_back({reading, shown, std::move(text), TEXT_LINES(rest)});
 }
 
 void FAMILY_FILE::read(std::uint32_t reading, std::string text)
 {
     m_reading = reading;
     const std::size_t before = m_messages->m_summary.m_statements;
-    open(reading, m_readings->name_of(reading), std::move(text));
+    open(reading, m_readings->name_of(reading),
+         std::make_shared<const std::string>(std::move(text)));
     while (!m_stack.empty()) {
         TEXT_LINE line;
         if (m_stack.back().m_lines.next(&line)) {
@@ -98,8 +98,8 @@ void FAMILY_FILE::include(const TEXT_WORD& name, const OPERAND_WATCH& watch)
         return;
     }
     std::string reason;
-    std::optional<std::string> text = read_text(file, &reason);
-    if (!text) {
+    std::shared_ptr<const std::string> text = m_texts->read(file, &reason);
+    if (text == nullptr) {
         m_has_lost_file = true;
         watch.tell(LINT_RULE::INCLUDE_NOT_OPENED, name,
                    "cannot open " + in_quotes(file) + ": " + reason + "; nothing is included");
@@ -107,5 +107,5 @@ void FAMILY_FILE::include(const TEXT_WORD& name, const OPERAND_WATCH& watch)
     }
     const std::uint32_t reading =
         m_readings->add_named(file, READING_KIND::INCLUDED, watch.place_of(name));
-    open(reading, std::string(name.m_text), std::move(*text));
+    open(reading, std::string(name.m_text), std::move(text));
 }

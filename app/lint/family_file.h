@@ -3,18 +3,27 @@
 
 #include "app/lint/scopes.h"
 #include "app/lint/statements.h"
+#include "app/source/text_file.h"
 
 #include <memory>
 #include <string>
 #include <vector>
 
+// What the files of a run share.
+struct LINT_RUN
+{
+    READINGS* m_readings;
+    LINT_MESSAGES* m_messages;
+    EFFECTIVE_LINES m_lines;
+    std::vector<WAITING> m_undecided;  // may have an effect in a file to come
+    TEXT_CACHE m_texts;                // of included files
+};
+
 class FAMILY_FILE
 {
 public:
     // `folder` is that of the family, to which the names of files are relative.
-    FAMILY_FILE(READINGS* readings, LINT_MESSAGES* messages, EFFECTIVE_LINES* lines,
-                std::vector<WAITING>* undecided, const FAMILY_NAMES* names,
-                const std::string& folder);
+    FAMILY_FILE(LINT_RUN* run, const FAMILY_NAMES* names, const std::string& folder);
 
     // Reads a text, whose reading is known.
     void read(std::uint32_t reading, std::string text);
@@ -35,15 +44,17 @@ private:
     {
         std::uint32_t m_reading;
         std::string m_shown;  // as it is named
-        std::unique_ptr<const std::string> m_text;
+        std::shared_ptr<const std::string> m_text;
         TEXT_LINES m_lines;
     };
 
-    void open(std::uint32_t reading, const std::string& shown, std::string text);
+    void open(std::uint32_t reading, const std::string& shown,
+              std::shared_ptr<const std::string> text);
     void include(const TEXT_WORD& name, const OPERAND_WATCH& watch);
     bool refuse_include(const std::string& file, const TEXT_WORD& name, const OPERAND_WATCH& watch);
     void read_line(const TEXT_LINE& line);
 
+    TEXT_CACHE* m_texts;
     READINGS* m_readings;
     LINT_MESSAGES* m_messages;
     std::string m_folder;

@@ -123,13 +123,19 @@ void LINT_MESSAGES::allow(std::uint32_t reading, const TEXT_LINE& line, std::str
 
 void LINT_MESSAGES::print_kept()
 {
-    const auto key = [this](const LINT_MESSAGE& message) {
-        return std::make_tuple(m_readings.file_of(message.m_place.m_reading),
-                               message.m_place.m_line, message.m_place.m_column, message.m_rule,
-                               std::string_view(message.m_text));
+    const auto is_before = [this](const LINT_MESSAGE& a, const LINT_MESSAGE& b) {
+        const std::uint32_t file_a = m_readings.file_of(a.m_place.m_reading);
+        const std::uint32_t file_b = m_readings.file_of(b.m_place.m_reading);
+        if (file_a != file_b) {
+            return file_a < file_b;
+        }
+        return std::tie(a.m_place.m_line, a.m_place.m_column, a.m_rule, a.m_text) <
+               std::tie(b.m_place.m_line, b.m_place.m_column, b.m_rule, b.m_text);
     };
-    std::sort(m_kept.begin(), m_kept.end(),
-              [key](const LINT_MESSAGE& a, const LINT_MESSAGE& b) { return key(a) < key(b); });
+    // Most come in their order.
+    if (!std::is_sorted(m_kept.begin(), m_kept.end(), is_before)) {
+        std::sort(m_kept.begin(), m_kept.end(), is_before);
+    }
     for (const LINT_MESSAGE& message : m_kept) {
         if (m_filter.m_most == 0) {
             ++m_summary.m_not_shown;

@@ -57,12 +57,18 @@ private:
     const READINGS& m_readings;
     OUTPUT_STREAM* m_output;
     LINT_SOURCES m_sources;
+    std::uint32_t m_file = READINGS::NONE;  // of the message before
+    std::string m_shown_file;
 };
 
 void TEXT_PRINTER::print(const LINT_MESSAGE& message)
 {
     const SOURCE_PLACE& place = message.m_place;
-    std::string text = make_visible(m_readings.name_of(place.m_reading));
+    if (m_readings.file_of(place.m_reading) != m_file) {
+        m_file = m_readings.file_of(place.m_reading);
+        m_shown_file = make_visible(m_readings.name_of(place.m_reading));
+    }
+    std::string text = m_shown_file;
     text.append(":").append(std::to_string(place.m_line));
     text.append(":").append(std::to_string(place.m_column)).append(": ");
     text.append(name_of(message.m_severity)).append(": ").append(make_visible(message.m_text));

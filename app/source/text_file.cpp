@@ -14,12 +14,11 @@ constexpr std::size_t BLOCK = 65536;
 std::optional<std::string> read_stream(std::FILE* stream, std::string* reason)
 {
     std::string text;
+    char block[BLOCK];
     std::size_t count = 0;
     do {
-        const std::size_t size = text.size();
-        text.resize(size + BLOCK);
-        count = std::fread(text.data() + size, 1, BLOCK, stream);
-        text.resize(size + count);
+        count = std::fread(block, 1, BLOCK, stream);
+        text.append(block, count);
     } while (count == BLOCK);
     if (std::ferror(stream) != 0) {
         *reason = std::strerror(errno);
@@ -46,4 +45,23 @@ std::optional<std::string> read_text(const std::string& file, std::string* reaso
         return std::nullopt;
     }
     return read_stream(stream.get(), reason);
+}
+
+std::shared_ptr<const std::string> TEXT_CACHE::read(const std::string& file, std::string* reason)
+{
+    constexpr std::size_t MOST_KEPT = 4194304;
+    const auto known = m_texts.find(file);
+    if (known != m_texts.end()) {
+        return known->second;
+    }
+    std::optional<std::string> content = read_text(file, reason);
+    if (!content) {
+        return nullptr;
+    }
+    const auto text = std::make_shared<const std::string>(std::move(*content));
+    if (m_size + text->size() <= MOST_KEPT) {
+        m_size += text->size();
+        m_texts.emplace(file, text);
+    }
+    return text;
 }
