@@ -71,7 +71,10 @@ EXIT_STATUS list_devices(const COMMAND_LINE& line, std::string* text)
 
 EXIT_STATUS show_device(const COMMAND_LINE& line, std::string* text)
 {
-    *text = report_device(*require_device(line.m_device), line.m_list_form);
+    const std::unique_ptr<DEVICE> device = require_device(line.m_device);
+    *text = line.m_shows_origins
+                ? report_value_origins(*device, require_database(line.m_device), line.m_list_form)
+                : report_device(*device, line.m_list_form);
     return STATUS_MET;
 }
 
@@ -262,6 +265,16 @@ EXIT_STATUS run_command(int count, const char* const* words, std::string* text)
         return STATUS_MET;
     case COMMAND::LINT:
         return lint_database(line->m_lint, text);
+    case COMMAND::KEYWORDS:
+        *text =
+            report_keywords(line->m_words.empty() ? "" : line->m_words.front(), line->m_list_form);
+        return STATUS_MET;
+    case COMMAND::DIFF: {
+        int differences = 0;
+        *text = report_database_diff(line->m_words[0], line->m_words[1], line->m_list_form,
+                                     &differences);
+        return differences == 0 ? STATUS_MET : STATUS_NOT_MET;
+    }
     case COMMAND::VERIFY:
         return verify_any({line->m_primitive, line->m_device, line->m_list_form}, text);
     case COMMAND::EXPORT:

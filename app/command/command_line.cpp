@@ -143,6 +143,15 @@ const COMMAND_ENTRY COMMANDS[] = {
      "Lists the error values and their texts.", false, DEVICE_OPTIONS::NONE, false},
     {"lint", COMMAND::LINT, "what is wrong with the files of a device database", LINT_EXAMPLES,
      "Looks for mistakes in the files of a device database.", false, DEVICE_OPTIONS::NONE, false},
+    {"keywords", COMMAND::KEYWORDS, "the keywords of family files, or all about one",
+     "  pllcalc keywords\n"
+     "  pllcalc keywords pfd_min\n",
+     "Lists the keywords of family files: operand, unit, range and default.", false,
+     DEVICE_OPTIONS::NONE, true},
+    {"diff", COMMAND::DIFF, "what two device databases say differently",
+     "  pllcalc diff data/sample my_database\n",
+     "Compares two databases by value, part and table row (exit status 1 when they differ).", false,
+     DEVICE_OPTIONS::NONE, true},
     {"verify", COMMAND::VERIFY, "whether an answer in JSON or the PLLs of a Verilog file are right",
      "  pllcalc synth --in 27MHz --out 148.5MHz --format json | pllcalc verify -\n"
      "  pllcalc verify top.v\n"
@@ -365,6 +374,17 @@ void add_options(const COMMAND_ENTRY& entry, CLI::App* app, COMMAND_LINE* line)
     if (entry.m_command == COMMAND::LINT) {
         add_lint_options(app, &line->m_lint);
     }
+    if (entry.m_command == COMMAND::KEYWORDS || entry.m_command == COMMAND::DIFF) {
+        const bool is_diff = entry.m_command == COMMAND::DIFF;
+        app->add_option(is_diff ? "DATABASE" : "WORD", line->m_words,
+                        is_diff ? "the old and the new directory" : "a keyword")
+            ->option_text(is_diff ? "OLD NEW" : "WORD");
+    }
+    if (entry.m_command == COMMAND::DEVICE) {
+        app->add_flag("--origin", line->m_shows_origins,
+                      "the file and line that set each value, and what they overwrote")
+            ->disable_flag_override();
+    }
     if (entry.m_command == COMMAND::RATIOS) {
         add_text(app, "-i,--in", "FREQ", "input clock", &line->m_request.m_in);
     }
@@ -493,6 +513,12 @@ bool parse(const COMMAND_ENTRY& entry, int count, const char* const* words, COMM
         refuse_count(error);
     } catch (const CLI::ParseError& error) {
         throw USAGE_ERROR(entry.m_name, error.what());
+    }
+    if (entry.m_command == COMMAND::DIFF && line->m_words.size() != 2) {
+        throw USAGE_ERROR("diff", "takes two database directories, the old and the new one");
+    }
+    if (entry.m_command == COMMAND::KEYWORDS && line->m_words.size() > 1) {
+        throw USAGE_ERROR("keywords", "takes one keyword, or none for all of them");
     }
     if (entry.m_command == COMMAND::LINT) {
         require_lint_path(line->m_lint);

@@ -10,6 +10,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 enum class COMMAND
 {
@@ -25,6 +26,8 @@ enum class COMMAND
     NEW_DEVICE,
     ERRORS,
     LINT,
+    KEYWORDS,
+    DIFF,
     VERIFY,
     EXPORT
 };
@@ -42,6 +45,8 @@ struct COMMAND_LINE
     DUMP_FORM m_dump_form = DUMP_FORM::FULL;
     LIST_FORM m_list_form = LIST_FORM::TABLE;
     LINT_REQUEST m_lint;
+    std::vector<std::string> m_words;  // of keywords and diff
+    bool m_shows_origins = false;      // of device
 };
 
 // Reads the command line. None when it asks for help or the version: `help` then receives the text.

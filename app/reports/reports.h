@@ -44,6 +44,18 @@ std::string report_ratios(const INPUT_CLOCK& input, const advice::LIMITS& limits
 std::string report_devices(const DEVICE_WORDS& words, LIST_FORM form,
                            std::vector<std::string>* failures);
 
+// The keywords of family files, or all about one of them. Throws a USAGE_ERROR for an unknown one.
+std::string report_keywords(const std::string& word, LIST_FORM form);
+
+// What two databases say differently, value by value; `count` receives how much.
+std::string report_database_diff(const std::string& before, const std::string& after,
+                                 LIST_FORM form, int* count);
+
+// The statement that sets each value of a device in the files of `directory`, and what it
+// overwrote; as JSON unless a table is wanted.
+std::string report_value_origins(const DEVICE& device, const std::string& directory,
+                                 LIST_FORM form);
+
 // All that the database knows of a device.
 std::string report_device(const DEVICE& device, LIST_FORM form);
 

@@ -316,4 +316,122 @@ TEST_F(Lint, WritesEmptyListsOfACleanDatabase)
     EXPECT_EQ(JSON::array(), sarif["runs"][0]["results"]);
 }
 
+// ---- What the user wants to see
+
+constexpr char TWO_MISTAKES[] = "family F\npll FAST_PLL\nn_counter_max 0\nss_bandwidth 1 1\n";
+
+TEST_F(Lint, GoesOnAfterAnError)
+{
+    write("file", "family F\npll FAST_PLL\nm_counter_mx 1\nn_counter_mx 1\nspeed_grad 1\nprat P\n"
+                  "vco_mim 1000\nvco_max 900\nvco_min 1000\n");
+    const std::string text = messages("file");
+    for (const char* const line : {"file:3:1: error", "file:4:1: error", "file:5:1: error",
+                                   "file:6:1: error", "file:7:1: error"}) {
+        EXPECT_NE(std::string::npos, text.find(line)) << text;
+    }
+    EXPECT_NE(std::string::npos, text.find("[limits-crossed]")) << text;
+}
+
+TEST_F(Lint, LeavesOutAndRaisesRules)
+{
+    write("file", "family F\npll FAST_PLL\nss_counter_max 0\n");
+    EXPECT_NE(std::string::npos, messages("file").find("warning: '0' is out of range"));
+    EXPECT_EQ(std::string::npos,
+              messages("file", {"-Wno-value-out-of-range"}).find("out of range"));
+    EXPECT_NE(std::string::npos,
+              messages("file", {"-Werror=value-out-of-range"}).find("error: '0' is out of range"));
+    EXPECT_EQ(2, lint("file", {"-Wno-such-rule"}).m_status);
+    EXPECT_EQ(2, lint("file", {"-Werror=such"}).m_status);
+}
+
+TEST_F(Lint, ShowsAsManyMessagesAsAreWanted)
+{
+    write("file", TWO_MISTAKES);
+    const JSON json =
+        JSON::parse(lint("file", {"--max-messages", "1", "--format", "json"}).m_output);
+    EXPECT_EQ(1U, json["messages"].size());
+    EXPECT_GT(json["not_shown"], 0);
+    EXPECT_NE(std::string::npos,
+              lint("file", {"--max-messages=1"}).m_output.find("are not shown in 1 file"));
+}
+
+TEST_F(Lint, TellsOfUnknownRulesInComments)
+{
+    write("file", "family F # lint: allow out-of-scop\n");
+    EXPECT_NE(std::string::npos, messages("file").find("file:1:24: warning: unknown rule"));
+}
+
+TEST_F(Lint, ExplainsRules)
+{
+    const RUN run = run_pllcalc("lint --explain stale-part");
+    EXPECT_EQ(0, run.m_status);
+    EXPECT_EQ(0U, run.m_output.find("stale-part (warning)\n"));
+    EXPECT_NE(std::string::npos, run.m_output.find("\n  cure:  "));
+    EXPECT_NE(std::string::npos, run_pllcalc("lint --explain all").m_output.find("utf-16"));
+    EXPECT_EQ(2, run_pllcalc("lint --explain stale").m_status);
+}
+
+TEST_F(Lint, LooksAtAnIncludedFileWithinItsFamily)
+{
+    write("limits.txt", "vco_min 1000\nvco_mx 2000\n");
+    write("family.txt", "family F\npll FAST_PLL\nspeed_grade 1\npart P\ninclude limits.txt\n");
+    EXPECT_EQ("limits.txt:2:1: error: unknown keyword 'vco_mx'; did you mean vco_max? "
+              "[unknown-keyword]\n  included from family.txt:5\n",
+              messages("limits.txt", {"--within", m_directory.file("family.txt")}));
+    EXPECT_NE(std::string::npos, messages("limits.txt")
+                                     .find("limits.txt:1:1: note: the file "
+                                           "selects no family"));
+    EXPECT_EQ(4, lint("other.txt", {"--within", m_directory.file("family.txt")}).m_status);
+}
+
+TEST_F(Lint, TakesSeveralPathsAndTheStandardInput)
+{
+    write("one", "nonsense\n");
+    write("two", "nonsense\n");
+    const RUN run =
+        run_program(PLLCALC, {"lint", m_directory.file("one"), m_directory.file("two")});
+    EXPECT_NE(std::string::npos, run.m_output.find("one:1:1: error"));
+    EXPECT_NE(std::string::npos, run.m_output.find("two:1:1: error"));
+    const RUN piped = run_program("/bin/sh", {"-c", "echo nonsense | " PLLCALC " lint -"});
+    EXPECT_EQ(0U, piped.m_output.find("-:1:1: error")) << piped.m_output;
+    EXPECT_EQ(3, piped.m_status);
+}
+
+TEST_F(Lint, WritesJsonAndSarifOfWhatDoesNotExist)
+{
+    const RUN json = lint("missing", {"--format", "json"});
+    EXPECT_EQ(4, json.m_status);
+    EXPECT_EQ("file-not-opened", JSON::parse(json.m_output)["messages"][0]["name"]);
+    const RUN sarif = lint("missing", {"--format", "sarif"});
+    EXPECT_EQ(4, sarif.m_status);
+    const JSON run = JSON::parse(sarif.m_output)["runs"][0];
+    EXPECT_EQ("file-not-opened", run["results"][0]["ruleId"]);
+    EXPECT_EQ(false, run["invocations"][0]["executionSuccessful"]);
+}
+
+TEST_F(Lint, SaysInSarifWhoIncludedAFileAndWhatRulesMean)
+{
+    write("file", "family F\ninclude part.txt\n");
+    write("part.txt", "nonsense\n");
+    const JSON run = JSON::parse(lint("file", {"--format", "sarif"}).m_output)["runs"][0];
+    const JSON& related = run["results"][0]["relatedLocations"][0];
+    EXPECT_EQ(2, related["physicalLocation"]["region"]["startLine"]);
+    EXPECT_EQ("included from", related["message"]["text"]);
+    for (const JSON& rule : run["tool"]["driver"]["rules"]) {
+        EXPECT_FALSE(rule["fullDescription"]["text"].get<std::string>().empty());
+        EXPECT_FALSE(rule["help"]["text"].get<std::string>().empty());
+    }
+    const JSON json = JSON::parse(lint("file", {"--format", "json"}).m_output);
+    EXPECT_EQ(2, json["messages"][0]["included_from"][0]["line"]);
+}
+
+TEST_F(Lint, CountsColumnsInCharacters)
+{
+    write("file", "family \"caf\xC3\xA9\" extra\n");
+    const JSON json = JSON::parse(lint("file", {"--format", "json"}).m_output);
+    EXPECT_EQ(15, json["messages"][1]["column"]);
+    EXPECT_NE(std::string::npos,
+              messages("file", {"--caret", "always"}).find("\n                ^~~~~\n"));
+}
+
 }  // namespace
