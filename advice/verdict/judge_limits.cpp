@@ -213,101 +213,110 @@ private:
         }
     }
 
+    void judge_pfd(const LIMIT& limit) { judge_inputs(limit, RATIONAL(1, m_input.m_pll.get_n())); }
+
+    void judge_cycles(const LIMIT& limit)
+    {
+        if (m_input.m_pll.m_ss_cycles > 0) {
+            add(limit, RATIONAL(m_input.m_pll.m_ss_cycles));
+        }
+    }
+
     void judge_setting(const LIMIT& limit);
+
+    // Limits that are neither of the loop's counts nor of the outputs'.
+    struct OTHER_RULE
+    {
+        LIMIT_KIND m_kind;
+        void (JUDGEMENTS::*m_judge)(const LIMIT& limit);
+    };
+
+    static const OTHER_RULE OTHER_RULES[];
 
     const JUDGE_INPUT& m_input;
     std::vector<JUDGED_LIMIT>* m_judged;
 };
 
+// A count of the loop that a limit bounds.
+struct LOOP_RULE
+{
+    LIMIT_KIND m_kind;
+    std::int64_t (*m_read)(const PLL& pll);
+};
+
+const LOOP_RULE LOOP_RULES[] = {
+    {LIMIT_KIND::M_MIN, [](const PLL& pll) { return std::int64_t{pll.get_m()}; }},
+    {LIMIT_KIND::M_MAX, [](const PLL& pll) { return std::int64_t{pll.get_m()}; }},
+    {LIMIT_KIND::M_LEGAL, [](const PLL& pll) { return std::int64_t{pll.get_m()}; }},
+    {LIMIT_KIND::N_MIN, [](const PLL& pll) { return std::int64_t{pll.get_n()}; }},
+    {LIMIT_KIND::N_MAX, [](const PLL& pll) { return std::int64_t{pll.get_n()}; }},
+    {LIMIT_KIND::N_LEGAL, [](const PLL& pll) { return std::int64_t{pll.get_n()}; }},
+    {LIMIT_KIND::POST_SCALE_MAX, [](const PLL& pll) { return std::int64_t{pll.m_vco_post_scale}; }},
+    {LIMIT_KIND::POST_SCALES, [](const PLL& pll) { return std::int64_t{pll.m_vco_post_scale}; }},
+    {LIMIT_KIND::M_INITIAL_MAX, [](const PLL& pll) { return std::int64_t{pll.m_m.m_initial}; }},
+    {LIMIT_KIND::M_TAP_MAX, [](const PLL& pll) { return std::int64_t{pll.m_m.m_vco_tap}; }},
+    {LIMIT_KIND::M_TAP_RESOLUTION,
+     [](const PLL& pll) { return std::int64_t{pll.m_m.m_vco_tap} * TAP_DEGREES; }},
+    {LIMIT_KIND::OUTPUTS_MAX, [](const PLL& pll) { return std::int64_t{pll.m_total_taps_count}; }},
+};
+
+// Likewise of an output.
+struct COUNTER_RULE
+{
+    LIMIT_KIND m_kind;
+    std::int64_t (*m_read)(const PLL_OUTPUT_TAP& tap);
+};
+
+typedef PLL_OUTPUT_TAP TAP;
+
+const COUNTER_RULE COUNTER_RULES[] = {
+    {LIMIT_KIND::K_MIN, count_of},
+    {LIMIT_KIND::K_MAX, count_of},
+    {LIMIT_KIND::K_LEGAL, count_of},
+    {LIMIT_KIND::HALF_MAX,
+     [](const TAP& tap) { return std::int64_t{std::max(tap.m_high, tap.m_low)}; }},
+    {LIMIT_KIND::K_INITIAL_MAX, [](const TAP& tap) { return std::int64_t{tap.m_initial}; }},
+    {LIMIT_KIND::K_TAP_MAX, [](const TAP& tap) { return std::int64_t{tap.m_vco_tap}; }},
+    {LIMIT_KIND::K_TAP_RESOLUTION,
+     [](const TAP& tap) { return std::int64_t{tap.m_vco_tap} * TAP_DEGREES; }},
+};
+
+const JUDGEMENTS::OTHER_RULE JUDGEMENTS::OTHER_RULES[] = {
+    {LIMIT_KIND::VCO_MIN, &JUDGEMENTS::judge_vco},
+    {LIMIT_KIND::VCO_MAX, &JUDGEMENTS::judge_vco},
+    {LIMIT_KIND::PFD_MIN, &JUDGEMENTS::judge_pfd},
+    {LIMIT_KIND::PFD_MAX, &JUDGEMENTS::judge_pfd},
+    {LIMIT_KIND::OUTPUT_MIN, &JUDGEMENTS::judge_outputs},
+    {LIMIT_KIND::OUTPUT_MAX, &JUDGEMENTS::judge_outputs},
+    {LIMIT_KIND::PIN_MIN, &JUDGEMENTS::judge_outputs},
+    {LIMIT_KIND::PIN_MAX, &JUDGEMENTS::judge_outputs},
+    {LIMIT_KIND::VCO_TAPS, &JUDGEMENTS::judge_vco_taps},
+    {LIMIT_KIND::DELAY_MAX, &JUDGEMENTS::judge_delays},
+    {LIMIT_KIND::DELAY_RESOLUTION, &JUDGEMENTS::judge_delays},
+    {LIMIT_KIND::SPREAD_MIN, &JUDGEMENTS::judge_spread},
+    {LIMIT_KIND::SPREAD_MAX, &JUDGEMENTS::judge_spread},
+    {LIMIT_KIND::SPREAD_CYCLES_MAX, &JUDGEMENTS::judge_cycles},
+    {LIMIT_KIND::FEEDBACK_DUTY_MIN, &JUDGEMENTS::judge_feedback_duty},
+    {LIMIT_KIND::FEEDBACK_DUTY_MAX, &JUDGEMENTS::judge_feedback_duty},
+};
+
+// A limit without a rule here is one that the rules of a device judge.
 void JUDGEMENTS::judge_setting(const LIMIT& limit)
 {
-    const PLL& pll = m_input.m_pll;
-    switch (limit.m_kind) {
-    case LIMIT_KIND::VCO_MIN:
-    case LIMIT_KIND::VCO_MAX:
-        judge_vco(limit);
-        break;
-    case LIMIT_KIND::PFD_MIN:
-    case LIMIT_KIND::PFD_MAX:
-        judge_inputs(limit, RATIONAL(1, pll.get_n()));
-        break;
-    case LIMIT_KIND::OUTPUT_MIN:
-    case LIMIT_KIND::OUTPUT_MAX:
-    case LIMIT_KIND::PIN_MIN:
-    case LIMIT_KIND::PIN_MAX:
-        judge_outputs(limit);
-        break;
-    case LIMIT_KIND::M_MIN:
-    case LIMIT_KIND::M_MAX:
-    case LIMIT_KIND::M_LEGAL:
-        add(limit, RATIONAL(pll.get_m()));
-        break;
-    case LIMIT_KIND::N_MIN:
-    case LIMIT_KIND::N_MAX:
-    case LIMIT_KIND::N_LEGAL:
-        add(limit, RATIONAL(pll.get_n()));
-        break;
-    case LIMIT_KIND::K_MIN:
-    case LIMIT_KIND::K_MAX:
-    case LIMIT_KIND::K_LEGAL:
-        judge_counters(limit, count_of);
-        break;
-    case LIMIT_KIND::HALF_MAX:
-        judge_counters(limit,
-                       [](const PLL_OUTPUT_TAP& tap) { return std::max(tap.m_high, tap.m_low); });
-        break;
-    case LIMIT_KIND::POST_SCALE_MAX:
-    case LIMIT_KIND::POST_SCALES:
-        add(limit, RATIONAL(pll.m_vco_post_scale));
-        break;
-    case LIMIT_KIND::M_INITIAL_MAX:
-        add(limit, RATIONAL(pll.m_m.m_initial));
-        break;
-    case LIMIT_KIND::K_INITIAL_MAX:
-        judge_counters(limit, [](const PLL_OUTPUT_TAP& tap) { return tap.m_initial; });
-        break;
-    case LIMIT_KIND::M_TAP_MAX:
-        add(limit, RATIONAL(pll.m_m.m_vco_tap));
-        break;
-    case LIMIT_KIND::M_TAP_RESOLUTION:
-        add(limit, RATIONAL(WIDE_INT{pll.m_m.m_vco_tap} * TAP_DEGREES));
-        break;
-    case LIMIT_KIND::K_TAP_RESOLUTION:
-        judge_counters(limit, [](const PLL_OUTPUT_TAP& tap) {
-            return std::int64_t{tap.m_vco_tap} * TAP_DEGREES;
-        });
-        break;
-    case LIMIT_KIND::K_TAP_MAX:
-        judge_counters(limit, [](const PLL_OUTPUT_TAP& tap) { return tap.m_vco_tap; });
-        break;
-    case LIMIT_KIND::VCO_TAPS:
-        judge_vco_taps(limit);
-        break;
-    case LIMIT_KIND::OUTPUTS_MAX:
-        add(limit, RATIONAL(pll.m_total_taps_count));
-        break;
-    case LIMIT_KIND::DELAY_MAX:
-    case LIMIT_KIND::DELAY_RESOLUTION:
-        judge_delays(limit);
-        break;
-    case LIMIT_KIND::SPREAD_MIN:
-    case LIMIT_KIND::SPREAD_MAX:
-        judge_spread(limit);
-        break;
-    case LIMIT_KIND::SPREAD_CYCLES_MAX:
-        if (pll.m_ss_cycles > 0) {
-            add(limit, RATIONAL(pll.m_ss_cycles));
+    for (const OTHER_RULE& rule : OTHER_RULES) {
+        if (rule.m_kind == limit.m_kind) {
+            (this->*rule.m_judge)(limit);
         }
-        break;
-    case LIMIT_KIND::FEEDBACK_DUTY_MIN:
-    case LIMIT_KIND::FEEDBACK_DUTY_MAX:
-        judge_feedback_duty(limit);
-        break;
-    case LIMIT_KIND::INPUT_MIN:
-    case LIMIT_KIND::INPUT_MAX:
-    case LIMIT_KIND::OTHER:  // the rules that bring one judge it
-    case LIMIT_KIND::KIND_COUNT:
-        break;
+    }
+    for (const LOOP_RULE& rule : LOOP_RULES) {
+        if (rule.m_kind == limit.m_kind) {
+            add(limit, RATIONAL(rule.m_read(m_input.m_pll)));
+        }
+    }
+    for (const COUNTER_RULE& rule : COUNTER_RULES) {
+        if (rule.m_kind == limit.m_kind) {
+            judge_counters(limit, rule.m_read);
+        }
     }
 }
 
