@@ -23,6 +23,7 @@ AREAS = {
     "app": PUBLIC + ("advice",),
     "examples": PUBLIC + ("advice",),
     "bench": PUBLIC + ("pll", "advice"),
+    "fuzz": PUBLIC + ("advice", "app", "tests"),
     "tests/advice": PUBLIC + ("advice", "tests/support"),
     "tests/api": PUBLIC,
     "tests/cli": PUBLIC + ("tests/support",),
@@ -88,7 +89,7 @@ class TREE:
                 self.files += [f"{inside}/{n}" for n in names if n.endswith((".h", ".cpp"))]
         self.files.sort()
         self.by_path = set(self.files)
-        own = ("tests/", "bench/", "examples/")
+        own = ("tests/", "bench/", "examples/", "fuzz/")
         self.by_name = {p.rsplit("/", 1)[1]: p for p in self.files if p.startswith(own)}
 
     def resolve(self, name):

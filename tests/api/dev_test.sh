@@ -32,7 +32,7 @@ for tool in bash env dirname cat; do
 done
 bare=(env -i "PATH=$work/bin" "$work/tree/dev")
 
-for command in demo test lint format bench flow peers coverage help; do
+for command in demo test lint format bench flow peers coverage fuzz soak help; do
     expect 0 "  $command" "${bare[@]}" help
 done
 expect 0 "usage: ./dev COMMAND" "${bare[@]}"
@@ -42,7 +42,7 @@ if [[ $EUID -eq 0 ]]; then
     expect 1 "dev: apt-get could not install: cmake " "${bare[@]}" demo
     bare=(setpriv --reuid 65534 --regid 65534 --clear-groups "${bare[@]}")
 fi
-for command in demo test lint format bench coverage; do
+for command in demo test lint format bench coverage soak; do
     expect 1 "You are not root and there is no sudo. As root, run:" "${bare[@]}" "$command"
     expect 1 "    apt-get install " "${bare[@]}" "$command"
 done
