@@ -57,7 +57,9 @@ TEST(Readme, NamesCommandsThatAreMet)
     for (const std::string& line : read_readme()) {
         if (line.rfind(start, 0) == 0) {
             SCOPED_TRACE(line);
-            EXPECT_EQ(0, run_pllcalc(from_anywhere(line.substr(start.size()))).m_status);
+            // Of a pipe the first command, which does not need the others.
+            const std::string command = line.substr(0, line.find(" | ")).substr(start.size());
+            EXPECT_EQ(0, run_pllcalc(from_anywhere(command)).m_status);
             ++commands;
         }
     }
