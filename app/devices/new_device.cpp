@@ -37,7 +37,7 @@ time_delay_max                          3000    # delay chains of N, M and the o
 time_delay_resolution                   250
 
 charge_pump_current_default             50
-charge_pump_current                     10 20 40 60 80 100 150 200
+charge_pump_current                     10 20 40 50 60 80 90 100 150 200
 loop_filter_resistor_default            2000
 loop_filter_resistor                    1000 2000 4000 8000 12000 16000
 loop_filter_capacitor_default           10
