@@ -1,6 +1,7 @@
 // pllcalc: computes the settings of a phase-locked loop from the clocks that are wanted.
 
 #include "advice/why/miss.h"
+#include "app/command/alternatives.h"
 #include "app/command/command_line.h"
 #include "app/command/exit_status.h"
 #include "app/command/verify.h"
@@ -161,6 +162,41 @@ EXIT_STATUS export_instance(const COMMAND_LINE& line, std::string* text)
         export_generic(line.m_primitive, line.m_request, line.m_limits, text));
 }
 
+// Whether several settings are asked for.
+bool lists_others(const COMMAND_LINE& line)
+{
+    return line.m_command == COMMAND::ALTERNATIVES || line.m_command == COMMAND::CRYSTAL ||
+           line.m_alternatives.m_top || line.m_alternatives.m_plls;
+}
+
+EXIT_STATUS list_others(const COMMAND_LINE& line, const REQUEST& request, std::string* text)
+{
+    const bool is_json = line.m_list_form == LIST_FORM::JSON;
+    if (is_json && request.m_device != nullptr) {
+        name_sources(*request.m_device, request.m_limits.get());
+    }
+    if (line.m_command == COMMAND::CRYSTAL) {
+        return list_crystals(request, line.m_alternatives, line.m_device, line.m_list_form, text);
+    }
+    if (line.m_alternatives.m_plls) {
+        return list_groups(request, line.m_alternatives, line.m_device, text);
+    }
+    return list_alternatives(request, line.m_alternatives, line.m_device, line.m_list_form, text);
+}
+
+// A crystal is what is sought: any input will do to read the outputs.
+REQUEST_WORDS choose_input(const COMMAND_LINE& line)
+{
+    REQUEST_WORDS words = line.m_request;
+    if (line.m_command == COMMAND::CRYSTAL) {
+        if (words.m_in) {
+            throw USAGE_ERROR("--in", "crystal looks for the input; --inputs names those to try");
+        }
+        words.m_in = "25MHz";
+    }
+    return words;
+}
+
 EXIT_STATUS answer_request(const COMMAND_LINE& line, std::string* text)
 {
     if (line.m_primitive.m_device) {
@@ -170,7 +206,10 @@ EXIT_STATUS answer_request(const COMMAND_LINE& line, std::string* text)
         throw USAGE_ERROR("--format", "'csv' is not legal for one answer; expected table or json");
     }
     const std::unique_ptr<DEVICE> device = open_device(line.m_device);
-    const REQUEST request = read_request(line.m_request, line.m_limits, device.get());
+    const REQUEST request = read_request(choose_input(line), line.m_limits, device.get());
+    if (lists_others(line)) {
+        return list_others(line, request, text);
+    }
     const ANSWER answer(request, *request.m_limits, advice::EFFORT::THOROUGH);
     const std::vector<advice::JUDGED_LIMIT>& judged = answer.get_verdict().m_limits;
     const bool is_broken =
@@ -281,6 +320,8 @@ EXIT_STATUS run_command(int count, const char* const* words, std::string* text)
         return export_instance(*line, text);
     case COMMAND::SYNTH:
     case COMMAND::EXPLAIN:
+    case COMMAND::ALTERNATIVES:
+    case COMMAND::CRYSTAL:
     case COMMAND::STEPS:
     case COMMAND::DUMP:
         break;

@@ -94,6 +94,21 @@ const COMMAND_ENTRY COMMANDS[] = {
      "Says why a request is not met: what ended, the smallest conflict, and the nearest requests "
      "that\nare met, each with its command. Exit status as of synth.",
      true, DEVICE_OPTIONS::DEVICE, false},
+    {"alternatives", COMMAND::ALTERNATIVES, "the best settings for a request, by cost or otherwise",
+     "  pllcalc alternatives --in 27MHz --out 148.5MHz --top 5\n"
+     "  pllcalc alternatives --in 27MHz --out 148.5MHz --by vco-lowest --format json\n",
+     "Lists the best settings for a request with distinct VCO ratios, and why each comes after "
+     "the\n"
+     "first. Exit status 1 when the request is not met.",
+     true, DEVICE_OPTIONS::DEVICE, true},
+    {"crystal", COMMAND::CRYSTAL, "the input clocks that meet a request",
+     "  pllcalc crystal --out 148.5MHz --out 74.25MHz\n"
+     "  pllcalc crystal --out 125MHz --inputs 24MHz,25MHz,27MHz\n"
+     "  pllcalc crystal --out 125MHz --inputs 10-40MHz --step 0.5MHz --top 3\n"
+     "  pllcalc crystal --out 148.5MHz --out 24.576MHz --plls 2 --format json\n",
+     "Ranks input clocks, those that crystals are sold in or those of --inputs: which meet the\n"
+     "outputs, by the worst error, then by cost. Exit status 1 when none does.",
+     true, DEVICE_OPTIONS::DEVICE, true},
     {"steps", COMMAND::STEPS,
      "the legal phase steps and duty cycles around the answer to a request",
      "  pllcalc steps --in 100MHz --out 50MHz,phase=45 --out 25MHz,duty=30\n",
@@ -347,6 +362,31 @@ bool takes_limits(const COMMAND_ENTRY& entry)
            entry.m_command == COMMAND::RATIOS;
 }
 
+void add_alternative_options(COMMAND command, CLI::App* app, ALTERNATIVE_WORDS* words)
+{
+    const bool is_synth = command == COMMAND::SYNTH;
+    if (is_synth || command == COMMAND::ALTERNATIVES || command == COMMAND::CRYSTAL) {
+        add_text(app, "--top", "COUNT",
+                 is_synth ? "the best settings instead, see alternatives"
+                          : "how many to list (default 10)",
+                 &words->m_top);
+    }
+    if (command == COMMAND::ALTERNATIVES) {
+        add_text(app, "--by", "CRITERION",
+                 "library, worst-error, vco-highest, vco-lowest, pfd-highest, fewest-counters, "
+                 "phase-step, bandwidth or phase-margin",
+                 &words->m_by);
+    }
+    if (command == COMMAND::CRYSTAL) {
+        add_text(app, "--inputs", "LIST|RANGE",
+                 "inputs to try: 24MHz,25MHz, or a range with --step", &words->m_crystals);
+        add_text(app, "--step", "FREQ", "step of a range", &words->m_step);
+    }
+    if (is_synth || command == COMMAND::CRYSTAL) {
+        add_text(app, "--plls", "COUNT", "PLLs that may share the outputs", &words->m_plls);
+    }
+}
+
 void add_options(const COMMAND_ENTRY& entry, CLI::App* app, COMMAND_LINE* line)
 {
     app->set_help_flag("-h,--help", "this text");
@@ -388,6 +428,7 @@ void add_options(const COMMAND_ENTRY& entry, CLI::App* app, COMMAND_LINE* line)
     if (entry.m_command == COMMAND::RATIOS) {
         add_text(app, "-i,--in", "FREQ", "input clock", &line->m_request.m_in);
     }
+    add_alternative_options(entry.m_command, app, &line->m_alternatives);
     add_device_options(entry.m_device_options, app, &line->m_device);
     add_primitive_options(entry, app, &line->m_primitive);
     if (entry.m_command == COMMAND::TABLE) {
@@ -473,7 +514,7 @@ void refuse_empty_values(CLI::App* app, int count, const char* const* words)
 
 std::string write_program_help()
 {
-    constexpr std::size_t NAME_WIDTH = 12;
+    constexpr std::size_t NAME_WIDTH = 14;
     std::string text = PROGRAM_EXAMPLES;
     for (const COMMAND_ENTRY& entry : COMMANDS) {
         std::string name = entry.m_name;

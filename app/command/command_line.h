@@ -1,6 +1,7 @@
 // The command line of the program.
 #pragma once
 
+#include "app/command/alternatives.h"
 #include "app/devices/device.h"
 #include "app/devices/new_device.h"
 #include "app/lint/lint.h"
@@ -16,6 +17,8 @@ enum class COMMAND
 {
     SYNTH,
     EXPLAIN,
+    ALTERNATIVES,
+    CRYSTAL,
     STEPS,
     DUMP,
     RATIOS,
@@ -40,6 +43,7 @@ struct COMMAND_LINE
     DEVICE_WORDS m_device;
     PRIMITIVE_WORDS m_primitive;
     NEW_DEVICE_WORDS m_new_device;
+    ALTERNATIVE_WORDS m_alternatives;
     bool m_is_summary = false;
     std::optional<std::string> m_effective_m;  // of table, the M whose rows are wanted
     DUMP_FORM m_dump_form = DUMP_FORM::FULL;

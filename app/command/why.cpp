@@ -31,17 +31,6 @@ std::string write_lines(const std::vector<std::string>& lines)
     return text;
 }
 
-// The directory of the database is named, even when the environment does.
-DEVICE_WORDS name_database(DEVICE_WORDS words, const DEVICE* device)
-{
-    if (device != nullptr) {
-        words.m_database = device->get_directory();
-    } else {
-        words.m_database.reset();
-    }
-    return words;
-}
-
 std::vector<JSON_OFFER> make_offers(const REQUEST& request, const ANSWER& answer,
                                     const DEVICE_WORDS& device, std::size_t most)
 {
@@ -67,6 +56,16 @@ std::vector<std::string> list_reasons(const REQUEST& request, const ANSWER& answ
 }
 
 }  // namespace
+
+DEVICE_WORDS name_database(DEVICE_WORDS words, const DEVICE* device)
+{
+    if (device != nullptr) {
+        words.m_database = device->get_directory();
+    } else {
+        words.m_database.reset();
+    }
+    return words;
+}
 
 std::string write_json(const REQUEST& request, const ANSWER& answer, const DEVICE_WORDS& device)
 {

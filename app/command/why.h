@@ -6,6 +6,9 @@
 
 #include <string>
 
+// The words of the device with the directory of its database, even when the environment names it.
+DEVICE_WORDS name_database(DEVICE_WORDS words, const DEVICE* device);
+
 // The answer as one JSON object, with reasons and offers when it is not met.
 std::string write_json(const REQUEST& request, const ANSWER& answer, const DEVICE_WORDS& device);
 

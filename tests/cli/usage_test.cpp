@@ -15,8 +15,8 @@ struct USAGE_CASE
 // clang-format off
 constexpr USAGE_CASE USAGE_CASES[] = {
     // words                                            message
-    {"",                                                "command: missing; legal are synth, explain, steps, dump, ratios, devices, device, table, limits, new-device, errors, lint, keywords, diff, verify, export"},
-    {"sinth",                                           "sinth: unknown command; legal are synth, explain, steps, dump, ratios, devices, device, table, limits, new-device, errors, lint, keywords, diff, verify, export; did you mean synth?"},
+    {"",                                                "command: missing; legal are synth, explain, alternatives, crystal, steps, dump, ratios, devices, device, table, limits, new-device, errors, lint, keywords, diff, verify, export"},
+    {"sinth",                                           "sinth: unknown command; legal are synth, explain, alternatives, crystal, steps, dump, ratios, devices, device, table, limits, new-device, errors, lint, keywords, diff, verify, export; did you mean synth?"},
     {"ratio --in 5MHz",                                 "did you mean ratios?"},
     {"--hepl",                                          "--hepl: unknown option"},
     {"--hepl",                                          "did you mean --help?"},
