@@ -121,6 +121,13 @@ EXIT_STATUS choose_row(const COMMAND_LINE& line, std::string* text)
 
 EXIT_STATUS show_table(const COMMAND_LINE& line, std::string* text)
 {
+    if (line.m_shows_coverage) {
+        if (has_request(line.m_request) || line.m_effective_m) {
+            throw USAGE_ERROR("--coverage", "not together with a request or --m");
+        }
+        *text = report_table_coverage(*require_device(line.m_device), line.m_list_form);
+        return STATUS_MET;
+    }
     if (has_request(line.m_request)) {
         if (line.m_effective_m) {
             throw USAGE_ERROR("--m", "not together with a request, which chooses M itself");

@@ -433,6 +433,9 @@ void add_options(const COMMAND_ENTRY& entry, CLI::App* app, COMMAND_LINE* line)
     add_primitive_options(entry, app, &line->m_primitive);
     if (entry.m_command == COMMAND::TABLE) {
         add_text(app, "--m", "M", "only the rows of this effective M", &line->m_effective_m);
+        app->add_flag("--coverage", line->m_shows_coverage,
+                      "for each M, the bandwidths that its rows give and the PFD they need")
+            ->disable_flag_override();
     }
     if (entry.m_takes_format || entry.m_command == COMMAND::SYNTH) {
         add_format_option(app, &line->m_list_form);

@@ -51,6 +51,7 @@ struct COMMAND_LINE
     LINT_REQUEST m_lint;
     std::vector<std::string> m_words;  // of keywords and diff
     bool m_shows_origins = false;      // of device
+    bool m_shows_coverage = false;     // of table
 };
 
 // Reads the command line. None when it asks for help or the version: `help` then receives the text.

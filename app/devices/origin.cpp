@@ -26,6 +26,26 @@ std::string find_origin(const DEVICE& device, const DEVICE_LIMIT& limit)
     return count == entries.size() ? "all" : numbers;
 }
 
+namespace {
+
+// A family without a table that comes first by name takes away the table of the others.
+std::string tell_of_lost_table(const DEVICE& device)
+{
+    if (device.get_basic_info().m_use_bandwidth_settings_table) {
+        return "";
+    }
+    for (const DEVICE_ENTRY& entry : device.get_entries()) {
+        if (entry.m_info.m_basic_info->m_use_bandwidth_settings_table) {
+            return std::string("  NOTE: the table of ") + make_visible(entry.m_names.m_family) +
+                   " is not used: " + make_visible(device.get_basic_family()) +
+                   " has none, and its components hold.\n";
+        }
+    }
+    return "";
+}
+
+}  // namespace
+
 std::string list_devices(const DEVICE& device)
 {
     const std::string type = name_of_type(device.get_type());
@@ -43,6 +63,7 @@ std::string list_devices(const DEVICE& device)
     if (!is_one_family) {
         text += std::string("  Counters, components and table are those of ") +
                 make_visible(device.get_basic_family()) + ".\n";
+        text += tell_of_lost_table(device);
     }
     return text;
 }

@@ -64,6 +64,9 @@ std::string report_device(const DEVICE& device, LIST_FORM form);
 std::string report_table(const DEVICE& device, std::optional<int> effective_m, LIST_FORM form,
                          std::vector<std::string>* findings);
 
+// For each M of the table, which bandwidths its rows give and how fast the PFD must run for them.
+std::string report_table_coverage(const DEVICE& device, LIST_FORM form);
+
 // The rows that an answer could have taken, their costs, and which it took.
 std::string report_choices(const REQUEST& request, const ANSWER& answer, LIST_FORM form);
 

@@ -247,11 +247,16 @@ std::string report_table(const DEVICE& device, std::optional<int> effective_m, L
                          std::vector<std::string>* findings)
 {
     const PLL_BASIC_INFO& info = device.get_basic_info();
-    *findings = check_table(device.get_info());
+    // A family file that says 'unused', or names no table, wants none.
+    const bool has_table = info.m_use_bandwidth_settings_table;
+    *findings = has_table ? check_table(device.get_info()) : std::vector<std::string>();
     if (form != LIST_FORM::TABLE) {
         return list_rows(info, effective_m).write(form);
     }
     std::string text = list_devices(device);
+    if (!has_table) {
+        return text + "no table: the family file names none for this PLL type, or says 'unused'\n";
+    }
     text += findings->empty() ? "check  no findings\n" : "check\n";
     for (const std::string& finding : *findings) {
         text += "  " + finding + "\n";

@@ -144,6 +144,86 @@ TEST_F(DatabaseDiff, NeedsTwoDatabases)
     EXPECT_EQ(4, run_pllcalc("diff @DATA@/sample /nowhere").m_status);
 }
 
+// Rule, severity, what, cause and cure of each row.
+TEST(LintRules, StandInTheDocumentWithCauseAndCure)
+{
+    const std::string document = content_of(PLL_SOURCE_TREE "/docs/database-format.md");
+    const JSON sarif = JSON::parse(run_pllcalc("lint @DATA@/sample --format sarif").m_output);
+    for (const JSON& rule : sarif["runs"][0]["tool"]["driver"]["rules"]) {
+        const std::string what = rule["shortDescription"]["text"];
+        const std::string full = rule["fullDescription"]["text"];
+        const std::string cause = full.substr(what.size() + 1);
+        const std::string row = "\n| `" + rule["id"].get<std::string>() + "` | " +
+                                rule["defaultConfiguration"]["level"].get<std::string>() + " | " +
+                                what + " | " + cause + " | " +
+                                rule["help"]["text"].get<std::string>() + " |\n";
+        EXPECT_NE(std::string::npos, document.find(row)) << row;
+    }
+}
+
+// Every rule has a mistake that shows it: in tests/mistakes/, among the broken databases, or here.
+TEST(LintRules, HaveAMistakeEach)
+{
+    std::string shown;
+    for (const char* const folder : {"/tests/mistakes", "/tests/cli/lint_golden"}) {
+        for (const auto& entry :
+             std::filesystem::directory_iterator(std::string(PLL_SOURCE_TREE) + folder)) {
+            shown += entry.is_regular_file() ? content_of(entry.path()) : "";
+        }
+    }
+    shown += content_of(PLL_SOURCE_TREE "/tests/cli/lint_test.cpp");
+    const JSON sarif = JSON::parse(run_pllcalc("lint @DATA@/sample --format sarif").m_output);
+    for (const JSON& rule : sarif["runs"][0]["tool"]["driver"]["rules"]) {
+        const std::string id = rule["id"];
+        const bool is_shown = shown.find(" " + id + " |") != std::string::npos ||
+                              shown.find("[" + id + "]") != std::string::npos ||
+                              shown.find("\"" + id + "\"") != std::string::npos;
+        EXPECT_TRUE(is_shown) << id;
+    }
+}
+
+TEST(TableCoverage, TellsWhichWishesAndPfdEachMMeets)
+{
+    const std::string base = PLL_SOURCE_TREE "/tests/mistakes/base";
+    const std::string words =
+        "table --database " + base + " --family Basil --type ENHANCED_PLL --coverage";
+    const JSON list = JSON::parse(run_pllcalc(words + " --format json").m_output);
+    ASSERT_EQ(4U, list.size());
+    // M 12 has rows of 530 kHz and 1050 kHz, which reach 750 kHz and 1480 kHz at the fast corner.
+    EXPECT_EQ(12, list[0]["m"]);
+    EXPECT_EQ(6000000, list[0]["low_pfd_min_hz"]);
+    EXPECT_TRUE(list[0]["medium_pfd_min_hz"].is_null());
+    EXPECT_EQ(11840000, list[0]["high_pfd_min_hz"]);
+    EXPECT_EQ(8880000, list[1]["medium_pfd_min_hz"]);
+    EXPECT_THAT(run_pllcalc(words).m_output, HasSubstr("low: PFD from"));
+    EXPECT_EQ(USAGE, run_pllcalc(words + " --m 12").m_status);
+}
+
+TEST(TableOfNone, IsNoError)
+{
+    const RUN run = run_pllcalc("table --database @DATA@/sample --family Sorrel --type FAST_PLL");
+    EXPECT_EQ(0, run.m_status);
+    EXPECT_THAT(run.m_output, HasSubstr("no table: "));
+}
+
+TEST(LostTable, IsTold)
+{
+    const TEMP_DIR directory;
+    std::filesystem::copy(PLL_SOURCE_TREE "/tests/mistakes/base", directory.path(),
+                          std::filesystem::copy_options::recursive);
+    const std::string file = directory.file("basil/basil_pll.txt");
+    std::string text = content_of(file);
+    write_file(directory.file("basil/anise_pll.txt"),
+               replace_all(replace_all(text, "family Basil", "family Anise"),
+                           "table_file bandwidth.txt", "table_file unused"));
+    write_file(directory.file("ddb_pll_path.txt"),
+               content_of(directory.file("ddb_pll_path.txt")) + "Anise basil anise_pll.txt\n");
+    const std::string words = "device --database " + directory.path() +
+                              " --family Basil --type ENHANCED_PLL --part BS10-6 --migrate ";
+    EXPECT_THAT(run_pllcalc(words + "Anise:BS10-6").m_output,
+                HasSubstr("NOTE: the table of Basil is not used: Anise has none"));
+}
+
 // The entry of a keyword of the owner.
 JSON find_entry(const JSON& list, const std::string& owner, const std::string& keyword)
 {

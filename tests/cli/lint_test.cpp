@@ -355,10 +355,26 @@ TEST_F(Lint, ShowsAsManyMessagesAsAreWanted)
               lint("file", {"--max-messages=1"}).m_output.find("are not shown in 1 file"));
 }
 
+TEST_F(Lint, TellsOfASecondFamilyInAFile)
+{
+    write("file", "family F\npll FAST_PLL\nfamily G\n");
+    EXPECT_NE(std::string::npos, messages("file").find("file:3:8: warning: a second family"));
+    EXPECT_NE(std::string::npos, messages("file").find("[two-families]"));
+}
+
+TEST_F(Lint, TellsOfAnUnknownFormatWordWhoseRowsFit)
+{
+    write("table", "V3 one's own\ntitles\n1 2 3 60 5 6 60 8 9 60 1 2\n");
+    EXPECT_EQ("table:1:1: warning: unknown format word 'V3', which is read as V1; did you mean "
+              "V2? [table-format-unknown]\n",
+              messages("table"));
+}
+
 TEST_F(Lint, TellsOfUnknownRulesInComments)
 {
     write("file", "family F # lint: allow out-of-scop\n");
     EXPECT_NE(std::string::npos, messages("file").find("file:1:24: warning: unknown rule"));
+    EXPECT_NE(std::string::npos, messages("file").find("[unknown-rule]"));
 }
 
 TEST_F(Lint, ExplainsRules)
@@ -381,6 +397,7 @@ TEST_F(Lint, LooksAtAnIncludedFileWithinItsFamily)
     EXPECT_NE(std::string::npos, messages("limits.txt")
                                      .find("limits.txt:1:1: note: the file "
                                            "selects no family"));
+    EXPECT_NE(std::string::npos, messages("limits.txt").find("[fragment]"));
     EXPECT_EQ(4, lint("other.txt", {"--within", m_directory.file("family.txt")}).m_status);
 }
 
