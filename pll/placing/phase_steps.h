@@ -11,11 +11,14 @@
 
 namespace pll_internal {
 
+// The reference was moved by the largest advance that is wanted, so a value below 0 is what
+// rounding left of one.
 inline double at_least_zero(double value)
 {
     return value < 0.0 ? 0.0 : value;
 }
 
+// A phase in degrees of the input clock, in VCO degrees: the input's period is M / N of the VCO's.
 inline double vco_degrees(const PHASE_FRAME& frame, double phase)
 {
     if (phase == 0.0 && frame.m_ordinary) {
@@ -40,6 +43,7 @@ int reference_without_feedback(const PLL_COUNTER_M& counter, double delay, int m
 inline PHASE_FRAME frame_without_feedback(const PLL_COUNTER_M& counter, double most_negative, int m,
                                           int n)
 {
+    // By way of the rounded ratio, since neighbours are promised to its last digit.
     const double tap_step = DEGREES_PER_VCO_TAP / (double(m) / double(n));
     PHASE_FRAME frame{double(m), m, n, true, 0, tap_step, PLL_VCO_TAPS_NUMBER * tap_step};
     if (most_negative < 0.0) {
@@ -49,7 +53,8 @@ inline PHASE_FRAME frame_without_feedback(const PLL_COUNTER_M& counter, double m
     return frame;
 }
 
-// What placing an output achieves.
+// What placing an output achieves. Degrees are those of the input clock, as all phases of the
+// library are, so outputs of all frequencies weigh alike.
 struct PLACED_PHASE
 {
     double m_achieved;  // degrees
@@ -65,7 +70,7 @@ inline PLACED_PHASE place_parallel_phase(const PLL_USER_TAP& wish, const PHASE_F
     return {achieved, std::fabs(wish.m_phase - achieved)};
 }
 
-// The same of a serial clock.
+// The same of a serial clock, whose own counter starts at once: only VCO taps move it.
 PLACED_PHASE place_serial_phase(const PLL_USER_TAP& wish, const PHASE_FRAME& frame, int max_start);
 
 // Takes the phases on either side of the wish that are nearer than the neighbours known.
