@@ -13,11 +13,14 @@
 #include "app/output/characters.h"
 #include "app/output/input_error.h"
 #include "app/output/internal_errors.h"
+#include "app/output/out_of_memory.h"
 #include "app/output/output.h"
 #include "app/primitive/commands.h"
 #include "app/reports/reports.h"
 #include "app/words/quantity.h"
 #include "app/words/usage_error.h"
+
+#include "mem_alloc_sys.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -340,6 +343,9 @@ EXIT_STATUS run(int count, const char* const* words)
 {
     std::string text;
     EXIT_STATUS status = run_command(count, words, &text);
+    if (MEM_MANAGER::was_exhausted()) {
+        throw std::bad_alloc();
+    }
     if (had_internal_errors()) {
         status = STATUS_INTERNAL_ERROR;
     }
@@ -366,7 +372,6 @@ int main(int count, char** words)
         write_error(error.what());
         return STATUS_IO_FAILED;
     } catch (const std::bad_alloc&) {
-        write_error("out of memory");
-        return STATUS_IO_FAILED;
+        end_without_memory();
     }
 }

@@ -50,6 +50,17 @@ public:
     static std::size_t get_live_blocks(const char* source);
     static std::size_t get_live_bytes(const char* source);
 
+    // True when memory was exhausted since the process started, or since the call below: an
+    // operation of the library asked for memory in vain, whatever it answered. Operations that
+    // have no other way to say so, such as adding an entry to a list, leave their object as it was;
+    // a host that must know asks here after a series of them. Answers that were given meanwhile may
+    // be those of an object that lacks an entry.
+    static bool was_exhausted();
+    static void forget_exhaustion();
+
+    // Says that memory was exhausted that came from elsewhere than `new_wrapper`.
+    static void report_exhaustion();
+
     // Takes memory from the host's heap from now on; two null pointers restore malloc and free.
     // Legal only while no block is live. Returns false, with nothing changed, otherwise or when
     // just one of the two is null.
@@ -90,6 +101,7 @@ public:
     T* allocate(std::size_t count)
     {
         if (count > std::numeric_limits<std::size_t>::max() / sizeof(T)) {
+            MEM_MANAGER::report_exhaustion();
             throw std::bad_alloc();
         }
         void* block = MEM_MANAGER::new_wrapper(count * sizeof(T), MEM_TRACKER(), m_source);

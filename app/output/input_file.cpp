@@ -4,8 +4,9 @@
 
 #include <cerrno>
 #include <cstring>
+#include <fcntl.h>
 #include <filesystem>
-#include <fstream>
+#include <unistd.h>
 
 std::optional<std::string> why_unreadable(const std::string& file)
 {
@@ -15,12 +16,16 @@ std::optional<std::string> why_unreadable(const std::string& file)
         return error.message();
     }
     if (!is_file) {
-        return "not a regular file";
+        return describe_system_error(PLL_NOT_A_REGULAR_FILE);
     }
-    errno = 0;
-    if (!std::ifstream(file)) {
-        return std::strerror(errno);
+    int descriptor = -1;
+    do {
+        descriptor = open(file.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    } while (descriptor < 0 && errno == EINTR);
+    if (descriptor < 0) {
+        return describe_system_error(errno);
     }
+    close(descriptor);
     return std::nullopt;
 }
 

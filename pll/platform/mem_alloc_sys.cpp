@@ -32,6 +32,14 @@ constexpr std::size_t LARGEST_BLOCK =
 MEM_MANAGER::ALLOCATE heap_allocate = std::malloc;
 MEM_MANAGER::RELEASE heap_release = std::free;
 
+bool is_exhausted = false;  // since the host last asked to forget it
+
+void* refuse()
+{
+    is_exhausted = true;
+    return nullptr;
+}
+
 // Blocks of every account, and those whose account could not be opened.
 ACCOUNT total = {nullptr, 0, 0, nullptr};
 ACCOUNT* first_account = nullptr;
@@ -83,15 +91,15 @@ void unbook(ACCOUNT* account, std::size_t size)
 void* MEM_MANAGER::new_wrapper(std::size_t size, const MEM_TRACKER&, const char* source)
 {
     if (size > LARGEST_BLOCK) {
-        return nullptr;
+        return refuse();
     }
     ACCOUNT* account = find_or_open_account(source == nullptr ? DEFAULT_SOURCE : source);
     if (account == nullptr) {
-        return nullptr;
+        return refuse();
     }
     void* memory = heap_allocate(sizeof(BLOCK_HEADER) + size);
     if (memory == nullptr) {
-        return nullptr;
+        return refuse();
     }
     // Zeroed, so that no answer can depend on what the memory held before.
     auto* header = new (memory) BLOCK_HEADER{account, size};
@@ -123,6 +131,21 @@ std::size_t MEM_MANAGER::get_live_bytes(const char* source)
 {
     const ACCOUNT* account = source == nullptr ? &total : find_account(source);
     return account == nullptr ? 0 : account->m_bytes;
+}
+
+bool MEM_MANAGER::was_exhausted()
+{
+    return is_exhausted;
+}
+
+void MEM_MANAGER::forget_exhaustion()
+{
+    is_exhausted = false;
+}
+
+void MEM_MANAGER::report_exhaustion()
+{
+    is_exhausted = true;
 }
 
 bool MEM_MANAGER::set_heap(ALLOCATE allocate, RELEASE release)

@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <cstring>
 #include <limits>
 
 namespace pll_internal {
@@ -17,20 +16,24 @@ namespace {
 const int DECIMAL = 10;
 const char END_OF_LIST[] = "end";
 
-bool is_digit(char c)
+// The number that a word of digits alone stands for; false for any other word, and a null one. A
+// number too long for 64 bits is the largest of them.
+bool convert_digits(const char* word, long long* number)
 {
-    return c >= '0' && c <= '9';
-}
-
-bool is_number(const char* word)
-{
-    return word != nullptr && std::all_of(word, word + std::strlen(word), is_digit);
-}
-
-// A number too long for 64 bits is the largest of them.
-long long number_of(const char* word)
-{
-    return std::strtoll(word, nullptr, DECIMAL);
+    if (word == nullptr) {
+        return false;
+    }
+    const long long LARGEST = std::numeric_limits<long long>::max();
+    long long value = 0;
+    for (const char* c = word; *c != '\0'; ++c) {
+        if (*c < '0' || *c > '9') {
+            return false;
+        }
+        const int digit = *c - '0';
+        value = value > (LARGEST - digit) / DECIMAL ? LARGEST : DECIMAL * value + digit;
+    }
+    *number = value;
+    return true;
 }
 
 int keep_32_bits(long long number)
@@ -49,10 +52,10 @@ void tell_of_cut(const PLL_WORDS& words, const char* word, long long number)
 PLL_FINDING read_number(PLL_WORDS* words, const char** word, int* value)
 {
     *word = words->next_word();
-    if (!is_number(*word)) {
+    long long number = 0;
+    if (!convert_digits(*word, &number)) {
         return words->tell(PLL_FINDING::NUMBER_EXPECTED, *word);
     }
-    const long long number = number_of(*word);
     tell_of_cut(*words, *word, number);
     *value = keep_32_bits(number);
     return PLL_FINDING::NONE;
@@ -117,11 +120,8 @@ PLL_FINDING pll_read_number(PLL_WORDS* words, int* value)
 PLL_FINDING pll_read_numbers(PLL_WORDS* words, int** array, int* count)
 {
     const char* word = words->next_word();
-    for (; is_number(word); word = words->next_word()) {
-        const long long number = number_of(word);
-        if (keep_32_bits(number) < 0) {
-            break;
-        }
+    long long number = 0;
+    for (; convert_digits(word, &number) && keep_32_bits(number) >= 0; word = words->next_word()) {
         tell_of_cut(*words, word, number);
         if (!manager_append(array, count, keep_32_bits(number))) {
             return refuse_memory(array, count);

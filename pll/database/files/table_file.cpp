@@ -134,6 +134,13 @@ std::size_t extract_word(std::istream& stream, char* word)
     return static_cast<std::size_t>(stream.gcount() - (stream.good() ? 1 : 0));
 }
 
+// Of the streams, which take memory of their own for long numbers.
+PLL_FINDING refuse_memory()
+{
+    MEM_MANAGER::report_exhaustion();
+    return PLL_FINDING::OUT_OF_MEMORY;
+}
+
 // Reads one table file.
 class TABLE_READER
 {
@@ -173,7 +180,7 @@ private:
     }
 
     // Why the column that was read last fails.
-    PLL_FINDING refusal() const;
+    PLL_FINDING refusal();
 
     TABLE m_table;
     PLL_TABLE_LISTENER* m_listener;  // null: nobody
@@ -214,7 +221,7 @@ PLL_FINDING TABLE_READER::read_format()
     }
     PLL_FINDING finding = PLL_FINDING::NONE;
     if (!m_stream.good()) {
-        finding = m_stream.bad() ? PLL_FINDING::OUT_OF_MEMORY : PLL_FINDING::TABLE_FORMAT_MISSING;
+        finding = m_stream.bad() ? refuse_memory() : PLL_FINDING::TABLE_FORMAT_MISSING;
     } else if (std::strpbrk(word, "\t\r\n") != nullptr) {
         finding = PLL_FINDING::TABLE_FORMAT_UNENDED;
     }
@@ -300,10 +307,10 @@ PLL_FINDING TABLE_READER::read_row(bool* is_stored)
     return reason;
 }
 
-PLL_FINDING TABLE_READER::refusal() const
+PLL_FINDING TABLE_READER::refusal()
 {
     if (m_stream.bad()) {
-        return PLL_FINDING::OUT_OF_MEMORY;
+        return refuse_memory();
     }
     return m_stream.fail() ? PLL_FINDING::TABLE_NUMBER_EXPECTED
                            : PLL_FINDING::TABLE_LINE_UNFINISHED;
@@ -400,7 +407,7 @@ PLL_FINDING read_table_file(PLL_BASIC_INFO* info, const char* file_name,
     try {
         reason = TABLE_READER(table, listener).read(file_name);
     } catch (const std::exception&) {
-        reason = PLL_FINDING::OUT_OF_MEMORY;
+        reason = refuse_memory();
     }
     info->set_bandwidth_settings_table(table.m_size, table.m_groups);
     return reason;

@@ -169,6 +169,28 @@ TEST(Heap, NeedsBothOperations)
     MEM_MANAGER::delete_wrapper(block, "test");
 }
 
+TEST(Heap, RemembersThatMemoryWasExhausted)
+{
+    FAILING_HEAP heap;
+    MEM_MANAGER::forget_exhaustion();
+    MEM_MANAGER::delete_wrapper(allocate(8, "test"), "test");
+    EXPECT_FALSE(MEM_MANAGER::was_exhausted());
+    heap.fail_at(1);
+    EXPECT_EQ(nullptr, allocate(8, "test"));
+    EXPECT_TRUE(MEM_MANAGER::was_exhausted());
+    MEM_MANAGER::delete_wrapper(allocate(8, "test"), "test");
+    EXPECT_TRUE(MEM_MANAGER::was_exhausted()) << "until the host asks to forget it";
+    MEM_MANAGER::forget_exhaustion();
+    EXPECT_FALSE(MEM_MANAGER::was_exhausted());
+
+    EXPECT_EQ(nullptr, allocate(std::numeric_limits<std::size_t>::max(), "test"));
+    EXPECT_TRUE(MEM_MANAGER::was_exhausted()) << "asked for too much";
+    MEM_MANAGER::forget_exhaustion();
+    MEM_MANAGER::report_exhaustion();
+    EXPECT_TRUE(MEM_MANAGER::was_exhausted());
+    MEM_MANAGER::forget_exhaustion();
+}
+
 TEST(Adapter, CarriesItsSourceToTheAccount)
 {
     const std::size_t own = MEM_MANAGER::get_live_blocks("mem_alloc_sys");

@@ -9,10 +9,13 @@
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <memory>
 #include <set>
 #include <stdexcept>
 #include <string>
+#include <sys/stat.h>
+#include <unistd.h>
 #include <vector>
 
 namespace {
@@ -421,6 +424,73 @@ TEST_F(ReadObserverOfTables, FindsPlacesFarInAFile)
                                        std::string(63, 'x') + "'"},
               recorder.m_findings);
     EXPECT_EQ(3001U, recorder.m_statements.size());
+}
+
+// ---- Files that the system refuses
+
+// A regular file that opens and whose first read fails.
+const char UNREADABLE[] = "/proc/self/mem";
+
+class REASONS : public PLL_READ_OBSERVER
+{
+public:
+    void on_statement(const PLL_READ_STATEMENT&) override {}
+    void on_finding(const PLL_READ_FINDING& finding) override
+    {
+        m_texts.push_back(text_of(finding.m_place) + " " + pll_get_finding_name(finding.m_finding) +
+                          " for " + std::to_string(finding.m_system_error));
+    }
+
+    std::vector<std::string> m_texts;
+};
+
+std::string reason(const std::string& place, const std::string& finding, int error)
+{
+    return place + " " + finding + " for " + std::to_string(error);
+}
+
+TEST(ReadObserver, HearsWhyAFileIsNotReadToItsEnd)
+{
+    DATABASE database;
+    REASONS reasons;
+    database.m_manager.set_observer(&reasons);
+    const std::string directory = database.m_dir.path();
+    ASSERT_EQ(0, symlink(UNREADABLE, database.m_dir.file("mem").c_str()));
+    ASSERT_EQ(0, symlink(UNREADABLE, database.m_dir.file("ddb_pll_path.txt").c_str()));
+    EXPECT_FALSE(database.m_manager.read(directory.c_str()));
+    EXPECT_FALSE(database.m_manager.read_family_info_from_file(directory.c_str(), "mem"));
+    EXPECT_FALSE(database.read("family F\ninclude mem\nnonsense\n"));
+    EXPECT_FALSE(database.read(TYPE_HEAD + "vco_post_scale_counter_max 1\nm_counter_max 4\n"
+                                           "bandwidth_settings_table_file mem\n"));
+    EXPECT_EQ((std::vector<std::string>{reason("ddb_pll_path.txt:1:0+0", "read-failed", EIO),
+                                        reason("mem:1:0+0", "read-failed", EIO),
+                                        reason("mem:1:0+0", "read-failed", EIO),
+                                        reason("mem:1:0+0", "read-failed", EIO)}),
+              reasons.m_texts);
+    EXPECT_EQ(5, database.basic().m_bandwidth_settings_table_size);
+
+    database.m_manager.set_observer(nullptr);
+    EXPECT_FALSE(database.m_manager.read(directory.c_str()));
+    EXPECT_FALSE(database.read("family F\ninclude mem\n"));
+}
+
+TEST(ReadObserver, HearsWhyAFileIsNotOpened)
+{
+    DATABASE database;
+    REASONS reasons;
+    database.m_manager.set_observer(&reasons);
+    ASSERT_EQ(0, mkfifo(database.m_dir.file("pipe").c_str(), S_IRUSR | S_IWUSR));
+    ASSERT_EQ(0, symlink("loop", database.m_dir.file("loop").c_str()));
+    EXPECT_TRUE(database.read("family F\ninclude nowhere\ninclude .\ninclude pipe\n"
+                              "include loop\ninclude family.txt/x\ninclude\n"));
+    EXPECT_EQ((std::vector<std::string>{
+                  reason("family.txt:2:9+7", "include-not-opened", ENOENT),
+                  reason("family.txt:3:9+1", "include-not-opened", PLL_NOT_A_REGULAR_FILE),
+                  reason("family.txt:4:9+4", "include-not-opened", PLL_NOT_A_REGULAR_FILE),
+                  reason("family.txt:5:9+4", "include-not-opened", ELOOP),
+                  reason("family.txt:6:9+12", "include-not-opened", ENOTDIR),
+                  reason("family.txt:7:8+0", "include-not-opened", 0)}),
+              reasons.m_texts);
 }
 
 // ---- Observers that misbehave, and memory
