@@ -43,6 +43,7 @@ public:
     char* m_name;
     char* m_path;       // directory of its files; null until a path file names it
     char* m_file_name;  // null until a path file names it
+    char* m_database;   // directory of the path file that names it, null until one does
     int m_number_of_parts;
     PLL_PART_INFO** m_parts;  // in creation order
     int m_number_of_speed_grades;
@@ -115,6 +116,21 @@ public:
     PLL_TYPE_ENUM m_type;
 };
 
+// What reading a family may take, for hosts that read databases which they did not write: the file,
+// all that it includes and its tables together. Numbers of 0 or below are no limit, which is how
+// the library reads unless it is told otherwise. Beyond a limit reading fails, as at an error in
+// the file; observers hear which limit it was. See docs/limits.md for what each of them costs.
+struct PLL_READ_LIMITS
+{
+    long long m_bytes = 0;         // also of a path file
+    long long m_statements = 0;    // lines that hold something
+    long long m_table_groups = 0;  // one for each M that the counters of a PLL type allow
+
+    // Files outside of the database's directory are refused, links followed. That is the directory
+    // of the path file, or of a family file that is read by its name.
+    bool m_is_confined = false;
+};
+
 class PLL_API PLL_MANAGER
 {
 public:
@@ -180,6 +196,10 @@ public:
     void set_observer(PLL_READ_OBSERVER* observer);
     PLL_READ_OBSERVER* get_observer() const;
 
+    // Limits of every later reading. What was read before stays.
+    void set_read_limits(const PLL_READ_LIMITS& limits);
+    const PLL_READ_LIMITS& get_read_limits() const;
+
     int m_number_of_families;
     PLL_FAMILY_INFO** m_families;  // owned, in creation order
 
@@ -189,6 +209,7 @@ public:
 private:
     pll_internal::PLL_NAME_INDEX* m_family_index;  // owned, null until a family was looked up
     PLL_READ_OBSERVER* m_observer;                 // not owned
+    PLL_READ_LIMITS m_read_limits;
 };
 
 // Reads the table file of every entry into the family; false when one of them fails.

@@ -40,8 +40,11 @@ enum class PLL_FINDING
     TABLE_NUMBER_EXPECTED,  // a column that is missing, no number or too large
     TABLE_LINE_UNFINISHED,  // no line break after the last row
     TABLE_WITHOUT_ROWS,
-    READ_FAILED,    // the system cannot read on in a file: what was read of it may be cut
-    OUT_OF_MEMORY,  // nothing is wrong with the file
+    READ_FAILED,          // the system cannot read on in a file: what was read of it may be cut
+    OUT_OF_MEMORY,        // nothing is wrong with the file
+    TOO_MANY_BYTES,       // of all files of a reading: beyond the host's limit, PLL_READ_LIMITS
+    TOO_MANY_STATEMENTS,  // likewise, of a family; table groups are TABLE_TOO_LARGE
+    FILE_REFUSED,         // outside of the database's directory, to which the host confines us
 
     // The file is read, and this part of it has no effect or another one than it seems to have.
     OUT_OF_SCOPE,  // a keyword before the one that gives it a place
@@ -63,6 +66,7 @@ enum class PLL_FINDING
     ROW_WITHOUT_GROUP,     // for an M that the counters cannot make
     ROWS_AFTER_EMPTY_LINE,
     CARRIAGE_RETURN_LINE,  // looks empty, but does not end the table
+    FILE_OUTSIDE,          // of the database's directory: other copies of that will lack it
 
     NONE
 };
@@ -94,6 +98,10 @@ struct PLL_SOURCE_PLACE
     int m_line = 0;           // from 1; 0: the file as a whole
     int m_column = 0;         // from 1, in bytes; 0: the line as a whole
     int m_length = 0;         // of the word that stands there, in bytes
+
+    // The file lies outside of the database's directory. It may be anyone's: findings on it come
+    // without words and columns, and of what it holds nothing should be shown.
+    bool m_is_outside = false;
 };
 
 struct PLL_READ_FINDING

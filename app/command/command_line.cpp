@@ -327,6 +327,8 @@ void add_device_options(DEVICE_OPTIONS options, CLI::App* app, DEVICE_WORDS* wor
     add_text(app, "--database", "DIR", "device database (default: environment PLL_DATABASE)",
              &words->m_database);
     add_text(app, "--family", "NAME", "device family", &words->m_family);
+    app->add_flag("--confined", words->m_is_confined, "no file outside of the database's directory")
+        ->disable_flag_override();
     if (options == DEVICE_OPTIONS::FAMILY) {
         return;
     }

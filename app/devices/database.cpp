@@ -10,6 +10,11 @@
 
 namespace {
 
+// What a family may take. docs/limits.md says why.
+constexpr long long MOST_BYTES = 64LL << 20;
+constexpr long long MOST_STATEMENTS = 4LL << 20;
+constexpr long long MOST_TABLE_GROUPS = 1LL << 20;
+
 // Why a family cannot be read, or where its fault is shown. `path` is its directory.
 std::string reason_for(const READ_FAULTS& faults, const std::string& path,
                        const std::string& file_name)
@@ -65,8 +70,14 @@ std::string_view find_name(const std::string& argument, const std::string& name,
                                     suggest(name, names));
 }
 
-DATABASE::DATABASE(const std::string& directory) : m_directory(directory)
+DATABASE::DATABASE(const std::string& directory, bool is_confined) : m_directory(directory)
 {
+    PLL_READ_LIMITS limits;
+    limits.m_bytes = MOST_BYTES;
+    limits.m_statements = MOST_STATEMENTS;
+    limits.m_table_groups = MOST_TABLE_GROUPS;
+    limits.m_is_confined = is_confined;
+    m_manager.set_read_limits(limits);
     m_manager.set_observer(&m_faults);
     if (!m_manager.read(directory.c_str())) {
         const bool is_refused = m_faults.is_incomplete() && !m_faults.file(directory).empty();

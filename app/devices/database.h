@@ -23,8 +23,9 @@ std::optional<std::string> find_database(const std::optional<std::string>& word)
 class DATABASE
 {
 public:
-    // Reads the path file. Throws an INPUT_ERROR.
-    explicit DATABASE(const std::string& directory);
+    // Reads the path file. A database that is confined may have no file outside of its directory.
+    // Throws an INPUT_ERROR.
+    DATABASE(const std::string& directory, bool is_confined);
     DATABASE(const DATABASE&) = delete;
     DATABASE& operator=(const DATABASE&) = delete;
 

@@ -219,7 +219,7 @@ bool is_given(int limit)
 }
 
 DEVICE::DEVICE(const std::string& directory, const DEVICE_WORDS& words)
-    : m_database(directory), m_type(PLL_TYPE_MAX)
+    : m_database(directory, words.m_is_confined), m_type(PLL_TYPE_MAX)
 {
     const PLL_FAMILY_INFO& family = m_database.find_family("--family", words.m_family);
     m_type = choose_type(family, words);

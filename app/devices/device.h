@@ -22,6 +22,7 @@ struct DEVICE_WORDS
     std::optional<std::string> m_part;
     std::optional<std::string> m_speed_grade;
     std::vector<std::string> m_migrate;  // FAMILY:PART:GRADE, the last two optional
+    bool m_is_confined = false;          // to the directory of the database
 };
 
 // One of the devices that a design must fit. Its limits are the widest of its records.

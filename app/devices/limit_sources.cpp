@@ -3,6 +3,7 @@
 #include "app/devices/limit_sources.h"
 
 #include "app/devices/limits.h"
+#include "app/output/input_error.h"
 #include "app/output/input_file.h"
 #include "app/words/letter_case.h"
 
@@ -132,11 +133,13 @@ void name_sources(const DEVICE& device, advice::LIMITS* limits)
     GATHERER gatherer(device.get_type());
     PLL_MANAGER manager;
     manager.set_observer(&gatherer);
-    if (!manager.read(device.get_directory().c_str())) {
-        return;
-    }
+    bool is_read = manager.read(device.get_directory().c_str());
     for (const DEVICE_ENTRY& entry : device.get_entries()) {
-        manager.read_family_info(entry.m_names.m_family);
+        is_read = is_read && manager.read_family_info(entry.m_names.m_family) != nullptr;
+    }
+    if (!is_read) {
+        throw INPUT_ERROR("cannot read the database " + device.get_directory() +
+                          " once more: it has changed, or the system refuses to read it");
     }
     const std::vector<advice::LIMIT> list = limits->get_list();
     for (const advice::LIMIT& limit : list) {

@@ -6,6 +6,15 @@
 #include <exception>
 #include <new>
 
+namespace {
+
+bool is_limit(PLL_FINDING finding)
+{
+    return finding == PLL_FINDING::TOO_MANY_BYTES || finding == PLL_FINDING::TOO_MANY_STATEMENTS;
+}
+
+}  // namespace
+
 void READ_FAULTS::forget()
 {
     m_finding = PLL_FINDING::NONE;
@@ -25,9 +34,10 @@ void READ_FAULTS::on_finding(const PLL_READ_FINDING& finding)
     }
     m_finding = finding.m_finding;
     m_system_error = finding.m_system_error;
-    m_is_included = is_left_out;
+    m_is_included = is_left_out ||
+                    (finding.m_finding == PLL_FINDING::FILE_REFUSED && finding.m_place.m_line > 0);
     try {
-        m_file = is_left_out ? finding.m_word : finding.m_place.m_file;
+        m_file = m_is_included ? finding.m_word : finding.m_place.m_file;
     } catch (const std::exception&) {
         m_is_out_of_memory = true;
     }
@@ -43,7 +53,8 @@ bool READ_FAULTS::is_incomplete() const
 
 std::string READ_FAULTS::file(const std::string& directory) const
 {
-    if (m_system_error == 0) {
+    const bool is_refused = m_finding == PLL_FINDING::FILE_REFUSED;
+    if (m_system_error == 0 && !is_refused && !is_limit(m_finding)) {
         return std::string();
     }
     return tidy_path(m_is_included ? directory + "/" + m_file : m_file);
@@ -51,5 +62,9 @@ std::string READ_FAULTS::file(const std::string& directory) const
 
 std::string READ_FAULTS::reason() const
 {
-    return describe_system_error(m_system_error);
+    if (m_finding == PLL_FINDING::FILE_REFUSED) {
+        return "outside of the database's directory, to which it is confined";
+    }
+    return is_limit(m_finding) ? "longer than the files of a family may be; see docs/limits.md"
+                               : describe_system_error(m_system_error);
 }

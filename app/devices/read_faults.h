@@ -20,7 +20,7 @@ public:
     // exhausted, which is nobody's fault.
     bool is_incomplete() const;
 
-    // The file that the system does not let us read, and its reason. The former is empty when there
+    // The file that cannot be read, not for what it holds, and why. The former is empty when there
     // is none. `directory` is where included files lie.
     std::string file(const std::string& directory) const;
     std::string reason() const;

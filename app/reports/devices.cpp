@@ -129,7 +129,7 @@ RECORD_LIST list_records(const std::vector<const PLL_FAMILY_INFO*>& families)
 std::string report_devices(const DEVICE_WORDS& words, LIST_FORM form,
                            std::vector<std::string>* failures)
 {
-    DATABASE database(require_database(words));
+    DATABASE database(require_database(words), words.m_is_confined);
     std::vector<const PLL_FAMILY_INFO*> families;
     if (words.m_family) {
         families.push_back(&database.find_family("--family", words.m_family));

@@ -63,6 +63,7 @@ PLL_FAMILY_INFO::PLL_FAMILY_INFO()
     : m_name(nullptr),
       m_path(nullptr),
       m_file_name(nullptr),
+      m_database(nullptr),
       m_number_of_parts(0),
       m_parts(nullptr),
       m_number_of_speed_grades(0),
@@ -79,6 +80,7 @@ PLL_FAMILY_INFO::~PLL_FAMILY_INFO()
     manager_release(m_name);
     manager_release(m_path);
     manager_release(m_file_name);
+    manager_release(m_database);
     for (int i = 0; i < m_number_of_parts; ++i) {
         destroy_part(m_parts[i]);
     }
@@ -268,6 +270,16 @@ void PLL_MANAGER::set_observer(PLL_READ_OBSERVER* observer)
 PLL_READ_OBSERVER* PLL_MANAGER::get_observer() const
 {
     return m_observer;
+}
+
+void PLL_MANAGER::set_read_limits(const PLL_READ_LIMITS& limits)
+{
+    m_read_limits = limits;
+}
+
+const PLL_READ_LIMITS& PLL_MANAGER::get_read_limits() const
+{
+    return m_read_limits;
 }
 
 int PLL_MANAGER::get_number_of_families() const

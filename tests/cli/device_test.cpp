@@ -65,6 +65,33 @@ std::string own_family_with(const std::string& from, const std::string& to)
     return family.replace(family.find(from), from.size(), to);
 }
 
+// What the file says may narrow the limits; without it the answer would be another one.
+TEST(CliDevice, AFileThatIsThereMustBeReadable)
+{
+    const OWN_DATABASE database(std::string("include more.txt\n") + OWN_FAMILY);
+    EXPECT_EQ(0, database.run("device", "").m_status) << "no such file, as the format allows";
+    std::filesystem::create_symlink("more.txt", database.get_directory() + "/more.txt");
+    const RUN run = database.run("device", "");
+    EXPECT_EQ(4, run.m_status);
+    EXPECT_EQ("pllcalc: cannot read family Own: " + database.get_directory() +
+                  "/more.txt: Too many levels of symbolic links\n",
+              run.m_errors);
+}
+
+TEST(CliDevice, ConfinesADatabaseToItsDirectory)
+{
+    const TEMP_DIR outside;
+    write_file(outside.file("more.txt"), "n_counter_max 9\n");
+    const OWN_DATABASE database(std::string("include link\n") + OWN_FAMILY);
+    std::filesystem::create_symlink(outside.file("more.txt"), database.get_directory() + "/link");
+    EXPECT_EQ(0, database.run("device", "").m_status);
+    const RUN run = database.run("device", " --confined");
+    EXPECT_EQ(4, run.m_status);
+    EXPECT_EQ("pllcalc: cannot read family Own: " + database.get_directory() +
+                  "/link: outside of the database's directory, to which it is confined\n",
+              run.m_errors);
+}
+
 TEST(CliDevice, EnvironmentNamesTheDatabaseAndTheCommandLineWins)
 {
     const std::string words = "devices --format csv";

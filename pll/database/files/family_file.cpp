@@ -51,13 +51,15 @@ PLL_SELECTION missing_selection(const PLL_FAMILY_FILE_READER& reader, PLL_SCOPE 
 
 }  // namespace
 
-PLL_FAMILY_FILE_READER::PLL_FAMILY_FILE_READER(PLL_MANAGER* manager, const char* path)
+PLL_FAMILY_FILE_READER::PLL_FAMILY_FILE_READER(PLL_MANAGER* manager, const char* path,
+                                               PLL_READ_BUDGET* budget)
     : m_manager(manager),
       m_family(nullptr),
       m_type(PLL_TYPE_MAX),
       m_speed_grade(nullptr),
       m_part(nullptr),
       m_reconfig(nullptr),
+      m_budget(budget),
       m_listener(nullptr),
       m_words(nullptr, nullptr),
       m_path(path),
@@ -86,22 +88,29 @@ PLL_FINDING PLL_FAMILY_FILE_READER::open_top_file(const char* file_name)
 {
     char* const full_name = manager_join(m_path, "/", file_name);
     if (full_name == nullptr) {
-        return tell_of_file(PLL_FINDING::OUT_OF_MEMORY);
+        return tell_of_file({PLL_FINDING::OUT_OF_MEMORY});
     }
-    const int error = m_files.open(full_name);
+    const PLL_FINDING place = m_budget->judge_place(full_name, m_listener != nullptr);
+    if (place != PLL_FINDING::NONE) {
+        tell_of_file({place});
+    }
+    if (place == PLL_FINDING::FILE_REFUSED) {
+        manager_release(full_name);
+        return place;
+    }
+    const int error = m_files.open(full_name, m_budget, place != PLL_FINDING::NONE);
     return error == 0 ? PLL_FINDING::NONE
-                      : tell_of_file(PLL_FINDING::FAMILY_FILE_NOT_OPENED, error);
+                      : tell_of_file(fault_of_system(PLL_FINDING::FAMILY_FILE_NOT_OPENED, error));
 }
 
 // Of the file at the bottom, as a whole. Its full name is made for the telling alone.
-PLL_FINDING PLL_FAMILY_FILE_READER::tell_of_file(PLL_FINDING finding, int system_error)
+PLL_FINDING PLL_FAMILY_FILE_READER::tell_of_file(const PLL_FAULT& fault)
 {
     if (m_listener != nullptr) {
         const PLL_MANAGER_TEXT name(manager_join(m_path, "/", m_file_name));
-        m_listener->hear_of_file(finding, name.get() == nullptr ? m_file_name : name.get(), 0,
-                                 system_error);
+        m_listener->hear_of_file(fault, name.get() == nullptr ? m_file_name : name.get(), 0);
     }
-    return finding;
+    return fault.m_finding;
 }
 
 // A file without a statement is an error.
@@ -116,13 +125,14 @@ PLL_FINDING PLL_FAMILY_FILE_READER::read_statements()
         }
     }
     if (const int error = m_files.get_error(); error != 0) {
+        const PLL_FAULT fault = fault_of_reading(error, *m_budget);
         if (m_listener != nullptr) {
-            m_listener->hear_of_file(PLL_FINDING::READ_FAILED, m_files.current_name(),
-                                     m_files.current().line_number() + 1, error);
+            m_listener->hear_of_file(fault, m_files.current_name(),
+                                     m_files.current().line_number() + 1);
         }
-        return PLL_FINDING::READ_FAILED;
+        return fault.m_finding;
     }
-    return has_statement ? PLL_FINDING::NONE : tell_of_file(PLL_FINDING::NO_STATEMENT);
+    return has_statement ? PLL_FINDING::NONE : tell_of_file({PLL_FINDING::NO_STATEMENT});
 }
 
 PLL_FINDING PLL_FAMILY_FILE_READER::read_line(char* line, bool* has_statement)
@@ -136,6 +146,10 @@ PLL_FINDING PLL_FAMILY_FILE_READER::read_line(char* line, bool* has_statement)
         return PLL_FINDING::NONE;
     }
     *has_statement = true;
+    if (!m_budget->take_statement()) {
+        return m_words.tell_limit(PLL_FINDING::TOO_MANY_STATEMENTS, m_statement.m_word, 0,
+                                  m_budget->limits().m_statements);
+    }
     const PLL_FINDING reason = read_statement();
     if (m_listener != nullptr) {
         m_listener->end_line(reason, &m_words);
@@ -200,8 +214,16 @@ PLL_FINDING PLL_FAMILY_FILE_READER::include(const char* name)
     if (full_name == nullptr) {
         return PLL_FINDING::OUT_OF_MEMORY;
     }
+    const PLL_FINDING place = m_budget->judge_place(full_name, m_listener != nullptr);
+    if (place != PLL_FINDING::NONE) {
+        m_words.tell(place, name);
+    }
+    if (place == PLL_FINDING::FILE_REFUSED) {
+        manager_release(full_name);
+        return place;
+    }
     PLL_FAULT fault{PLL_FINDING::INCLUDE_NOT_OPENED, name};
-    fault.m_system_error = m_files.open(full_name);
+    fault.m_system_error = m_files.open(full_name, m_budget, place != PLL_FINDING::NONE);
     return fault.m_system_error == 0 ? PLL_FINDING::NONE : m_words.tell_fault(fault);
 }
 

@@ -6,6 +6,7 @@
 
 #include "database/files/include_stack.h"
 #include "database/files/keywords.h"
+#include "database/files/read_budget.h"
 
 namespace pll_internal {
 
@@ -28,8 +29,8 @@ struct PLL_RECORD_OWNER
 class PLL_FAMILY_FILE_READER
 {
 public:
-    // `manager` and `path`, the family's directory, must outlive the reader.
-    PLL_FAMILY_FILE_READER(PLL_MANAGER* manager, const char* path);
+    // `manager`, `path`, the family's directory, and `budget` must outlive the reader.
+    PLL_FAMILY_FILE_READER(PLL_MANAGER* manager, const char* path, PLL_READ_BUDGET* budget);
     ~PLL_FAMILY_FILE_READER();
     PLL_FAMILY_FILE_READER(const PLL_FAMILY_FILE_READER&) = delete;
     PLL_FAMILY_FILE_READER& operator=(const PLL_FAMILY_FILE_READER&) = delete;
@@ -81,10 +82,11 @@ private:
     PLL_FINDING read_line(char* line, bool* has_statement);
     PLL_FINDING read_statement();
     PLL_FINDING refuse_scope(PLL_SCOPE scope);
-    PLL_FINDING tell_of_file(PLL_FINDING finding, int system_error = 0);
+    PLL_FINDING tell_of_file(const PLL_FAULT& fault);
     bool is_of_this_file(const PLL_FAMILY_INFO& family) const;
 
     PLL_INCLUDE_STACK m_files;
+    PLL_READ_BUDGET* m_budget;
     PLL_LINE_LISTENER* m_listener;  // null: nobody
     PLL_WORDS m_words;
     PLL_STATEMENT m_statement;

@@ -41,8 +41,7 @@ public:
     virtual void end_line(PLL_FINDING reason, PLL_WORDS* rest) = 0;
 
     // What is wrong with a file, or from `line` of it on; 0: as a whole.
-    virtual void hear_of_file(PLL_FINDING finding, const char* file, int line,
-                              int system_error) = 0;
+    virtual void hear_of_file(const PLL_FAULT& fault, const char* file, int line) = 0;
 };
 
 }  // namespace pll_internal

@@ -21,13 +21,14 @@ PLL_FINDING PLL_INCLUDE_STACK::refuse_file() const
     return m_opened_files >= MAX_OPENED_FILES ? PLL_FINDING::TOO_MANY_FILES : PLL_FINDING::NONE;
 }
 
-int PLL_INCLUDE_STACK::open(char* name)
+int PLL_INCLUDE_STACK::open(char* name, PLL_READ_BUDGET* budget, bool is_outside)
 {
-    const int error = m_files[m_depth].open(name);
+    const int error = m_files[m_depth].open(name, budget);
     if (error != 0) {
         manager_release(name);
         return error;
     }
+    m_files[m_depth].set_outside(is_outside);
     m_names[m_depth] = name;
     ++m_depth;
     ++m_opened_files;

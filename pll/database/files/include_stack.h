@@ -20,7 +20,7 @@ public:
 
     // Opens a file and reads on in it. Only legal while no file is refused. Takes the name over.
     // Returns 0, or why it cannot be opened, see PLL_INPUT_FILE::open.
-    int open(char* name);
+    int open(char* name, PLL_READ_BUDGET* budget, bool is_outside);
 
     // Reads the next line, closing files that are at their end. False when all are, and when the
     // system cannot read on, which get_error() tells.

@@ -1,5 +1,7 @@
 #include "database/files/input_file.h"
 
+#include "database/files/read_budget.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
@@ -36,6 +38,8 @@ int open_for_reading(const char* name)
 PLL_INPUT_FILE::PLL_INPUT_FILE()
     : m_descriptor(-1),
       m_error(0),
+      m_budget(nullptr),
+      m_is_outside(false),
       m_next(0),
       m_end(0),
       m_line_number(0),
@@ -49,9 +53,10 @@ PLL_INPUT_FILE::~PLL_INPUT_FILE()
     close();
 }
 
-int PLL_INPUT_FILE::open(const char* name)
+int PLL_INPUT_FILE::open(const char* name, PLL_READ_BUDGET* budget)
 {
     close();
+    m_budget = budget;
     if (const int reason = look_at_file(name); reason != 0) {
         return reason;
     }
@@ -66,6 +71,7 @@ void PLL_INPUT_FILE::close()
     }
     m_descriptor = -1;
     m_error = 0;
+    m_is_outside = false;
     m_next = 0;
     m_end = 0;
     m_line_number = 0;
@@ -78,6 +84,10 @@ bool PLL_INPUT_FILE::fill()
         size = ::read(m_descriptor, m_block, BLOCK_SIZE);
     } while (size < 0 && errno == EINTR);
     m_error = size < 0 ? errno : 0;
+    if (size > 0 && !m_budget->take_bytes(size)) {
+        m_error = PLL_OVER_BUDGET;
+        size = 0;
+    }
     m_next = 0;
     m_end = size > 0 ? static_cast<std::size_t>(size) : 0;
     return m_end != 0;

@@ -7,6 +7,11 @@
 
 namespace pll_internal {
 
+class PLL_READ_BUDGET;
+
+// In the place of an error number: the file is longer than the reading may take.
+inline constexpr int PLL_OVER_BUDGET = -2;
+
 inline constexpr int PLL_LINE_SIZE = 1024;  // characters of a line that are kept, with the NUL
 
 // An open file, read through a buffer of its own. Only regular files can be opened, links followed:
@@ -21,14 +26,19 @@ public:
     PLL_INPUT_FILE& operator=(const PLL_INPUT_FILE&) = delete;
 
     // Returns 0, or why the file cannot be opened: an error number of the system, or
-    // PLL_NOT_A_REGULAR_FILE.
-    int open(const char* name);
+    // PLL_NOT_A_REGULAR_FILE. What is read of it goes to the account of `budget`, which must
+    // outlive the file.
+    int open(const char* name, PLL_READ_BUDGET* budget);
     void close();
+
+    // True for a file outside of the database's directory, as whoever opened it has found.
+    bool is_outside() const { return m_is_outside; }
+    void set_outside(bool is_outside) { m_is_outside = is_outside; }
 
     // True when nothing is left to read.
     bool is_at_end();
 
-    // The error number of the system that ended the file early; 0: none did.
+    // The error number of the system that ended the file early, or PLL_OVER_BUDGET; 0: none did.
     int get_error() const { return m_error; }
 
     // Reads the next line, without its line break and a carriage return right before that, into
@@ -51,6 +61,8 @@ private:
 
     int m_descriptor;  // -1: not open
     int m_error;
+    PLL_READ_BUDGET* m_budget;
+    bool m_is_outside;
     std::size_t m_next;
     std::size_t m_end;
     int m_line_number;

@@ -28,8 +28,9 @@ bool replace_text(char** text, char* new_text)
 class PATH_READER
 {
 public:
-    PATH_READER(PLL_MANAGER* manager, const char* directory, PLL_PATH_LISTENER* listener)
-        : m_manager(manager), m_directory(directory), m_listener(listener)
+    PATH_READER(PLL_MANAGER* manager, const char* directory, PLL_READ_BUDGET* budget,
+                PLL_PATH_LISTENER* listener)
+        : m_manager(manager), m_directory(directory), m_budget(budget), m_listener(listener)
     {
     }
 
@@ -38,26 +39,27 @@ public:
 private:
     PLL_FINDING read_line(char* line, bool* names_a_family);
     PLL_FINDING read_family(const char* name, PLL_WORDS* words);
-    PLL_FINDING tell(PLL_FINDING finding, const char* file, int line = 0, int system_error = 0);
+    PLL_FINDING tell(const PLL_FAULT& fault, const char* file, int line = 0);
 
     PLL_MANAGER* m_manager;
     const char* m_directory;
+    PLL_READ_BUDGET* m_budget;
     PLL_PATH_LISTENER* m_listener;  // null: nobody
 };
 
-PLL_FINDING PATH_READER::tell(PLL_FINDING finding, const char* file, int line, int system_error)
+PLL_FINDING PATH_READER::tell(const PLL_FAULT& fault, const char* file, int line)
 {
     if (m_listener != nullptr) {
-        m_listener->hear_of_file(finding, file, line, system_error);
+        m_listener->hear_of_file(fault, file, line);
     }
-    return finding;
+    return fault.m_finding;
 }
 
 PLL_FINDING PATH_READER::read(const char* name)
 {
     PLL_INPUT_FILE file;
-    if (const int error = file.open(name); error != 0) {
-        return tell(PLL_FINDING::PATH_FILE_NOT_OPENED, name, 0, error);
+    if (const int error = file.open(name, m_budget); error != 0) {
+        return tell(fault_of_system(PLL_FINDING::PATH_FILE_NOT_OPENED, error), name);
     }
     bool names_a_family = false;
     char line[PLL_LINE_SIZE];
@@ -71,9 +73,9 @@ PLL_FINDING PATH_READER::read(const char* name)
         }
     }
     if (file.get_error() != 0) {
-        return tell(PLL_FINDING::READ_FAILED, name, file.line_number() + 1, file.get_error());
+        return tell(fault_of_reading(file.get_error(), *m_budget), name, file.line_number() + 1);
     }
-    return names_a_family ? PLL_FINDING::NONE : tell(PLL_FINDING::NO_FAMILY, name);
+    return names_a_family ? PLL_FINDING::NONE : tell({PLL_FINDING::NO_FAMILY}, name);
 }
 
 PLL_FINDING PATH_READER::read_line(char* line, bool* names_a_family)
@@ -84,6 +86,10 @@ PLL_FINDING PATH_READER::read_line(char* line, bool* names_a_family)
         return PLL_FINDING::NONE;
     }
     *names_a_family = true;
+    if (!m_budget->take_statement()) {
+        return words.tell_limit(PLL_FINDING::TOO_MANY_STATEMENTS, name, 0,
+                                m_budget->limits().m_statements);
+    }
     const PLL_FINDING reason = read_family(name, &words);
     if (m_listener != nullptr) {
         m_listener->end_line(reason, &words);
@@ -100,6 +106,9 @@ PLL_FINDING PATH_READER::read_family(const char* name, PLL_WORDS* words)
     if (m_listener != nullptr) {
         m_listener->hear_of_family(name, family);
     }
+    if (!replace_text(&family->m_database, manager_join(m_directory))) {
+        return PLL_FINDING::OUT_OF_MEMORY;
+    }
     const char* const path = words->next_name();
     if (path != nullptr && !replace_text(&family->m_path, manager_join(m_directory, path))) {
         return PLL_FINDING::OUT_OF_MEMORY;
@@ -113,14 +122,15 @@ PLL_FINDING PATH_READER::read_family(const char* name, PLL_WORDS* words)
 
 }  // namespace
 
-PLL_FINDING read_path_file(PLL_MANAGER* manager, const char* directory, PLL_PATH_LISTENER* listener)
+PLL_FINDING read_path_file(PLL_MANAGER* manager, const char* directory, PLL_READ_BUDGET* budget,
+                           PLL_PATH_LISTENER* listener)
 {
     const PLL_MANAGER_TEXT name(manager_join(directory, PATH_FILE_NAME));
     if (name.get() != nullptr) {
-        return PATH_READER(manager, directory, listener).read(name.get());
+        return PATH_READER(manager, directory, budget, listener).read(name.get());
     }
     if (listener != nullptr) {
-        listener->hear_of_file(PLL_FINDING::OUT_OF_MEMORY, PATH_FILE_NAME, 0, 0);
+        listener->hear_of_file({PLL_FINDING::OUT_OF_MEMORY}, PATH_FILE_NAME, 0);
     }
     return PLL_FINDING::OUT_OF_MEMORY;
 }

@@ -1,7 +1,7 @@
 // The reader of path files.
 #pragma once
 
-#include "database/files/fault.h"
+#include "database/files/read_budget.h"
 
 class PLL_MANAGER;
 class PLL_FAMILY_INFO;
@@ -18,7 +18,7 @@ public:
 // Reads the path file of a directory, which ends with a slash, into the manager: the families that
 // it names, their directories and files. Returns why it cannot be read, NONE when it names a
 // family. `listener` may be null.
-PLL_FINDING read_path_file(PLL_MANAGER* manager, const char* directory,
+PLL_FINDING read_path_file(PLL_MANAGER* manager, const char* directory, PLL_READ_BUDGET* budget,
                            PLL_PATH_LISTENER* listener);
 
 }  // namespace pll_internal

@@ -17,6 +17,7 @@
 #include "pll_manager.h"
 
 #include "database/files/input_file.h"
+#include "database/files/read_budget.h"
 #include "database/memory.h"
 #include "platform/host_state.h"
 #include "platform/report_error.h"
@@ -65,7 +66,7 @@ class FILE_BUFFER : public std::streambuf
 public:
     explicit FILE_BUFFER(PLL_TABLE_LISTENER* listener) : m_listener(listener), m_shown(nullptr) {}
 
-    int open(const char* name) { return m_file.open(name); }
+    int open(const char* name, PLL_READ_BUDGET* budget) { return m_file.open(name, budget); }
     int get_error() const { return m_file.get_error(); }
 
     // Shows the listener all characters up to where the reader is.
@@ -145,8 +146,9 @@ PLL_FINDING refuse_memory()
 class TABLE_READER
 {
 public:
-    TABLE_READER(const TABLE& table, PLL_TABLE_LISTENER* listener)
+    TABLE_READER(const TABLE& table, PLL_READ_BUDGET* budget, PLL_TABLE_LISTENER* listener)
         : m_table(table),
+          m_budget(budget),
           m_listener(listener),
           m_format{false, false},
           m_buffer(listener),
@@ -158,7 +160,7 @@ public:
     PLL_FINDING read(const char* file_name);
 
 private:
-    PLL_FINDING tell(PLL_FINDING finding, int system_error = 0) const;
+    PLL_FINDING tell(const PLL_FAULT& fault) const;
     PLL_FINDING read_format();
     PLL_FINDING read_rows();
     PLL_FINDING read_row(bool* is_stored);
@@ -183,33 +185,38 @@ private:
     PLL_FINDING refusal();
 
     TABLE m_table;
+    PLL_READ_BUDGET* m_budget;
     PLL_TABLE_LISTENER* m_listener;  // null: nobody
     FORMAT m_format;
     FILE_BUFFER m_buffer;
     std::istream m_stream;
 };
 
-PLL_FINDING TABLE_READER::tell(PLL_FINDING finding, int system_error) const
+PLL_FINDING TABLE_READER::tell(const PLL_FAULT& fault) const
 {
     if (m_listener != nullptr) {
-        m_listener->hear_of_table(finding, 0, 0, system_error);
+        m_listener->hear_of_table(fault);
     }
-    return finding;
+    return fault.m_finding;
 }
 
 PLL_FINDING TABLE_READER::read(const char* file_name)
 {
-    if (const int error = m_buffer.open(file_name); error != 0) {
-        return tell(PLL_FINDING::TABLE_NOT_OPENED, error);
+    const PLL_FINDING place = m_budget->judge_place(file_name, m_listener != nullptr);
+    if (place != PLL_FINDING::NONE && pll_is_read_error(tell({place}))) {
+        return place;
+    }
+    if (const int error = m_buffer.open(file_name, m_budget); error != 0) {
+        return tell(fault_of_system(PLL_FINDING::TABLE_NOT_OPENED, error));
     }
     PLL_FINDING reason = read_format();
     if (reason == PLL_FINDING::NONE) {
         reason = read_rows();
     }
     if (m_buffer.get_error() != 0) {
-        return tell(PLL_FINDING::READ_FAILED, m_buffer.get_error());
+        return tell(fault_of_reading(m_buffer.get_error(), *m_budget));
     }
-    return reason == PLL_FINDING::OUT_OF_MEMORY ? tell(reason) : reason;
+    return reason == PLL_FINDING::OUT_OF_MEMORY ? tell({reason}) : reason;
 }
 
 PLL_FINDING TABLE_READER::read_format()
@@ -370,42 +377,53 @@ PLL_FINDING TABLE_READER::store(PLL_BANDWIDTH_SETTING* row)
     return PLL_FINDING::NONE;
 }
 
-// Groups for every M that the counters allow; none for more than a table may have.
-PLL_FINDING create_table(const PLL_BASIC_INFO& info, PLL_TABLE_LISTENER* listener, TABLE* table)
+// The most groups that a table may have now, of which `groups` would take their share; 0 when that
+// is beyond what the host allows.
+std::int64_t limit_of_groups(std::int64_t groups, PLL_READ_BUDGET* budget)
 {
-    const std::int64_t groups =
-        std::int64_t{info.m_vco_post_scale_counter_max} * info.m_m_counter_max + 1;
-    const bool is_legal = groups >= 0 && groups <= MAX_GROUPS;
-    if (is_legal) {
-        table->m_size = static_cast<int>(groups);
-        table->m_groups = new PLL_BANDWIDTH_SETTING_GROUP[static_cast<std::size_t>(groups)];
+    if (groups < 0 || groups > MAX_GROUPS) {
+        return MAX_GROUPS;
+    }
+    return budget->take_groups(groups) ? 0 : budget->limits().m_table_groups;
+}
+
+// Groups for every M that the counters allow; none for more than a table may have.
+PLL_FINDING create_table(const PLL_BASIC_INFO& info, PLL_READ_BUDGET* budget,
+                         PLL_TABLE_LISTENER* listener, TABLE* table)
+{
+    PLL_FAULT fault{PLL_FINDING::TABLE_TOO_LARGE};
+    fault.m_value = std::int64_t{info.m_vco_post_scale_counter_max} * info.m_m_counter_max + 1;
+    fault.m_limit = limit_of_groups(fault.m_value, budget);
+    if (fault.m_limit == 0) {
+        fault.m_finding = PLL_FINDING::OUT_OF_MEMORY;
+        table->m_size = static_cast<int>(fault.m_value);
+        table->m_groups = new PLL_BANDWIDTH_SETTING_GROUP[static_cast<std::size_t>(fault.m_value)];
     }
     if (table->m_groups != nullptr) {
         return PLL_FINDING::NONE;
     }
-    const PLL_FINDING reason = is_legal ? PLL_FINDING::OUT_OF_MEMORY : PLL_FINDING::TABLE_TOO_LARGE;
     if (listener != nullptr) {
-        listener->hear_of_table(reason, groups, MAX_GROUPS, 0);
+        listener->hear_of_table(fault);
     }
-    return reason;
+    return fault.m_finding;
 }
 
 }  // namespace
 
 namespace pll_internal {
 
-PLL_FINDING read_table_file(PLL_BASIC_INFO* info, const char* file_name,
+PLL_FINDING read_table_file(PLL_BASIC_INFO* info, const char* file_name, PLL_READ_BUDGET* budget,
                             PLL_TABLE_LISTENER* listener)
 {
     TABLE table = {0, nullptr};
-    PLL_FINDING reason = create_table(*info, listener, &table);
+    PLL_FINDING reason = create_table(*info, budget, listener, &table);
     info->m_use_bandwidth_settings_table = true;
     if (reason != PLL_FINDING::NONE) {
         info->set_bandwidth_settings_table(0, nullptr);
         return reason;
     }
     try {
-        reason = TABLE_READER(table, listener).read(file_name);
+        reason = TABLE_READER(table, budget, listener).read(file_name);
     } catch (const std::exception&) {
         reason = refuse_memory();
     }

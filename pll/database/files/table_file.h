@@ -2,7 +2,8 @@
 #pragma once
 
 #include "pll_info.h"
-#include "pll_observer.h"
+
+#include "database/files/fault.h"
 
 #include <cstddef>
 
@@ -10,6 +11,8 @@ namespace pll_internal {
 
 // In the place of a file name: there is no table.
 inline constexpr char UNUSED_TABLE_FILE[] = "unused";
+
+class PLL_READ_BUDGET;
 
 // What the columns of one row came to.
 struct PLL_TABLE_ROW
@@ -32,9 +35,8 @@ public:
     // The next characters of the file, which the reader has passed.
     virtual void see(const char* text, std::size_t size) = 0;
 
-    // What is wrong with the table as a whole; the system's error number where that is the reason.
-    virtual void hear_of_table(PLL_FINDING finding, long long value, long long limit,
-                               int system_error) = 0;
+    // What is wrong with the table as a whole.
+    virtual void hear_of_table(const PLL_FAULT& fault) = 0;
 
     // The format word up to the blank that ends it, or without one: MISSING, UNENDED or NONE.
     virtual void hear_of_format(PLL_FINDING finding, const char* word) = 0;
@@ -53,7 +55,7 @@ public:
 
 // Reads a table file into the record of a PLL type, as large as its counters ask for. Returns why
 // it cannot be read, NONE when it can. `listener` may be null.
-PLL_FINDING read_table_file(PLL_BASIC_INFO* info, const char* file_name,
+PLL_FINDING read_table_file(PLL_BASIC_INFO* info, const char* file_name, PLL_READ_BUDGET* budget,
                             PLL_TABLE_LISTENER* listener);
 
 }  // namespace pll_internal

@@ -29,6 +29,9 @@ constexpr const char* const NAMES[] = {
     "table-without-rows",
     "read-failed",
     "out-of-memory",
+    "too-many-bytes",
+    "too-many-statements",
+    "file-refused",
     "out-of-scope",
     "include-not-opened",
     "unknown-reconfig-type",
@@ -48,6 +51,7 @@ constexpr const char* const NAMES[] = {
     "row-without-group",
     "rows-after-empty-line",
     "carriage-return-line",
+    "file-outside",
     "",
 };
 static_assert(std::size(NAMES) == static_cast<std::size_t>(PLL_FINDING::NONE) + 1);

@@ -20,11 +20,15 @@ void PLL_LINE_WATCH::begin(const char* line, const PLL_INPUT_FILE& file, const c
     m_full_length = file.line_length();
     m_place.m_file = file_name;
     m_place.m_line = file.line_number();
+    m_place.m_is_outside = file.is_outside();
 }
 
 PLL_SOURCE_PLACE PLL_LINE_WATCH::place_of(const char* word) const
 {
     PLL_SOURCE_PLACE place = m_place;
+    if (place.m_is_outside) {
+        return place;
+    }
     place.m_column = static_cast<int>(word - m_line) + 1;
     place.m_length = static_cast<int>(std::strlen(word));
     return place;
@@ -37,7 +41,7 @@ PLL_READ_FINDING PLL_LINE_WATCH::finding_of(const PLL_FAULT& fault) const
     event.m_finding = fault.m_finding;
     event.m_place = place_of(is_missing ? fault.m_at : fault.m_word);
     event.m_place.m_length = is_missing ? 0 : event.m_place.m_length;
-    event.m_word = is_missing ? "" : fault.m_word;
+    event.m_word = is_missing || m_place.m_is_outside ? "" : fault.m_word;
     event.m_needed = fault.m_needed;
     event.m_value = fault.m_value;
     event.m_limit = fault.m_limit;
@@ -52,7 +56,7 @@ void PLL_LINE_WATCH::tell_of_rest(PLL_WORDS* rest, PLL_READ_FINDING finding) con
     if (const char* const word = rest->next_word(); word != nullptr) {
         finding.m_finding = PLL_FINDING::EXTRA_WORDS;
         finding.m_place = place_of(word);
-        finding.m_word = word;
+        finding.m_word = m_place.m_is_outside ? "" : word;
         tell(m_observer, finding);
     }
     PLL_FAULT fault;
@@ -68,15 +72,15 @@ void PLL_LINE_WATCH::tell_of_rest(PLL_WORDS* rest, PLL_READ_FINDING finding) con
     }
 }
 
-void PLL_LINE_WATCH::tell_of_file(PLL_FINDING finding, const char* file, int line,
-                                  int system_error) const
+void PLL_LINE_WATCH::tell_of_file(const PLL_FAULT& fault, const char* file, int line) const
 {
     PLL_READ_FINDING event;
-    event.m_finding = finding;
+    event.m_finding = fault.m_finding;
     event.m_place.m_file = file;
     event.m_place.m_line = line;
     event.m_word = line == 0 ? file : "";
-    event.m_system_error = system_error;
+    event.m_limit = fault.m_limit;
+    event.m_system_error = fault.m_system_error;
     tell(m_observer, event);
 }
 

@@ -28,7 +28,7 @@ public:
     void tell_of_rest(PLL_WORDS* rest, PLL_READ_FINDING finding) const;
 
     // Tells what is wrong with a file, or from `line` of it on; 0: as a whole.
-    void tell_of_file(PLL_FINDING finding, const char* file, int line, int system_error) const;
+    void tell_of_file(const PLL_FAULT& fault, const char* file, int line) const;
 
     PLL_READ_OBSERVER* get_observer() const { return m_observer; }
 

@@ -30,16 +30,16 @@ void PLL_PATH_WATCH::hear_of_family(const char* name, const PLL_FAMILY_INFO* fam
 void PLL_PATH_WATCH::end_line(PLL_FINDING reason, PLL_WORDS* rest)
 {
     if (reason != PLL_FINDING::NONE) {
-        m_line.tell_of_file(reason, m_statement.m_place.m_file, m_statement.m_place.m_line, 0);
+        m_line.tell_of_file({reason}, m_statement.m_place.m_file, m_statement.m_place.m_line);
         return;
     }
     m_line.tell_of_rest(rest, PLL_READ_FINDING());
     tell(m_line.get_observer(), m_statement);
 }
 
-void PLL_PATH_WATCH::hear_of_file(PLL_FINDING finding, const char* file, int line, int system_error)
+void PLL_PATH_WATCH::hear_of_file(const PLL_FAULT& fault, const char* file, int line)
 {
-    m_line.tell_of_file(finding, file, line, system_error);
+    m_line.tell_of_file(fault, file, line);
 }
 
 }  // namespace pll_internal

@@ -16,7 +16,7 @@ public:
     void hear(const PLL_FAULT& fault) override;
     void hear_of_family(const char* name, const PLL_FAMILY_INFO* family) override;
     void end_line(PLL_FINDING reason, PLL_WORDS* rest) override;
-    void hear_of_file(PLL_FINDING finding, const char* file, int line, int system_error) override;
+    void hear_of_file(const PLL_FAULT& fault, const char* file, int line) override;
 
 private:
     PLL_LINE_WATCH m_line;

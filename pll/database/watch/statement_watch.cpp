@@ -16,10 +16,9 @@ void PLL_STATEMENT_WATCH::begin_line(const char* line, const PLL_INPUT_FILE& fil
     m_line.begin(line, file, file_name);
 }
 
-void PLL_STATEMENT_WATCH::hear_of_file(PLL_FINDING finding, const char* file, int line,
-                                       int system_error)
+void PLL_STATEMENT_WATCH::hear_of_file(const PLL_FAULT& fault, const char* file, int line)
 {
-    m_line.tell_of_file(finding, file, line, system_error);
+    m_line.tell_of_file(fault, file, line);
 }
 
 PLL_READ_FINDING PLL_STATEMENT_WATCH::finding() const

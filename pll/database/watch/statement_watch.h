@@ -17,7 +17,7 @@ public:
     void begin_line(const char* line, const PLL_INPUT_FILE& file, const char* file_name) override;
     void hear(const PLL_FAULT& fault) override;
     void end_line(PLL_FINDING reason, PLL_WORDS* rest) override;
-    void hear_of_file(PLL_FINDING finding, const char* file, int line, int system_error) override;
+    void hear_of_file(const PLL_FAULT& fault, const char* file, int line) override;
 
 private:
     // What findings on the statement under way share, but for its place.

@@ -67,6 +67,7 @@ PLL_TABLE_WATCH::PLL_TABLE_WATCH(PLL_READ_OBSERVER* observer, const PLL_FAMILY_I
       m_family(family),
       m_type(type),
       m_file_name(file_name),
+      m_is_outside(false),
       m_part(PART::HEAD),
       m_columns(0),
       m_first_length(0),
@@ -142,13 +143,21 @@ void PLL_TABLE_WATCH::end_file()
     }
 }
 
+PLL_SOURCE_PLACE PLL_TABLE_WATCH::shown(PLL_SOURCE_PLACE place) const
+{
+    place.m_is_outside = m_is_outside;
+    place.m_column = m_is_outside ? 0 : place.m_column;
+    place.m_length = m_is_outside ? 0 : place.m_length;
+    return place;
+}
+
 PLL_READ_FINDING PLL_TABLE_WATCH::finding_at(PLL_FINDING finding, const PLL_SOURCE_PLACE& place,
                                              const char* word) const
 {
     PLL_READ_FINDING event;
     event.m_finding = finding;
-    event.m_place = place;
-    event.m_word = word;
+    event.m_place = shown(place);
+    event.m_word = m_is_outside && word != m_file_name ? "" : word;
     event.m_family = m_family;
     event.m_type = m_type;
     return event;
@@ -160,19 +169,20 @@ PLL_READ_FINDING PLL_TABLE_WATCH::finding_on(PLL_FINDING finding,
     return finding_at(finding, word.place_in(m_file_name, m_here), word.text());
 }
 
-// Where the system cannot read on, the line is known.
-void PLL_TABLE_WATCH::hear_of_table(PLL_FINDING finding, long long value, long long limit,
-                                    int system_error)
+// Where the reading broke off, the line is known.
+void PLL_TABLE_WATCH::hear_of_table(const PLL_FAULT& fault)
 {
-    const bool has_line = finding == PLL_FINDING::READ_FAILED;
+    const bool has_line = fault.m_finding == PLL_FINDING::READ_FAILED ||
+                          fault.m_finding == PLL_FINDING::TOO_MANY_BYTES;
     PLL_SOURCE_PLACE place;
     place.m_file = m_file_name;
     place.m_line = has_line ? m_here.line() : 0;
-    PLL_READ_FINDING event = finding_at(finding, place, has_line ? "" : m_file_name);
-    event.m_value = value;
-    event.m_limit = limit;
-    event.m_system_error = system_error;
+    PLL_READ_FINDING event = finding_at(fault.m_finding, place, has_line ? "" : m_file_name);
+    event.m_value = fault.m_value;
+    event.m_limit = fault.m_limit;
+    event.m_system_error = fault.m_system_error;
     tell(m_observer, event);
+    m_is_outside = m_is_outside || fault.m_finding == PLL_FINDING::FILE_OUTSIDE;
 }
 
 // The word that was meant ends at the first blank of any kind.
@@ -222,7 +232,7 @@ void PLL_TABLE_WATCH::end_row(const PLL_TABLE_ROW& row, int largest_m)
                      : row.m_row == nullptr ? PLL_READ_RESULT::SKIPPED
                                             : PLL_READ_RESULT::STORED;
     event.m_reason = row.m_reason;
-    event.m_place = place_of_row(is_read);
+    event.m_place = shown(place_of_row(is_read));
     event.m_family = m_family;
     event.m_type = m_type;
     event.m_row = row.m_row;

@@ -62,8 +62,7 @@ public:
                     const char* file_name);
 
     void see(const char* text, std::size_t size) override;
-    void hear_of_table(PLL_FINDING finding, long long value, long long limit,
-                       int system_error) override;
+    void hear_of_table(const PLL_FAULT& fault) override;
     void hear_of_format(PLL_FINDING finding, const char* word) override;
     void begin_row() override;
     void begin_column() override;
@@ -92,10 +91,14 @@ private:
     void tell_of_stored_row(const PLL_TABLE_ROW& row, int largest_m) const;
     PLL_SOURCE_PLACE place_of_row(bool is_read) const;
 
+    // As much of a place as may be told.
+    PLL_SOURCE_PLACE shown(PLL_SOURCE_PLACE place) const;
+
     PLL_READ_OBSERVER* m_observer;
     const PLL_FAMILY_INFO* m_family;
     PLL_TYPE_ENUM m_type;
     const char* m_file_name;
+    bool m_is_outside;  // of the database: nothing of the file is told but what is wrong
     PLL_TEXT_PLACE m_here;
     PART m_part;
     PLL_PASSING_WORD m_first;   // of the row
