@@ -124,7 +124,9 @@ CANDIDATE_SIEVE::VERDICT CANDIDATE_SIEVE::measure(int m, int n, std::int64_t cut
 // Of equal costs a larger N loses.
 bool CANDIDATE_SIEVE::loses(double cost, int n, const SEARCH_RESULT& result)
 {
-    return cost > result.m_best_cost ||
+    // A cost that is no number loses to none, and the plain > would raise the flag of invalid
+    // arithmetic for it.
+    return std::isgreater(cost, result.m_best_cost) ||
            (cost == result.m_best_cost && n > result.m_best.m_n.m_count);
 }
 
