@@ -18,6 +18,7 @@
 
 #include "database/files/input_file.h"
 #include "database/files/read_budget.h"
+#include "database/files/table_fields.h"
 #include "database/memory.h"
 #include "platform/host_state.h"
 #include "platform/report_error.h"
@@ -33,8 +34,6 @@ using namespace pll_internal;
 
 namespace {
 
-const int WORD_SIZE = 1024;  // characters of the format word, with the NUL
-const char WORD_END = ' ';
 const std::int64_t MAX_GROUPS = 4194304;
 const double HZ_PER_MHZ = 1000000.0;
 const int NO_CAPACITOR = -1;
@@ -127,14 +126,6 @@ bool is_word(const char* word, const char* name)
     return gen_stricmp(word, name) == 0 && std::strlen(word) == std::strlen(name);
 }
 
-// Reads the format word into `word`, which has WORD_SIZE characters; gives its length, which counts
-// NULs that are part of it.
-std::size_t extract_word(std::istream& stream, char* word)
-{
-    stream.getline(word, WORD_SIZE, WORD_END);
-    return static_cast<std::size_t>(stream.gcount() - (stream.good() ? 1 : 0));
-}
-
 // Of the streams, which take memory of their own for long numbers.
 PLL_FINDING refuse_memory()
 {
@@ -221,8 +212,8 @@ PLL_FINDING TABLE_READER::read(const char* file_name)
 
 PLL_FINDING TABLE_READER::read_format()
 {
-    char word[WORD_SIZE];
-    const std::size_t length = extract_word(m_stream, word);
+    char word[PLL_FORMAT_WORD_SIZE];
+    const std::size_t length = extract_format_word(m_stream, word);
     if (m_buffer.get_error() != 0) {
         return PLL_FINDING::READ_FAILED;
     }
@@ -432,36 +423,3 @@ PLL_FINDING read_table_file(PLL_BASIC_INFO* info, const char* file_name, PLL_REA
 }
 
 }  // namespace pll_internal
-
-bool pll_read_field(std::istream& stream, int& value)
-{
-    const HOST_STATE state;
-    try {
-        stream >> value;
-        return stream.good();
-    } catch (const std::exception&) {
-        return false;
-    }
-}
-
-bool pll_read_field(std::istream& stream, double& value)
-{
-    const HOST_STATE state;
-    try {
-        stream >> value;
-        return stream.good();
-    } catch (const std::exception&) {
-        return false;
-    }
-}
-
-bool pll_read_field(std::istream& stream, MEM_STRING& value)
-{
-    try {
-        char word[WORD_SIZE];
-        value.assign(word, extract_word(stream, word));
-        return stream.good();
-    } catch (const std::exception&) {
-        return false;
-    }
-}
