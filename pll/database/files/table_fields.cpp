@@ -2,6 +2,8 @@
 
 #include "pll_manager.h"
 
+#include "platform/host_state.h"
+
 #include <exception>
 
 using namespace pll_internal;
