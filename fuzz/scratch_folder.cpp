@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
+#include <filesystem>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -18,15 +19,21 @@ namespace {
 }  // namespace
 
 // In memory where the system has such a folder.
-SCRATCH_FOLDER::SCRATCH_FOLDER() : m_path("/dev/shm/pll_fuzz_XXXXXX")
+SCRATCH_FOLDER::SCRATCH_FOLDER()
 {
-    if (mkdtemp(m_path.data()) == nullptr) {
-        m_path = "/tmp/pll_fuzz_XXXXXX";
-        if (mkdtemp(m_path.data()) == nullptr) {
-            give_up("mkdtemp");
-        }
+    const std::string temporary = std::filesystem::temp_directory_path().string();
+    if (!make_folder("/dev/shm") && !make_folder(temporary)) {
+        give_up("mkdtemp");
     }
     m_path += '/';
+}
+
+bool SCRATCH_FOLDER::make_folder(const std::string& parent)
+{
+    constexpr std::size_t LETTERS_TO_CHOOSE = 6;
+    m_path = parent + "/pll_fuzz_";
+    m_path.append(LETTERS_TO_CHOOSE, 'X');
+    return mkdtemp(m_path.data()) != nullptr;
 }
 
 SCRATCH_FOLDER::~SCRATCH_FOLDER()

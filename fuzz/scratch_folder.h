@@ -21,6 +21,9 @@ public:
     void write(const char* name, std::string_view text);
 
 private:
+    // Makes a folder of a new name in `parent`. False where that cannot be.
+    bool make_folder(const std::string& parent);
+
     std::string m_path;
     std::vector<std::string> m_files;
 };

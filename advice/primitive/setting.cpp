@@ -28,7 +28,7 @@ constexpr const char* SHIFTED_CLOCKS = "SHIFTREG";
 constexpr const char* SHIFTED_BY_90 = "SHIFTREG_90deg";
 constexpr const char* FULL_CLOCK = "GENCLK";
 constexpr const char* INTERNAL_PATH = "INT_";
-constexpr const char* DISABLED_WORD = "DISABLED";
+constexpr const char* OFF_WORD = "DISABLED";
 const RATIONAL QUARTER_TURN(90);
 
 // A value with few digits is written as given: only periods of three decimals and more are rounded.
@@ -208,7 +208,7 @@ private:
         if (name == m_setting.m_fed_back || is_the_only_one(output)) {
             return true;
         }
-        if (m_parameters.text_of(PARAMETER_ROLE::ENABLE, name) == DISABLED_WORD) {
+        if (m_parameters.text_of(PARAMETER_ROLE::ENABLE, name) == OFF_WORD) {
             return false;
         }
         const CONNECTION* connection = connection_of(name);
