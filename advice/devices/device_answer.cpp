@@ -91,7 +91,42 @@ void explain(const DEVICE_REQUEST& request, DEVICE_ANSWER* answer)
     }
 }
 
+bool has_missed_wish(const DEVICE_ANSWER& answer)
+{
+    return std::any_of(
+        answer.m_clocks.begin(), answer.m_clocks.end(), [](const DEVICE_CLOCK& clock) {
+            return clock.m_frequency_missed || clock.m_phase_missed || clock.m_duty_missed;
+        });
+}
+
+void judge_limits(const DEVICE_REQUEST& request, DEVICE_ANSWER* answer)
+{
+    answer->m_figures = judge_for(to_setting(request, *answer), request.m_device);
+    answer->m_met =
+        answer->m_met && std::all_of(answer->m_figures.begin(), answer->m_figures.end(),
+                                     [](const JUDGED_FIGURE& figure) { return figure.m_kept; });
+}
+
 }  // namespace
+
+DEVICE_ANSWER describe_setting(const DEVICE_REQUEST& request, const DEVICE_SETTING& setting)
+{
+    DEVICE_ANSWER answer;
+    for (const bool fractions : {false, true}) {
+        PLAN_OPTIONS options;
+        options.m_fractions = fractions && !request.m_device.m_sheet->m_eighths.empty();
+        for (const PLAN& plan : make_plans(request.m_request, *request.m_device.m_sheet,
+                                           request.m_device.m_grade, options)) {
+            if (take_setting(request, plan, setting, &answer)) {
+                answer.m_met = !has_missed_wish(answer);
+                judge_limits(request, &answer);
+                explain(request, &answer);
+                return answer;
+            }
+        }
+    }
+    return answer;
+}
 
 DEVICE_ANSWER answer_for_device(const DEVICE_REQUEST& request)
 {
@@ -106,10 +141,7 @@ DEVICE_ANSWER answer_for_device(const DEVICE_REQUEST& request)
         }
     }
     if (answer.m_has_setting) {
-        answer.m_figures = judge_for(to_setting(request, answer), request.m_device);
-        answer.m_met =
-            answer.m_met && std::all_of(answer.m_figures.begin(), answer.m_figures.end(),
-                                        [](const JUDGED_FIGURE& figure) { return figure.m_kept; });
+        judge_limits(request, &answer);
     }
     explain(request, &answer);
     return answer;

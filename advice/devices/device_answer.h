@@ -67,6 +67,27 @@ struct DEVICE_ANSWER
     std::vector<std::string> m_reasons;    // why wishes are missed
 };
 
+// Counts that somebody chose for a request.
+struct CLOCK_SETTING
+{
+    std::string m_output;
+    std::string m_select;
+    RATIONAL m_count;
+    RATIONAL m_division;  // of the VCO in all
+};
+
+struct DEVICE_SETTING
+{
+    RATIONAL m_n;
+    RATIONAL m_m;                         // the factor in the loop beside what is fed back
+    std::string m_fed_back;               // output in the loop; empty: M alone
+    std::vector<CLOCK_SETTING> m_clocks;  // in the order of the request
+};
+
+// What a setting comes to, and whether it keeps wishes and limits. It has no setting when the
+// device cannot be wired so.
+DEVICE_ANSWER describe_setting(const DEVICE_REQUEST& request, const DEVICE_SETTING& setting);
+
 // The best setting there is. The request must have no problem (find_problem).
 DEVICE_ANSWER answer_for_device(const DEVICE_REQUEST& request);
 

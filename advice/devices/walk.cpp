@@ -17,7 +17,6 @@ constexpr double COST_OF_NEARLY_MET = 8192.0;
 constexpr double COST_OF_DUTY = 0.01;
 constexpr double EXACT = 1e-13;  // what doubles may be wrong by
 constexpr double SMALL_M = 40.0;
-constexpr double EVEN_M_BONUS = 200.0;  // ps
 constexpr double PS_MHZ = 1e6;
 
 // Walks all settings of one plan.
@@ -63,7 +62,60 @@ public:
         }
     }
 
+    bool take(const DEVICE_SETTING& setting)
+    {
+        const std::string& fed_back = m_plan.m_fed_back == NO_COUNTER
+                                          ? m_plan.m_spare
+                                          : m_plan.m_counters[m_plan.m_fed_back].m_output;
+        if (setting.m_fed_back != fed_back || setting.m_clocks.size() != m_wishes.size() ||
+            !is_step(setting.m_n, false) || !is_step(setting.m_m, m_plan.m_has_eighths) ||
+            !take_counts(setting)) {
+            return false;
+        }
+        m_n = setting.m_n;
+        m_m = setting.m_m;
+        m_pfd = m_input / m_n;
+        m_loop = m_m * RATIONAL(m_plan.m_loop);
+        if (m_plan.m_fed_back != NO_COUNTER) {
+            m_loop = m_loop * m_counts[m_plan.m_fed_back];
+        }
+        m_vco = m_pfd * m_loop;
+        keep(make_clocks());
+        return true;
+    }
+
 private:
+    static bool is_step(const RATIONAL& count, bool has_eighths)
+    {
+        return RATIONAL(0) < count && (has_eighths ? count / EIGHTH : count).is_integer();
+    }
+
+    // False where a count does not fit its counter, or two clocks of one counter disagree.
+    bool take_counts(const DEVICE_SETTING& setting)
+    {
+        m_divisions.clear();
+        for (std::size_t i = 0; i < m_wishes.size(); ++i) {
+            const PLAN_CLOCK& plan = m_plan.m_clocks[i];
+            const CLOCK_SETTING& clock = setting.m_clocks[i];
+            RATIONAL& count = m_counts[plan.m_counter];
+            const bool is_other = RATIONAL(0) < count && count != clock.m_count;
+            if (clock.m_output != plan.m_output || clock.m_select != plan.m_select || is_other ||
+                !is_step(clock.m_count, m_plan.m_counters[plan.m_counter].m_has_eighths)) {
+                return false;
+            }
+            count = clock.m_count;
+            const auto is_it = [&](int division) {
+                return count * RATIONAL(division) == clock.m_division;
+            };
+            if (std::none_of(plan.m_divisions.begin(), plan.m_divisions.end(), is_it)) {
+                return false;
+            }
+            m_divisions.push_back(clock.m_division);
+        }
+        return std::all_of(m_counts.begin(), m_counts.end(),
+                           [](const RATIONAL& count) { return RATIONAL(0) < count; });
+    }
+
     FIGURE_RANGE range_of(FIGURE_KIND kind, const std::string& output) const
     {
         const std::string& grade = m_request.m_device.m_grade;
@@ -358,38 +410,16 @@ private:
 
 }  // namespace
 
-bool RANK::operator<(const RANK& other) const
-{
-    if (m_is_missed != other.m_is_missed) {
-        return other.m_is_missed;
-    }
-    if (m_is_detour != other.m_is_detour) {
-        return other.m_is_detour;
-    }
-    if (m_error != other.m_error) {
-        return m_error < other.m_error;
-    }
-    if (m_cost != other.m_cost) {
-        return m_cost < other.m_cost;
-    }
-    if (m_order != other.m_order) {
-        return m_order < other.m_order;
-    }
-    if (m_n != other.m_n) {
-        return m_n < other.m_n;
-    }
-    if (m_has_large_m != other.m_has_large_m) {
-        return other.m_has_large_m;
-    }
-    const double bonus = m_has_even_m == other.m_has_even_m ? 0.0
-                         : m_has_even_m                     ? EVEN_M_BONUS
-                                                            : -EVEN_M_BONUS;
-    return m_vco_period < other.m_vco_period + bonus;
-}
-
 void walk_plan(const DEVICE_REQUEST& request, const PLAN& plan, DEVICE_ANSWER* best, RANK* rank)
 {
     WALK(request, plan, best, rank).run();
+}
+
+bool take_setting(const DEVICE_REQUEST& request, const PLAN& plan, const DEVICE_SETTING& setting,
+                  DEVICE_ANSWER* answer)
+{
+    RANK rank;
+    return WALK(request, plan, answer, &rank).take(setting);
 }
 
 }  // namespace advice

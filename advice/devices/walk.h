@@ -27,4 +27,9 @@ struct RANK
 // Replaces the best answer and its rank by those of a setting of the plan that ranks before it.
 void walk_plan(const DEVICE_REQUEST& request, const PLAN& plan, DEVICE_ANSWER* best, RANK* rank);
 
+// Describes one setting of the plan. False where the plan has no such setting: its outputs, its
+// feedback or the steps of its counters differ. Limits are not looked at.
+bool take_setting(const DEVICE_REQUEST& request, const PLAN& plan, const DEVICE_SETTING& setting,
+                  DEVICE_ANSWER* answer);
+
 }  // namespace advice

@@ -181,6 +181,28 @@ VERIFIED verify_answer(const PLACE& answer, const DEVICE_WORDS& of_line)
     return verified;
 }
 
+VERIFIED verify_answer_of_device(const PLACE& answer, const PRIMITIVE_WORDS& words)
+{
+    const CHECKED_DEVICE_ANSWER checked = verify_device_answer(words, answer);
+    VERIFIED verified;
+    const bool is_clean = checked.m_has_setting && checked.m_differences.empty();
+    verified.m_json = {{"clean", is_clean}, {"findings", JSON::array()}};
+    if (!checked.m_has_setting) {
+        verified.m_status = STATUS_USAGE;
+        verified.m_text = "NO SETTING: the answer holds no counters\n";
+        return verified;
+    }
+    verified.m_status = is_clean ? STATUS_MET : STATUS_NOT_MET;
+    verified.m_text =
+        is_clean ? "CLEAN: every wish and limit is kept, every figure is right\n" : "BROKEN\n";
+    for (const JSON_DIFFERENCE& each : checked.m_differences) {
+        verified.m_text += each.m_place + ": " + each.m_text + "\n";
+        verified.m_json["findings"].push_back(JSON{{"place", each.m_place}, {"text", each.m_text}});
+    }
+    verified.m_text += checked.m_description.empty() ? "" : "\n" + checked.m_description;
+    return verified;
+}
+
 // The worst of several: no setting is worse than a broken one.
 VERIFIED verify_alternatives(const PLACE& list, const DEVICE_WORDS& of_line)
 {
@@ -205,7 +227,8 @@ EXIT_STATUS verify_answers(const std::string& name, const std::string& content,
     const bool is_list = document.is_object() && document.contains("alternatives");
     const VERIFIED verified =
         is_list ? verify_alternatives(place.require("alternatives"), words.m_device)
-                : verify_answer(place, words.m_device);
+        : is_device_answer(document) ? verify_answer_of_device(place, words.m_primitive)
+                                     : verify_answer(place, words.m_device);
     if (words.m_form == LIST_FORM::JSON) {
         JSON object{{"schema_version", SCHEMA_VERSION},
                     {"command", "verify"},

@@ -5,6 +5,7 @@
 #include "app/output/characters.h"
 #include "app/output/input_error.h"
 #include "app/output/text_table.h"
+#include "app/primitive/check_device_answer.h"
 #include "app/primitive/device_report.h"
 #include "app/primitive/export.h"
 #include "app/primitive/verify.h"
@@ -173,6 +174,21 @@ int verify_description(const PRIMITIVE_WORDS& words, const std::string& descript
     return status;
 }
 
+CHECKED_DEVICE_ANSWER verify_device_answer(const PRIMITIVE_WORDS& words, const PLACE& answer)
+{
+    const SHEET_CATALOG catalog = open_catalog();
+    if (const auto named = choose_device(catalog, words)) {
+        return check_device_answer(answer, {named->m_sheet, named->m_grade}, true);
+    }
+    std::string problem;
+    const PLACE device = answer.require("device");
+    const auto own = catalog.choose(device.read_text(), &problem);
+    if (!own) {
+        throw USAGE_ERROR(device.get_path(), problem);
+    }
+    return check_device_answer(answer, {own->m_sheet, own->m_grade}, false);
+}
+
 int answer_for_real_device(const PRIMITIVE_WORDS& words, const REQUEST_WORDS& request_words,
                            ANSWER_FORM form, std::string* text)
 {
@@ -196,7 +212,7 @@ int answer_for_real_device(const PRIMITIVE_WORDS& words, const REQUEST_WORDS& re
         *text = summarise_device_answer(request, answer);
         break;
     case ANSWER_FORM::OBJECT:
-        *text = write_json_device_answer(request, answer, status);
+        *text = write_document(write_json_device_answer(request, answer, status), 2);
         break;
     case ANSWER_FORM::EXPORT:
         export_answer(words, request, answer, text);

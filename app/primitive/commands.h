@@ -1,7 +1,9 @@
 // The commands that know real devices.
 #pragma once
 
+#include "app/json/place.h"
 #include "app/output/record_list.h"
+#include "app/primitive/check_device_answer.h"
 #include "app/primitive/words.h"
 #include "app/request/request.h"
 
@@ -13,6 +15,9 @@
 // verify FILE|-: the primitives of `description`, the text of the file.
 int verify_description(const PRIMITIVE_WORDS& words, const std::string& description, LIST_FORM form,
                        std::string* text);
+
+// verify FILE|-: an answer of synth --device.
+CHECKED_DEVICE_ANSWER verify_device_answer(const PRIMITIVE_WORDS& words, const PLACE& answer);
 
 enum class ANSWER_FORM
 {

@@ -20,7 +20,7 @@ using advice::JUDGED_FIGURE;
 using advice::RATIONAL;
 
 constexpr int ANGLE_DECIMALS = 3;
-constexpr int INDENT = 2;
+constexpr int PERCENT = 100;
 constexpr double PPB = 1e9;
 constexpr double WHOLE = 100.0;
 
@@ -161,6 +161,24 @@ JSON list_misses(const DEVICE_CLOCK& clock)
     return missed;
 }
 
+// The counter as the library would have it. Where a table or eighths make the clock, there is none.
+void write_counter(const DEVICE_CLOCK& clock, JSON* object)
+{
+    constexpr int TAPS = 8;
+    const RATIONAL halves = clock.m_duty / RATIONAL(PERCENT) * clock.m_count * RATIONAL(2);
+    const bool has_halves = clock.m_count.is_integer() && halves.is_integer();
+    const RATIONAL high = (halves / RATIONAL(2)).ceil();
+    const RATIONAL periods = clock.m_delay.floor();
+    (*object)["high"] = has_halves ? write_count(high) : JSON();
+    (*object)["low"] = has_halves ? write_count(clock.m_count - high) : JSON();
+    (*object)["even"] = has_halves ? JSON((halves / RATIONAL(2)).is_integer()) : JSON();
+    (*object)["bypass"] = clock.m_count == RATIONAL(1);
+    (*object)["initial"] = write_count(periods + RATIONAL(1));
+    (*object)["vco_tap"] = write_count((clock.m_delay - periods) * RATIONAL(TAPS));
+    (*object)["fed_by"] = nullptr;
+    (*object)["delay_ps"] = 0;
+}
+
 JSON write_clock(const DEVICE_REQUEST& request, const DEVICE_CLOCK& clock, std::size_t index)
 {
     JSON object = JSON::object();
@@ -172,6 +190,7 @@ JSON write_clock(const DEVICE_REQUEST& request, const DEVICE_CLOCK& clock, std::
     object["phase_deg"] = write_double(clock.m_phase.to_double());
     object["phase_step_deg"] = write_double(clock.m_phase_step.to_double());
     object["duty_percent"] = write_double(clock.m_duty.to_double());
+    write_counter(clock, &object);
     object["made_by"] = clock.m_output;
     object["select"] = clock.m_select.empty() ? JSON(nullptr) : JSON(clock.m_select);
     object["count"] = write_fraction(clock.m_count);
@@ -241,8 +260,8 @@ std::string summarise_device_answer(const DEVICE_REQUEST& request, const DEVICE_
     return text + "\n";
 }
 
-std::string write_json_device_answer(const DEVICE_REQUEST& request, const DEVICE_ANSWER& answer,
-                                     int exit_status)
+JSON write_json_device_answer(const DEVICE_REQUEST& request, const DEVICE_ANSWER& answer,
+                              int exit_status)
 {
     JSON document = JSON::object();
     document["schema_version"] = SCHEMA_VERSION;
@@ -250,6 +269,7 @@ std::string write_json_device_answer(const DEVICE_REQUEST& request, const DEVICE
     document["met"] = answer.m_met;
     document["exit_status"] = exit_status;
     document["device"] = name_of_device(request);
+    document["grade"] = request.m_device.m_grade;
     document["request"] = write_json_request(request.m_request, DEVICE_WORDS());
     document["error"] = write_error(answer);
     document["pll"] = answer.m_has_setting ? write_loop(answer) : JSON(nullptr);
@@ -261,5 +281,5 @@ std::string write_json_device_answer(const DEVICE_REQUEST& request, const DEVICE
     document["loop_filter"] = request.m_device.m_sheet->m_filter;
     document["reasons"] = answer.m_reasons;
     document["offers"] = JSON::array();
-    return write_document(document, INDENT);
+    return document;
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "advice/devices/device_answer.h"
+#include "app/json/json.h"
 
 #include <string>
 
@@ -14,5 +15,5 @@ std::string summarise_device_answer(const advice::DEVICE_REQUEST& request,
                                     const advice::DEVICE_ANSWER& answer);
 
 // For programs: one object with the keys of every answer.
-std::string write_json_device_answer(const advice::DEVICE_REQUEST& request,
-                                     const advice::DEVICE_ANSWER& answer, int exit_status);
+JSON write_json_device_answer(const advice::DEVICE_REQUEST& request,
+                              const advice::DEVICE_ANSWER& answer, int exit_status);

@@ -78,6 +78,59 @@ TEST(RealDevices, SayWhatIsNotMet)
     EXPECT_EQ(NOT_MET, run_pllcalc("--device ice40 -i 5 -o 48 --summary").m_status);
 }
 
+// The exit status of verify for an answer.
+int verify_answer(const JSON& answer)
+{
+    return run_pllcalc("verify " + VERILOG_FILE(answer.dump()).path()).m_status;
+}
+
+TEST(RealDevices, AnswersAreVerified)
+{
+    for (const char* const line :
+         {"--device ecp5 -i 25 -o pix=125 -o 250@90", "--device xc7-plle2:-1 -i 100 -o 10@270",
+          "--device xc7-mmcme2:-1 -i 100 -o 148.5", "--device nexus -i 24 -o 60 -o 48@90",
+          "--device ice40 -i 12 -o 48 -o 24", "--device gw1nr-9 -i 27 -o 108@90 -o 54",
+          "--device ecp5 -i 25 -o 100 -o 50 -o 25 -o 125"}) {
+        const RUN run = run_pllcalc(std::string(line) + " --tolerance 1% --format json");
+        ASSERT_EQ(MET, run.m_status) << line;
+        EXPECT_EQ(MET, verify_answer(JSON::parse(run.m_output))) << line;
+    }
+}
+
+TEST(RealDevices, AnswersThatAreChangedAreNotVerified)
+{
+    const RUN run = run_pllcalc("--device ecp5 -i 25 -o pix=125 -o 250@90 --format json");
+    const JSON answer = JSON::parse(run.m_output);
+    const JSON fields = answer.flatten();
+    int changes = 0;
+    for (const auto& field : fields.items()) {
+        const std::string& path = field.key();
+        const bool is_free =
+            path.find("/request") == 0 || path.find("/offers") == 0 || path.find("/reasons") == 0;
+        if (is_free || !field.value().is_primitive() || path == "/device") {
+            continue;
+        }
+        JSON changed = answer;
+        JSON& value = changed[JSON::json_pointer(path)];
+        value = value.is_boolean()  ? JSON(!value.get<bool>())
+                : value.is_number() ? JSON(value.get<double>() + 1.0)
+                : value.is_string() ? JSON("1" + value.get<std::string>())
+                                    : JSON("x");
+        EXPECT_NE(MET, verify_answer(changed)) << path;
+        ++changes;
+    }
+    EXPECT_LT(100, changes);
+}
+
+TEST(RealDevices, AnswersAreVerifiedByWishAndLimitToo)
+{
+    JSON answer = JSON::parse(run_pllcalc("--device ecp5 -i 25 -o pix=125 --format json").m_output);
+    answer["request"]["outputs"][0]["frequency_hz"] = "126000000";
+    EXPECT_EQ(NOT_MET, verify_answer(answer));
+    answer["device"] = "no-such";
+    EXPECT_EQ(USAGE, verify_answer(answer));
+}
+
 TEST(RealDevices, TakeAnObjective)
 {
     const std::string request =
