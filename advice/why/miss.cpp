@@ -1,6 +1,7 @@
 #include "advice/why/miss.h"
 
 #include "advice/numbers/text.h"
+#include "advice/why/closest_rows.h"
 #include "advice/why/table_choice.h"
 
 #include "pll_outcome.h"
@@ -192,6 +193,11 @@ void explain_input(const char* name, const INPUT_CLOCK& input, const PLL& pll, L
     }
 }
 
+void append(const LINES& more, LINES* lines)
+{
+    lines->insert(lines->end(), more.begin(), more.end());
+}
+
 void explain_error(const REQUEST& request, const LIMITS& limits, const ANSWER& answer, LINES* lines)
 {
     const PLL& pll = answer.get_pll();
@@ -214,6 +220,7 @@ void explain_error(const REQUEST& request, const LIMITS& limits, const ANSWER& a
     case PLL::PLL_NO_BANDWIDTH_FOR_MULT_DIV:
         lines->push_back("missed: the loop filter; the table has no row for effective M " +
                          std::to_string(effective_m(pll)));
+        append(list_rows_near_division(pll), lines);
         break;
     case PLL::PLL_NO_BANDWIDTH_FOR_FIN_MULT_DIV:
         lines->push_back(
@@ -221,6 +228,7 @@ void explain_error(const REQUEST& request, const LIMITS& limits, const ANSWER& a
             write_number(answer.get_achieved().m_bandwidth_max / HZ_PER_KHZ, KHZ_DECIMALS) +
             " kHz, the PFD allows " +
             write_number(largest_bandwidth(request, pll) / HZ_PER_KHZ, KHZ_DECIMALS) + " kHz");
+        append(list_rows_near_bandwidth(request, answer), lines);
         break;
     case PLL::PLL_NO_ERROR:
     case PLL::PLL_M_N_NOT_FOUND:

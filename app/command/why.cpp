@@ -1,6 +1,7 @@
 #include "app/command/why.h"
 
 #include "advice/why/conflict.h"
+#include "advice/why/counts.h"
 #include "advice/why/miss.h"
 #include "advice/why/needs.h"
 #include "advice/why/offers.h"
@@ -52,6 +53,9 @@ std::vector<std::string> list_reasons(const REQUEST& request, const ANSWER& answ
     for (std::string& line : advice::explain_miss(request, *request.m_limits, answer)) {
         reasons.push_back(std::move(line));
     }
+    for (std::string& line : advice::count_settings(request, *request.m_limits)) {
+        reasons.push_back(std::move(line));
+    }
     return reasons;
 }
 
@@ -99,7 +103,10 @@ std::string explain(const REQUEST& request, const ANSWER& answer, const DEVICE_W
         advice::describe_conflict(advice::find_conflict(request, *request.m_limits));
     const std::vector<JSON_OFFER> offers = make_offers(request, answer, device, ALL_OFFERS);
     text = needs + report_verdict(request, answer);
-    text += "\n" + report_origins(request, answer);
+    const std::string origins = report_origins(request, answer);
+    text += "\n" + origins + (origins.empty() ? "" : "\n");
+    text += "What the limits leave:\n" +
+            write_lines(advice::count_settings(request, *request.m_limits)) + "\n";
     if (!conflict.empty()) {
         text += "The smallest conflict:\n" + conflict + "\n\n";
     }
