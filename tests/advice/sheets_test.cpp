@@ -5,6 +5,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <fstream>
+#include <map>
+#include <sstream>
+
 namespace advice {
 namespace {
 
@@ -112,6 +116,68 @@ TEST(Sheets, CutAtAnyLengthAreToldOrRead)
         static_cast<void>(first_problem(whole.substr(0, length)));
     }
     EXPECT_EQ("", first_problem(whole));
+}
+
+// Values in ps of the keywords in one speed grade of a family file, and of those above all grades.
+std::map<std::string, std::int64_t> read_grade(const std::string& family, const std::string& grade)
+{
+    std::ifstream file(std::string(PLL_DATA_DIR "/devices/") + family + "/" + family + "_pll.txt");
+    std::map<std::string, std::int64_t> values;
+    bool is_in_grade = false;
+    for (std::string line; std::getline(file, line);) {
+        std::istringstream words(line);
+        std::string key;
+        std::string value;
+        words >> key >> value;
+        if (key == "speed_grade") {
+            is_in_grade = value == grade;
+        } else if (is_in_grade &&
+                   key.find_first_not_of("abcdefghijklmnopqrstuvwxyz_") == std::string::npos &&
+                   key != "part" && !key.empty()) {
+            values[key] = std::stoll(value);
+        }
+    }
+    return values;
+}
+
+// The periods of the family file hold all that the figure allows.
+void expect_enclosed(const FIGURE& figure, const std::string& keyword,
+                     const std::map<std::string, std::int64_t>& periods)
+{
+    const RATIONAL picoseconds(1000000);
+    if (figure.m_range.m_most) {
+        ASSERT_EQ(1U, periods.count(keyword + "_min")) << keyword;
+        EXPECT_LE(RATIONAL(periods.at(keyword + "_min")), picoseconds / *figure.m_range.m_most)
+            << keyword;
+    }
+    if (figure.m_range.m_least) {
+        ASSERT_EQ(1U, periods.count(keyword + "_max")) << keyword;
+        EXPECT_LE(picoseconds / *figure.m_range.m_least, RATIONAL(periods.at(keyword + "_max")))
+            << keyword;
+    }
+}
+
+TEST(Sheets, AreEnclosedByTheirFamilyFiles)
+{
+    const std::map<FIGURE_KIND, std::string> keywords = {{FIGURE_KIND::INPUT, "input"},
+                                                         {FIGURE_KIND::PFD, "pfd"},
+                                                         {FIGURE_KIND::VCO, "vco"},
+                                                         {FIGURE_KIND::OUTPUT, "output"}};
+    int figures = 0;
+    for (const SHEET* sheet : catalog().get_sheets()) {
+        for (const GRADE& grade : sheet->m_grades) {
+            SCOPED_TRACE(sheet->m_name + ":" + grade.m_name);
+            const auto periods = read_grade(sheet->m_name, grade.m_name);
+            for (const auto& [kind, keyword] : keywords) {
+                const FIGURE* figure = sheet->find_figure(kind, grade.m_name, "", "");
+                if (figure != nullptr) {
+                    expect_enclosed(*figure, keyword, periods);
+                    ++figures;
+                }
+            }
+        }
+    }
+    EXPECT_LT(70, figures);
 }
 
 TEST(Catalog, ChoosesByNameAndGrade)
