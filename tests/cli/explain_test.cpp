@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include <filesystem>
 #include <sstream>
 
 namespace {
@@ -81,6 +82,29 @@ TEST(Explain, NamesTheCounterThatEndedAndTheConflict)
     EXPECT_NE(std::string::npos,
               run.m_output.find("output 1 at 1 kHz and the limit half_max = 512 (built in) exclude "
                                 "one another"))
+        << run.m_output;
+}
+
+// A device that wants a PFD of 100000 times the bandwidth has rows, and can take none.
+TEST(Explain, NamesTheRowsThatCameClosest)
+{
+    const TEMP_DIR dir;
+    std::filesystem::copy(std::string(PLL_DATA_DIR) + "/sample", dir.file("data"),
+                          std::filesystem::copy_options::recursive);
+    const std::string family = dir.file("data/chervil/chervil_pll.txt");
+    std::string text = read_file(family);
+    const std::string multiplier = "bandwidth_pfd_min_frequency_multiplier  8";
+    const std::size_t at = text.find(multiplier);
+    ASSERT_NE(std::string::npos, at);
+    write_file(family, text.replace(at, multiplier.size(),
+                                    multiplier.substr(0, multiplier.size() - 1) + "100000"));
+
+    const RUN run = run_pllcalc("explain --database " + dir.file("data") +
+                                " --family Chervil --part CH30-6 --in 27MHz --out 40.5MHz");
+    EXPECT_EQ(1, run.m_status);
+    EXPECT_NE(std::string::npos,
+              run.m_output.find("closest row: 10 uA, 6000 ohm, bandwidth up to 404 kHz, 403.73 kHz "
+                                "above what the PFD allows\nclosest row: 45 uA, 3000 ohm, "))
         << run.m_output;
 }
 
