@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
-"""peers.py PLLCALC [WISHES]: icepll and pllcalc on the same wishes for iCE40: the real ones of the
+"""peers.py PLLCALC LOOP [WISHES]: icepll and pllcalc on the same wishes for iCE40: the real ones of the
 tests and random ones. Fails when icepll is nearer anywhere, or legal where ours is refused.
-Prints a table in Markdown."""
+Prints a table in Markdown. LOOP is pll_device_answers, which answers in one process."""
 
 import json
 import pathlib
@@ -54,6 +54,13 @@ def is_legal(program, clock, parameters, directory):
     return json.loads(done.stdout)["instances"][0]["legal"] == "legal"
 
 
+def time_in_process(loop, wishes):
+    """Median milliseconds of an answer, as the loop prints them."""
+    lines = "".join(f"{clock} {wanted}\n" for clock, wanted in wishes)
+    done = subprocess.run([loop, "ice40"], input=lines, capture_output=True, text=True, check=True)
+    return done.stdout.strip()
+
+
 def list_wishes(count):
     wishes = []
     for example in json.loads(EXAMPLES.read_text(encoding="utf-8")):
@@ -84,15 +91,15 @@ class Tally:
         self.exact += error == 0
         self.errors.append(float(error) * 1e6)
 
-    def row(self, name, count):
+    def row(self, name, count, in_process):
         return (f"| {name} | {self.answered} of {count} | {self.legal} | {self.exact} | "
                 f"{statistics.mean(self.errors):.1f} | {max(self.errors):.1f} | "
-                f"{statistics.median(self.seconds) * 1e3:.2f} |")
+                f"{in_process} | {statistics.median(self.seconds) * 1e3:.2f} |")
 
 
 def main():
-    program = pathlib.Path(sys.argv[1]).resolve()
-    count = int(sys.argv[2]) if len(sys.argv) > 2 else DEFAULT_WISHES
+    program, loop = (pathlib.Path(word).resolve() for word in sys.argv[1:3])
+    count = int(sys.argv[3]) if len(sys.argv) > 3 else DEFAULT_WISHES
     wishes = list_wishes(count)
     theirs, ours, nearer, status = Tally(), Tally(), 0, 0
     with tempfile.TemporaryDirectory() as directory:
@@ -108,10 +115,11 @@ def main():
                 print(f"{clock} to {wanted}: icepll {peer}, ours {mine}", file=sys.stderr)
                 status = 1
             nearer += peer is not None and mine is not None and errors[1] < errors[0]
-    print("| | answered | legal | exact | mean error, ppm | worst, ppm | a process, ms (median) |")
-    print("|---|---|---|---|---|---|---|")
-    print(theirs.row("icepll", len(wishes)))
-    print(ours.row("pllcalc", len(wishes)))
+    print("| | answered | legal | exact | mean error, ppm | worst, ppm | in process, ms (median) "
+          "| a process, ms (median) |")
+    print("|---|---|---|---|---|---|---|---|")
+    print(theirs.row("icepll", len(wishes), "has no such form"))
+    print(ours.row("pllcalc", len(wishes), time_in_process(loop, wishes)))
     print(f"\n{len(wishes)} wishes; pllcalc is nearer in {nearer}, icepll in "
           f"{'none' if status == 0 else 'some'} where it is legal.")
     return status
