@@ -122,7 +122,9 @@ public:
     }
 
 private:
-    static constexpr int CAPACITY = 768;  // no int has more divisors below its square root
+    // Of all numbers up to 2^31, 2095133040 has the most divisors: 1600, half of them below its
+    // square root.
+    static constexpr int CAPACITY = 800;
 
     void add(std::uint64_t divisor)
     {
